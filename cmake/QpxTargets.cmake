@@ -1,0 +1,65 @@
+# What every target of the project is compiled with, and how a test is declared.
+
+add_library(qpx_options INTERFACE)
+target_compile_features(qpx_options INTERFACE cxx_std_20 c_std_11)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(QPX_CCACHE ccache)
+if(QPX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_C_COMPILER_LAUNCHER ${QPX_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${QPX_CCACHE})
+endif()
+
+# Every result is the same bytes on every target, so no product and sum may fuse into one rounding.
+target_compile_options(qpx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Werror -ffp-contract=off
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast>)
+
+if(QPX_SANITIZE)
+  # The vptr check reads type information, which the library is built without.
+  target_compile_options(qpx_options INTERFACE -fsanitize=${QPX_SANITIZE} -fno-sanitize=vptr
+    -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(qpx_options INTERFACE -fsanitize=${QPX_SANITIZE})
+else()
+  add_link_options(-Wl,--no-undefined)
+endif()
+
+# qpx_add_test(NAME SOURCES file... [PUBLIC] [FAILING_MEMORY] [THREADS] [LIBRARIES target...])
+#   PUBLIC          links the shared library, as a host does, instead of its objects
+#   FAILING_MEMORY  the five memory services come from tests/support/failing_memory.cpp
+#   THREADS         starts threads: labelled so, which is what the thread sanitizer's build runs
+# Every test is labelled with its folder too: `ctest -L simd`.
+function(qpx_add_test name)
+  cmake_parse_arguments(TEST "PUBLIC;FAILING_MEMORY;THREADS" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE qpx_options GTest::gtest GTest::gtest_main ${TEST_LIBRARIES})
+  if(TEST_PUBLIC)
+    target_link_libraries(${name} PRIVATE qpxengine)
+  else()
+    target_link_libraries(${name} PRIVATE qpx_internal)
+  endif()
+  if(TEST_FAILING_MEMORY)
+    target_link_libraries(${name} PRIVATE qpx_failing_memory)
+  else()
+    target_link_libraries(${name} PRIVATE kesbase)
+  endif()
+  add_test(NAME ${name} COMMAND ${name})
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME labels)
+  if(TEST_THREADS)
+    list(APPEND labels threads)
+    set_property(GLOBAL APPEND PROPERTY QPX_THREAD_TESTS ${name})
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS "${labels}")
+endfunction()
+
+# qpx_add_fuzzer(NAME SOURCES file... [LIBRARIES target...])
+#   An executable of libFuzzer over the shared library; scripts/test.sh runs every one named fuzz_*.
+function(qpx_add_fuzzer name)
+  cmake_parse_arguments(FUZZ "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${FUZZ_SOURCES})
+  target_link_libraries(${name} PRIVATE qpx_options qpxengine kesbase ${FUZZ_LIBRARIES} -fsanitize=fuzzer)
+endfunction()
