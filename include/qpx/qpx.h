@@ -1,0 +1,14 @@
+/* Everything that libqpxengine exports. */
+#ifndef QPX_QPX_H_
+#define QPX_QPX_H_
+
+#include <qpx/curves.h>
+#include <qpx/effects.h>
+#include <qpx/engine.h>
+#include <qpx/image.h>
+#include <qpx/log.h>
+#include <qpx/streams.h>
+#include <qpx/strings.h>
+#include <qpx/types.h>
+
+#endif /* QPX_QPX_H_ */

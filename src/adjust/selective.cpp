@@ -1,0 +1,21 @@
+// Selective colour, by the inks of nine colour classes.
+#include "adjust/adjust.h"
+
+namespace qpx {
+namespace {
+
+constexpr EffectRow kEffects[] = {
+    {.id = 0x7C00,
+     .name = "SelectiveColor",
+     .title = "Selective colour",
+     .summary = "Cyan, magenta, yellow and black of nine colour classes.",
+     .formats = kTakesRgb,
+     .record = {.size = 148}},
+};
+static_assert(idsAscend(kEffects));
+
+}  // namespace
+
+constinit const EffectFamily kSelectiveFamily = {"selective", kEffects};
+
+}  // namespace qpx

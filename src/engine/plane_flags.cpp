@@ -1,0 +1,77 @@
+#include "engine/plane_flags.h"
+
+#include <cstring>
+
+#include "engine/address.h"
+
+namespace qpx {
+namespace {
+
+struct Columns {
+  int32_t begin;
+  int32_t end;
+};
+
+// Sample columns of plane p that belong to pixels of `out`, chroma of border blocks included.
+Columns planeColumns(const PixInfo& pix, int p, const MRect& out) {
+  if (p > 0 && isSemiPlanar(pix)) return {out.left & ~1, (out.right + 1) & ~1};
+  const int32_t across = pix.xSampling[p];
+  return {out.left / across, (out.right + across - 1) / across};
+}
+
+template <typename RowAction>
+void forPlaneRows(const Stage& head, int p, const MRect& out, const RowAction& action) {
+  const QPXBand& band = head.bands[0];
+  const int32_t down = head.pix.ySampling[p];
+  for (int32_t y = out.top; y < out.bottom; ++y) {
+    const bool newRow = y == out.top || y % down == 0;
+    if (!newRow) continue;
+    action(chromaRow(band.outRows[p], y, down), chromaRow(band.inRows[p], y, down));
+  }
+}
+
+void fillPlane(const Stage& head, int p, const MRect& out) {
+  const Columns columns = planeColumns(head.pix, p, out);
+  const ptrdiff_t step = head.pix.bytesPerSample[p];
+  const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
+  forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t*) {
+    std::memset(to + columns.begin * step, head.bands[0].fill[p], bytes);
+  });
+}
+
+void copyPlane(const Stage& head, int p, const MRect& out) {
+  const Columns columns = planeColumns(head.pix, p, out);
+  const ptrdiff_t step = head.pix.bytesPerSample[p];
+  const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
+  forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t* from) {
+    std::memmove(to + columns.begin * step, from + columns.begin * step, bytes);
+  });
+}
+
+// NV21 and NV12 have both chroma flags meet in one plane, which starts at the lower of the two
+// pointers.
+int firstChromaPlane(const PixInfo& pix) { return pix.family == kFamilyNv21 ? 2 : 1; }
+
+uint32_t flagsOfPlane(const Stage& head, int p) {
+  const uint32_t flags = head.bands[0].planeFlags;
+  constexpr uint32_t kPlane0 = QPX_FILL_PLANE0 | QPX_COPY_PLANE0;
+  if (p == 0 || !isSemiPlanar(head.pix)) return (flags >> p) & kPlane0;
+  if (p != firstChromaPlane(head.pix)) return 0;
+  return ((flags >> 1) | (flags >> 2)) & kPlane0;
+}
+
+}  // namespace
+
+void applyPlaneFlags(const Stage& head, const MRect& out) {
+  for (int p = 0; p < head.pix.planes; ++p) {
+    const uint32_t flags = flagsOfPlane(head, p);
+    const bool samePlane = head.plane[kInputPlane + p] == head.plane[kOutputPlane + p];
+    if ((flags & QPX_COPY_PLANE0) != 0 && !samePlane) {
+      copyPlane(head, p, out);
+    } else if ((flags & QPX_FILL_PLANE0) != 0) {
+      fillPlane(head, p, out);
+    }
+  }
+}
+
+}  // namespace qpx

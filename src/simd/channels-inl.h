@@ -1,0 +1,86 @@
+// Interleaved pixels to planes and back. Included once per target.
+#if defined(QPX_SIMD_CHANNELS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef QPX_SIMD_CHANNELS_INL_H_
+#undef QPX_SIMD_CHANNELS_INL_H_
+#else
+#define QPX_SIMD_CHANNELS_INL_H_
+#endif
+
+#include <hwy/highway.h>
+
+#include "simd/plain_rows.h"
+
+// A target without vectors runs the plain forms.
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+
+HWY_BEFORE_NAMESPACE();
+namespace qpx::simd {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Calls step(first pixel) for whole vectors of pixels. The vector that ends the row may overlap the
+// one before it, which is harmless: here an output is never an input. False if the row is shorter
+// than a vector.
+template <class Step>
+HWY_INLINE bool forVectors(ptrdiff_t pixels, const Step& step) {
+  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(hn::ScalableTag<uint8_t>()));
+  if (pixels < length) return false;
+  for (ptrdiff_t i = 0; i < pixels - length; i += length) step(i);
+  step(pixels - length);
+  return true;
+}
+
+void deinterleave3(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    auto v0 = hn::Undefined(d), v1 = v0, v2 = v0;
+    hn::LoadInterleaved3(d, src + 3 * i, v0, v1, v2);
+    hn::StoreU(v0, d, p0 + i);
+    hn::StoreU(v1, d, p1 + i);
+    hn::StoreU(v2, d, p2 + i);
+  };
+  if (!forVectors(pixels, step)) plain::deinterleave3(src, pixels, p0, p1, p2);
+}
+
+void interleave3(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, ptrdiff_t pixels,
+                 uint8_t* dst) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    hn::StoreInterleaved3(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i), d,
+                          dst + 3 * i);
+  };
+  if (!forVectors(pixels, step)) plain::interleave3(p0, p1, p2, pixels, dst);
+}
+
+void deinterleave4(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2,
+                   uint8_t* p3) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    auto v0 = hn::Undefined(d), v1 = v0, v2 = v0, v3 = v0;
+    hn::LoadInterleaved4(d, src + 4 * i, v0, v1, v2, v3);
+    hn::StoreU(v0, d, p0 + i);
+    hn::StoreU(v1, d, p1 + i);
+    hn::StoreU(v2, d, p2 + i);
+    hn::StoreU(v3, d, p3 + i);
+  };
+  if (!forVectors(pixels, step)) plain::deinterleave4(src, pixels, p0, p1, p2, p3);
+}
+
+void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
+                 ptrdiff_t pixels, uint8_t* dst) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    hn::StoreInterleaved4(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i),
+                          hn::LoadU(d, p3 + i), d, dst + 4 * i);
+  };
+  if (!forVectors(pixels, step)) plain::interleave4(p0, p1, p2, p3, pixels, dst);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace qpx::simd
+HWY_AFTER_NAMESPACE();
+
+#endif  // HWY_TARGET
+
+#endif  // per target

@@ -1,0 +1,121 @@
+#include "simd/plain_rows.h"
+
+#include <algorithm>
+
+#include "simd/rows.h"
+
+namespace qpx::simd {
+namespace plain {
+
+void lookup(const uint8_t* src, uint8_t* dst, ptrdiff_t count, const uint8_t* table) {
+  for (ptrdiff_t i = 0; i < count; ++i) dst[i] = table[src[i]];
+}
+
+void lookup3(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* t0,
+             const uint8_t* t1, const uint8_t* t2) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 3, dst += 3) {
+    dst[0] = t0[src[0]];
+    dst[1] = t1[src[1]];
+    dst[2] = t2[src[2]];
+  }
+}
+
+void lookup4(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* t0,
+             const uint8_t* t1, const uint8_t* t2) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4, dst += 4) {
+    dst[0] = t0[src[0]];
+    dst[1] = t1[src[1]];
+    dst[2] = t2[src[2]];
+    dst[3] = src[3];
+  }
+}
+
+void deinterleave3(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 3) {
+    p0[i] = src[0];
+    p1[i] = src[1];
+    p2[i] = src[2];
+  }
+}
+
+void interleave3(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, ptrdiff_t pixels,
+                 uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, dst += 3) {
+    dst[0] = p0[i];
+    dst[1] = p1[i];
+    dst[2] = p2[i];
+  }
+}
+
+void deinterleave4(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2,
+                   uint8_t* p3) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4) {
+    p0[i] = src[0];
+    p1[i] = src[1];
+    p2[i] = src[2];
+    p3[i] = src[3];
+  }
+}
+
+void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
+                 ptrdiff_t pixels, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, dst += 4) {
+    dst[0] = p0[i];
+    dst[1] = p1[i];
+    dst[2] = p2[i];
+    dst[3] = p3[i];
+  }
+}
+
+void luma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    dst[i] = static_cast<uint8_t>((9798 * r[i] + 19235 * g[i] + 3735 * b[i]) >> 15);
+  }
+}
+
+void mixOpaque(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
+               int32_t opacity) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    dst[i] = static_cast<uint8_t>((base[i] * (100 - opacity) + top[i] * opacity + 50) / 100);
+  }
+}
+
+void mixColor(const uint8_t* base, uint8_t top, uint8_t* dst, ptrdiff_t count, int32_t opacity) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    dst[i] = static_cast<uint8_t>((base[i] * (100 - opacity) + top * opacity + 50) / 100);
+  }
+}
+
+void mixMasked(const uint8_t* base, const uint8_t* top, const uint8_t* mask, uint8_t* dst,
+               ptrdiff_t count, int32_t opacity) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t weight = opacity * mask[i];
+    dst[i] = static_cast<uint8_t>((base[i] * (25500 - weight) + top[i] * weight + 12750) / 25500);
+  }
+}
+
+void complement256(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) dst[i] = static_cast<uint8_t>(std::min(255, 256 - src[i]));
+}
+
+}  // namespace plain
+
+const Rows& plainRows() {
+  static constexpr Rows kRows = {
+      .lookup = plain::lookup,
+      .lookup3 = plain::lookup3,
+      .lookup4 = plain::lookup4,
+      .deinterleave3 = plain::deinterleave3,
+      .interleave3 = plain::interleave3,
+      .deinterleave4 = plain::deinterleave4,
+      .interleave4 = plain::interleave4,
+      .luma = plain::luma,
+      .mixOpaque = plain::mixOpaque,
+      .mixColor = plain::mixColor,
+      .mixMasked = plain::mixMasked,
+      .complement256 = plain::complement256,
+  };
+  return kRows;
+}
+
+}  // namespace qpx::simd

@@ -1,0 +1,85 @@
+// The vector primitives that everything hot is made of, as a table of row functions.
+//
+// Resolve the table once per call, outside the row loop:
+//
+//   const simd::Rows& rows = simd::rows();
+//   for (int32_t y = 0; y < height; ++y) rows.lookup(src + y * pitch, dst + y * pitch, width,
+//   table);
+//
+// Every entry has a plain form, which is its definition, and vector forms that give the same bytes.
+// What all entries share: rows need no alignment; nothing outside [0, count) is read or written; a
+// count of 0 or less does nothing; an output may be the very same row as an input where the entry
+// says "in place", otherwise outputs overlap neither inputs nor each other.
+#ifndef QPX_SIMD_ROWS_H_
+#define QPX_SIMD_ROWS_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace qpx::simd {
+
+struct Rows {
+  // dst[i] = table[src[i]] for `count` bytes; `table` has 256 entries. In place.
+  void (*lookup)(const uint8_t* src, uint8_t* dst, ptrdiff_t count, const uint8_t* table);
+
+  // Pixels of 3 bytes: byte k of each, in memory order, goes through table tk. In place. The same
+  // pointer given three times is served as fast as `lookup`.
+  void (*lookup3)(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* t0,
+                  const uint8_t* t1, const uint8_t* t2);
+
+  // Pixels of 4 bytes: as lookup3, and the fourth byte is copied. In place.
+  void (*lookup4)(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* t0,
+                  const uint8_t* t1, const uint8_t* t2);
+
+  // pk[i] = src[3 * i + k], and back.
+  void (*deinterleave3)(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1,
+                        uint8_t* p2);
+  void (*interleave3)(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, ptrdiff_t pixels,
+                      uint8_t* dst);
+
+  // pk[i] = src[4 * i + k], and back.
+  void (*deinterleave4)(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2,
+                        uint8_t* p3);
+  void (*interleave4)(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
+                      ptrdiff_t pixels, uint8_t* dst);
+
+  // Full-range luma of planar rows, 0..255, in place on any of the three:
+  //   dst = 0.299 * r + 0.587 * g + 0.114 * b, as (9798 * r + 19235 * g + 3735 * b) >> 15.
+  // The weights add to 32768, so a grey keeps its value; the shift cuts, it does not round.
+  void (*luma)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count);
+
+  // `top` laid over `base` with an opacity in percent, 0..100, rounded to nearest, halves up:
+  //   dst = (base * (100 - opacity) + top * opacity + 50) / 100. In place on either.
+  void (*mixOpaque)(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
+                    int32_t opacity);
+
+  // mixOpaque with the same top, 0..255, for every sample. In place.
+  void (*mixColor)(const uint8_t* base, uint8_t top, uint8_t* dst, ptrdiff_t count,
+                   int32_t opacity);
+
+  // mixOpaque with a coverage of 0..255 per sample on top of the opacity, rounded likewise:
+  //   dst = (base * (25500 - opacity * mask) + top * opacity * mask + 12750) / 25500.
+  // In place on any of the three.
+  void (*mixMasked)(const uint8_t* base, const uint8_t* top, const uint8_t* mask, uint8_t* dst,
+                    ptrdiff_t count, int32_t opacity);
+
+  // Chroma mirrored about 128: dst = min(255, 256 - src), so 0 and 1 both give 255. In place.
+  void (*complement256)(const uint8_t* src, uint8_t* dst, ptrdiff_t count);
+};
+
+// Whether the host asked for the plain forms by QPX_UsePlainForms. Process-wide, any thread.
+bool plainForms();
+
+// The plain forms if the host asked for them, otherwise the best that this processor runs. Any
+// thread; the reference stays good for the life of the process.
+const Rows& rows();
+
+// The definitions, whatever the host asked for.
+const Rows& plainRows();
+
+// The best vector forms, whatever the host asked for: what tests and benchmarks compare.
+const Rows& vectorRows();
+
+}  // namespace qpx::simd
+
+#endif  // QPX_SIMD_ROWS_H_
