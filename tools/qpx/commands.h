@@ -1,0 +1,13 @@
+// The subcommands. Each adds itself to the command line; its callback does the work and throws
+// UsageError or RunError.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace qpx::tool {
+
+void addListCommand(CLI::App& app);
+void addApplyCommand(CLI::App& app);
+void addSampleCommand(CLI::App& app);
+
+}  // namespace qpx::tool

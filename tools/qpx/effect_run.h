@@ -1,0 +1,43 @@
+// Drives the engine: a chain of effects over one picture.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "effect_spec.h"
+#include "picture.h"
+#include "pixel_format.h"
+#include "progress.h"
+
+namespace qpx::tool {
+
+struct RunOptions {
+  const PixelFormat* format = nullptr;  // null: chosen by effects and picture
+  int32_t band = 0;                     // rows a call; 0: the whole picture in one
+  int threads = 1;
+  bool forceThreads = false;        // even where a picture is too small to gain from it
+  int strength = 100;               // percent of the effect that replaces the source
+  int level = 0;                    // quality level, QPXEffectList.quality
+  const Picture* mask = nullptr;    // where the effect shows; any size
+  const Picture* second = nullptr;  // picture for effects that take one; any size
+};
+
+// Shares of a picture's work, in the steps of Progress.
+constexpr int64_t kReadSteps = 250;
+constexpr int64_t kEffectSteps = 500;
+constexpr int64_t kWriteSteps = 250;
+constexpr int64_t kPictureSteps = kReadSteps + kEffectSteps + kWriteSteps;
+
+// Everything that is known to be wrong before a picture is read: effects that are not built or do
+// not run in the format, a second picture that none takes. Throws UsageError.
+void checkChain(const std::vector<EffectCall>& chain, const RunOptions& options);
+
+// The format that a chain runs in: the wanted one, else the first that all effects take.
+const PixelFormat& formatFor(const std::vector<EffectCall>& chain, const RunOptions& options,
+                             bool alpha);
+
+// Throws RunError. Exif data and profile stay.
+Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
+                     const RunOptions& options, Progress& progress);
+
+}  // namespace qpx::tool

@@ -1,0 +1,133 @@
+#include "image_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "codecs.h"
+#include "errors.h"
+#include "exif.h"
+#include "text.h"
+
+namespace qpx::tool {
+
+namespace {
+
+constexpr size_t kMaxFileBytes = (size_t{1} << 31) - 1;
+constexpr size_t kReadStep = size_t{1} << 20;
+
+class Descriptor {
+ public:
+  explicit Descriptor(const std::string& path)
+      : owned_(path != "-"),
+        number_(owned_ ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
+  ~Descriptor() {
+    if (owned_ && number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int number() const { return number_; }
+
+ private:
+  bool owned_;
+  int number_;
+};
+
+[[noreturn]] void failReading(int error) {
+  throw RunError(std::string("cannot be read (") + std::strerror(error) +
+                 "): check the name and the right to read it");
+}
+
+std::vector<uint8_t> readAll(const std::string& path) {
+  const Descriptor file(path);
+  if (file.number() < 0) failReading(errno);
+  std::vector<uint8_t> bytes;
+  struct stat status {};
+  if (fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+      static_cast<uint64_t>(status.st_size) <= kMaxFileBytes) {
+    bytes.reserve(static_cast<size_t>(status.st_size) + 1);
+  }
+  for (;;) {
+    const size_t used = bytes.size();
+    bytes.resize(std::max(std::min(bytes.capacity(), used + kReadStep), used + 1));
+    const ssize_t count = read(file.number(), bytes.data() + used, bytes.size() - used);
+    if (count < 0 && errno != EINTR) failReading(errno);
+    bytes.resize(used + static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    if (count == 0) return bytes;
+    if (bytes.size() > kMaxFileBytes) throw RunError("is larger than 2 GiB: use a smaller file");
+    if (bytes.size() == bytes.capacity())
+      bytes.reserve(bytes.size() + bytes.size() / 2 + kReadStep);
+  }
+}
+
+Picture decode(const std::vector<uint8_t>& file) {
+  constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (file.empty()) throw RunError("is empty: use a JPEG or PNG picture");
+  if (file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF) {
+    return decodeJpeg(file);
+  }
+  // A file cut within the signature is a PNG that ends too early, not something else.
+  const size_t known = std::min(file.size(), kPngSignature.size());
+  if (known >= 4 &&
+      std::equal(kPngSignature.begin(), kPngSignature.begin() + known, file.begin())) {
+    return decodePng(file);
+  }
+  throw RunError("is neither JPEG nor PNG: convert it to one of them first");
+}
+
+}  // namespace
+
+std::string displayName(const std::string& path, bool input) {
+  if (path != "-") return path;
+  return input ? "standard input" : "standard output";
+}
+
+std::optional<FileKind> kindByName(const std::string& path) {
+  const size_t dot = path.rfind('.');
+  if (dot == std::string::npos) return std::nullopt;
+  const std::string extension = lowerCase(path.substr(dot + 1));
+  if (extension == "jpg" || extension == "jpeg" || extension == "jpe" || extension == "jfif") {
+    return FileKind::jpeg;
+  }
+  if (extension == "png") return FileKind::png;
+  return std::nullopt;
+}
+
+Picture readPicture(const std::string& path) {
+  try {
+    Picture picture = decode(readAll(path));
+    if (!isRgbProfile(picture.icc)) picture.icc.clear();
+    picture = turned(std::move(picture), exifOrientation(picture.exif));
+    describeUpright(picture.exif, picture.width(), picture.height());
+    return picture;
+  } catch (const RunError& error) {
+    throw RunError(displayName(path, true) + ": " + error.what());
+  } catch (const std::bad_alloc&) {
+    throw RunError(displayName(path, true) + ": not enough memory: use a smaller picture");
+  }
+}
+
+void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality) {
+  OutputFile out(path);
+  try {
+    if (kind == FileKind::jpeg) {
+      encodeJpeg(picture, quality, out);
+    } else {
+      encodePng(picture, out);
+    }
+  } catch (const RunError& error) {
+    // What stopped the encoder may be the disk, and then commit() says so better.
+    if (out.error() != 0) out.commit();
+    throw RunError(displayName(path, false) + ": " + error.what());
+  }
+  out.commit();
+}
+
+}  // namespace qpx::tool

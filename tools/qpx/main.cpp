@@ -1,0 +1,69 @@
+// qpx: the effects of libqpxengine on the command line.
+#include <qpx/engine.h>
+
+#include <cstdio>
+#include <new>
+#include <string>
+
+#include "commands.h"
+#include "console.h"
+#include "errors.h"
+#include "output_file.h"
+
+namespace {
+
+using namespace qpx::tool;
+
+std::string versionText() {
+  int32_t major = 0, minor = 0, build = 0;
+  PixmorphGetVersionInfo(&major, &minor, &build, nullptr, 0);
+  return "qpx " QPX_TOOL_VERSION " (libqpxengine " + std::to_string(major) + "." +
+         std::to_string(minor) + "." + std::to_string(build) + ")";
+}
+
+// Where the message of a wrong call sends people for help.
+std::string helpCall(const CLI::App& app) {
+  const std::vector<CLI::App*> used = app.get_subcommands();
+  return used.empty() ? "qpx --help" : "qpx " + used.front()->get_name() + " --help";
+}
+
+int run(CLI::App& app, int argc, char** argv) {
+  try {
+    app.parse(argc, argv);
+    return kExitDone;
+  } catch (const CLI::RuntimeError& error) {
+    return error.get_exit_code();
+  } catch (const CLI::ParseError& error) {
+    // Help and version come as errors too, with a status of 0.
+    if (error.get_exit_code() == 0) return app.exit(error);
+    printError(std::string(error.what()) + ": see '" + helpCall(app) + "'");
+    return kExitWrongCall;
+  } catch (const UsageError& error) {
+    printError(error.what());
+    return kExitWrongCall;
+  } catch (const std::bad_alloc&) {
+    printError("not enough memory: use a smaller picture");
+    return kExitFailed;
+  } catch (const std::exception& error) {
+    printError(error.what());
+    return kExitFailed;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  installSignalCleanup();
+  CLI::App app("Effects for pictures, by libqpxengine.", "qpx");
+  app.set_version_flag("--version", versionText());
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 done, 1 a run failed, 2 a wrong call.\n\n"
+      "Example:\n"
+      "  qpx sample scene.png\n"
+      "  qpx apply Sepia scene.png sepia.jpg");
+  addApplyCommand(app);
+  addListCommand(app);
+  addSampleCommand(app);
+  return run(app, argc, argv);
+}

@@ -1,0 +1,78 @@
+// qpx sample: a picture to try effects on.
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "errors.h"
+#include "image_file.h"
+#include "picture.h"
+#include "sample_scene.h"
+#include "text.h"
+
+namespace qpx::tool {
+
+namespace {
+
+struct SampleArguments {
+  std::string out;
+  std::string size = "1280x960";
+  std::string to;
+  uint32_t seed = 1;
+  int quality = 95;
+};
+
+struct Size {
+  int32_t width, height;
+};
+
+Size parseSize(const std::string& text) {
+  const std::vector<std::string> sides = split(lowerCase(text), 'x');
+  if (sides.size() == 2) {
+    const std::optional<int64_t> width = parseInteger(sides[0]), height = parseInteger(sides[1]);
+    if (width && height && *width >= 1 && *height >= 1 && *width <= 1000000 && *height <= 1000000 &&
+        *width * *height <= kMaxPixels) {
+      return {static_cast<int32_t>(*width), static_cast<int32_t>(*height)};
+    }
+  }
+  throw UsageError("'" + text +
+                   "' is no size: use WIDTHxHEIGHT, such as 640x480, from 1x1 to 512 " +
+                   "megapixels");
+}
+
+FileKind kindFor(const SampleArguments& arguments) {
+  if (!arguments.to.empty()) return arguments.to == "png" ? FileKind::png : FileKind::jpeg;
+  if (arguments.out == "-") return FileKind::png;
+  if (const std::optional<FileKind> kind = kindByName(arguments.out)) return *kind;
+  throw UsageError(arguments.out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
+}
+
+void sample(const SampleArguments& arguments) {
+  const Size size = parseSize(arguments.size);
+  const FileKind kind = kindFor(arguments);
+  writePicture(drawSampleScene(size.width, size.height, arguments.seed), arguments.out, kind,
+               arguments.quality);
+}
+
+}  // namespace
+
+void addSampleCommand(CLI::App& app) {
+  const auto arguments = std::make_shared<SampleArguments>();
+  CLI::App* command = app.add_subcommand(
+      "sample", "Draw a picture to judge effects by: sky, foliage, skin, colour chart, fine lines");
+  command->add_option("OUT", arguments->out, "JPEG or PNG; '-' is standard output")->required();
+  command->add_option("--size", arguments->size, "Width and height (default 1280x960)")
+      ->type_name("WxH");
+  command->add_option("--seed", arguments->seed, "Another seed, other clouds and leaves");
+  command->add_option("--to", arguments->to, "Output format, whatever the name says")
+      ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
+  command->add_option("--quality", arguments->quality, "Quality of JPEG output (default 95)")
+      ->check(CLI::Range(1, 100));
+  command->footer(
+      "The same size and seed always give the same pixels.\n\n"
+      "Example:\n"
+      "  qpx sample scene.png --size 1920x1080 --seed 7");
+  command->callback([arguments] { sample(*arguments); });
+}
+
+}  // namespace qpx::tool
