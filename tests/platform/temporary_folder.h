@@ -1,0 +1,54 @@
+#ifndef QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_
+#define QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace qpx::testing {
+
+// A folder of its own for each test, gone with it.
+class TemporaryFolder : public ::testing::Test {
+ protected:
+  TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "qpx-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+  }
+  ~TemporaryFolder() override { std::filesystem::remove_all(folder_); }
+
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string fileWith(const std::string& name, const std::string& text) const {
+    std::ofstream(path(name), std::ios::binary) << text;
+    return path(name);
+  }
+
+  static std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  static std::vector<uint16_t> wide(const std::string& text) {
+    std::vector<uint16_t> units;
+    for (const char c : text) units.push_back(static_cast<uint8_t>(c));
+    units.push_back(0);
+    return units;
+  }
+
+  static int64_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+}  // namespace qpx::testing
+
+#endif  // QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_

@@ -1,0 +1,54 @@
+// A test suite that runs once for every vector target this processor has.
+#ifndef QPX_TESTS_SIMD_TARGET_TEST_H_
+#define QPX_TESTS_SIMD_TARGET_TEST_H_
+
+#include "simd/targets.h"
+
+#include <gtest/gtest.h>
+#include <hwy/highway.h>
+
+#include <string>
+#include <vector>
+
+#include "simd/rows.h"
+
+namespace qpx::simd {
+
+inline std::vector<int64_t> runnableTargets() {
+  std::vector<int64_t> targets;
+  for (int64_t left = HWY_SUPPORTED_TARGETS & HWY_TARGETS; left != 0; left &= left - 1) {
+    targets.push_back(left & -left);
+  }
+  return targets;
+}
+
+inline std::string targetCaseName(const testing::TestParamInfo<int64_t>& info) {
+  return hwy::TargetName(info.param);
+}
+
+class TargetTest : public testing::TestWithParam<int64_t> {
+ protected:
+  void SetUp() override { choose(GetParam()); }
+  void TearDown() override { choose(0); }
+
+  const Rows& vector() const { return vectorRows(); }
+  const Rows& plain() const { return plainRows(); }
+
+ private:
+  // With a single target there is nothing to choose, and no Highway library to ask.
+  static void choose(int64_t target) {
+#if (HWY_TARGETS & (HWY_TARGETS - 1)) != 0
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+#else
+    static_cast<void>(target);
+#endif
+  }
+};
+
+#define QPX_FOR_EACH_TARGET(suite) \
+  INSTANTIATE_TEST_SUITE_P(Targets, suite, testing::ValuesIn(runnableTargets()), targetCaseName)
+
+}  // namespace qpx::simd
+
+#endif  // QPX_TESTS_SIMD_TARGET_TEST_H_
