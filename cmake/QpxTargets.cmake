@@ -29,13 +29,14 @@ else()
   add_link_options(-Wl,--no-undefined)
 endif()
 
-# qpx_add_test(NAME SOURCES file... [PUBLIC] [FAILING_MEMORY] [THREADS] [LIBRARIES target...])
+# qpx_add_test(NAME SOURCES file... [PUBLIC] [FAILING_MEMORY] [THREADS] [SHARDS n] [LIBRARIES target...])
 #   PUBLIC          links the shared library, as a host does, instead of its objects
 #   FAILING_MEMORY  the five memory services come from tests/support/failing_memory.cpp
 #   THREADS         starts threads: labelled so, which is what the thread sanitizer's build runs
+#   SHARDS          runs the executable's cases as n tests of ctest, which can go side by side
 # Every test is labelled with its folder too: `ctest -L simd`.
 function(qpx_add_test name)
-  cmake_parse_arguments(TEST "PUBLIC;FAILING_MEMORY;THREADS" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(TEST "PUBLIC;FAILING_MEMORY;THREADS" "SHARDS" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE qpx_options GTest::gtest GTest::gtest_main ${TEST_LIBRARIES})
@@ -49,13 +50,22 @@ function(qpx_add_test name)
   else()
     target_link_libraries(${name} PRIVATE kesbase)
   endif()
-  add_test(NAME ${name} COMMAND ${name})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME labels)
   if(TEST_THREADS)
     list(APPEND labels threads)
     set_property(GLOBAL APPEND PROPERTY QPX_THREAD_TESTS ${name})
   endif()
-  set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS "${labels}")
+  if(NOT TEST_SHARDS)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900 LABELS "${labels}")
+    return()
+  endif()
+  foreach(number RANGE 1 ${TEST_SHARDS})
+    math(EXPR index "${number} - 1")
+    add_test(NAME ${name}_${number} COMMAND ${name})
+    set_tests_properties(${name}_${number} PROPERTIES TIMEOUT 900 LABELS "${labels}"
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
+  endforeach()
 endfunction()
 
 # qpx_add_fuzzer(NAME SOURCES file... [LIBRARIES target...])

@@ -56,8 +56,8 @@ typedef struct QPXBandRect {
  *
  * Returns 0 and the handle; 2 for null arguments, formats that differ, an unknown format or a negative
  * output size; 3 for an effect that is unknown, not built, or not served in this format, and for several
- * stages outside packed RGB; 4 for no memory. *handleOut is null after a failure. An empty list makes an
- * engine that can only be destroyed. */
+ * stages outside packed RGB or with a rotated effect among them; 4 for no memory. *handleOut is null
+ * after a failure. An empty list makes an engine that can only be destroyed. */
 QPX_API int32_t QPXCreate(const MBitmap* outImage, const MBitmap* inImage, const QPXEffectList* list,
                           QPXEngine** handleOut);
 QPX_API int32_t QPXCreateIn(const MBitmap* outImage, const MBitmap* inImage,

@@ -14,4 +14,10 @@ inline uint8_t* advance(uint8_t* plane, ptrdiff_t step, ptrdiff_t count) {
                                     static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
 }
 
+// The way back. Not advance by -count: the least number has no opposite.
+inline uint8_t* retreat(uint8_t* plane, ptrdiff_t step, ptrdiff_t count) {
+  return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(plane) -
+                                    static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
+}
+
 }  // namespace qpx

@@ -15,7 +15,8 @@ int32_t rowCount(int32_t height) {
 // Cuts [low, high) to [start, start + length), which may reach beyond 32 bits.
 void cutSpan(int32_t start, int64_t length, int32_t* low, int32_t* high) {
   *low = std::max(*low, start);
-  *high = static_cast<int32_t>(std::min<int64_t>(*high, start + length));
+  const int64_t end = std::max<int64_t>(start + length, std::numeric_limits<int32_t>::min());
+  *high = static_cast<int32_t>(std::min<int64_t>(*high, end));
 }
 
 void cutToPlaced(int32_t left, int32_t top, int32_t width, int32_t height, MRect* band) {
@@ -90,11 +91,14 @@ MRect outputRect(Stage& head) {
       head.bandBottom >= head.inHeight ? head.inHeight : head.bandBottom - band.marginBottom;
   out.left = head.bandLeft + (head.bandLeft != 0 ? band.marginLeft : 0);
   out.right = head.bandRight - (head.bandRight != head.inWidth ? band.marginRight : 0);
-  // An output picture smaller than the input gets the rows and columns it has.
-  out.bottom = std::min(out.bottom, head.outHeight);
-  out.right = std::min(out.right, head.outWidth);
   out.bottom = std::max(out.bottom, out.top);
   out.right = std::max(out.right, out.left);
+  return out;
+}
+
+MRect cutToOutput(const Stage& head, MRect out) {
+  out.bottom = std::max(std::min(out.bottom, head.outHeight), out.top);
+  out.right = std::max(std::min(out.right, head.outWidth), out.left);
   return out;
 }
 
@@ -122,6 +126,7 @@ void resetStream(QPXEngine* engine) {
   }
   head.lastOutLeft = head.lastOutTop = head.lastOutRight = head.lastOutBottom = 0;
   head.startedAtTop = 0;
+  head.chainRuns = false;
 }
 
 }  // namespace qpx

@@ -19,6 +19,9 @@ void followStream(QPXEngine* engine);
 // or left == right.
 MRect outputRect(Stage& head);
 
+// An output picture smaller than the input gets the rows and columns it has.
+MRect cutToOutput(const Stage& head, MRect out);
+
 // Counts the rows that the band leaves to the next one.
 void keepRows(Stage& head);
 

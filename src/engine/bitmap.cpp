@@ -123,7 +123,7 @@ MBitmap* UTIL_MBitmapCreate(int32_t width, int32_t height, uint32_t format) {
   const int64_t bits = int64_t{8} * UTIL_GetPixelBytesEX(format);
   if (width < 1 || height < 1 || bits == 0) return nullptr;
   const int64_t pitch = (width * bits + 31) / 32 * 4;
-  if (pitch * height > INT32_MAX) return nullptr;
+  if (pitch > INT32_MAX || pitch * height > INT32_MAX) return nullptr;
 
   MBitmap* bitmap = static_cast<MBitmap*>(MMemAlloc(nullptr, sizeof(MBitmap)));
   if (bitmap == nullptr) return nullptr;

@@ -73,7 +73,11 @@ int32_t sizeRings(QPXEngine* engine) {
 class ChainRun {
  public:
   ChainRun(QPXEngine* engine, const MRect& out)
-      : engine_(engine), head_(*engine->head), out_(out), outputRow_(head_.bandTop) {}
+      : engine_(engine),
+        head_(*engine->head),
+        out_(out),
+        outputRight_(cutToOutput(head_, out).right),
+        outputRow_(head_.bandTop) {}
 
   int32_t run() {
     const bool flush = head_.bandBottom >= head_.inHeight;
@@ -89,18 +93,15 @@ class ChainRun {
     bool ran = false;
     for (int32_t k = 0; k < head_.stageCount; ++k) {
       if (lacksRows(k)) break;
-      int32_t y;
       if (k + 1 < head_.stageCount) {
-        y = head_.chainStart + head_.bands[k + 1].rowsTaken;
+        const int32_t y = head_.chainStart + head_.bands[k + 1].rowsTaken;
         if (y >= head_.inHeight) continue;
         handOn(k, y);
       } else {
-        y = head_.lastOutBottom;
+        const int32_t y = head_.lastOutBottom;
         if (y >= std::min(head_.inHeight, head_.outHeight)) return false;
         produce(k, y);
       }
-      const MRect line = {out_.left, y, out_.right, y + 1};
-      result_ = runStage(engine_, k, line);
       ran = true;
     }
     return ran;
@@ -117,9 +118,10 @@ class ChainRun {
   // Row y of stage k goes to the next slot of the ring that stage k + 1 reads.
   void handOn(int32_t k, int32_t y) {
     QPXBand& next = head_.bands[k + 1];
-    const ptrdiff_t slot = ptrdiff_t{next.ringPitch[0]} * next.ringPos[0];
-    const ptrdiff_t left = ptrdiff_t{head_.pix.bytesPerSample[0]} * head_.bandLeft;
-    uint8_t* row = advance(next.ring[0], 1, slot - left);
+    // Rings of whole-image effects have more slots than the 16 bits of ringPos count.
+    const int32_t slot = next.rowsTaken % next.ringCapacity;
+    uint8_t* row = advance(next.ring[0], next.ringPitch[0], slot);
+    row = retreat(row, head_.pix.bytesPerSample[0], head_.bandLeft);
     head_.bands[k].outRows[0][y] = row;
     QPXRowTable table = next.inRows[0];
     table[y] = row;
@@ -128,6 +130,24 @@ class ChainRun {
     if (y == head_.chainStart) std::fill_n(table + y - next.marginTop, next.marginTop, row);
     if (y + 1 == head_.inHeight) std::fill_n(table + y + 1, next.marginBottom, row);
     takeRows(next, 1);
+    result_ = runStage(engine_, k, {out_.left, y, out_.right, y + 1});
+    repeatBorderColumns(next, row);
+  }
+
+  // Where the band ends inside the picture, the next stage finds the border pixels of the row
+  // repeated: the true ones were never made, and what earlier bands left there must not show.
+  void repeatBorderColumns(const QPXBand& next, uint8_t* row) const {
+    const int32_t step = head_.pix.bytesPerSample[0];
+    uint8_t* first = row + ptrdiff_t{step} * out_.left;
+    uint8_t* end = row + ptrdiff_t{step} * out_.right;
+    if (out_.left > 0) {
+      const ptrdiff_t bytes = ptrdiff_t{step} * next.marginLeft;
+      for (ptrdiff_t i = 1; i <= bytes; ++i) first[-i] = first[step - i];
+    }
+    if (out_.right < head_.inWidth) {
+      const ptrdiff_t bytes = ptrdiff_t{step} * next.marginRight;
+      for (ptrdiff_t i = 0; i < bytes; ++i) end[i] = end[i - step];
+    }
   }
 
   // Row y of the last stage goes to the caller.
@@ -137,25 +157,31 @@ class ChainRun {
     ++outputRow_;
     head_.lastOutTop = y;
     head_.lastOutBottom = y + 1;
+    if (out_.left < outputRight_) {
+      result_ = runStage(engine_, k, {out_.left, y, outputRight_, y + 1});
+    }
   }
 
   QPXEngine* engine_;
   Stage& head_;
-  MRect out_;
+  MRect out_;  // what the inner stages make; the last one is cut to the output picture
+  int32_t outputRight_;
   int32_t outputRow_;
   int32_t result_ = QPX_OK;
 };
 
-bool nothingProduced(const Stage& head) {
-  return head.lastOutLeft == 0 && head.lastOutTop == 0 && head.lastOutRight == 0 &&
-         head.lastOutBottom == 0;
-}
-
+// The first band of a stream, or the first behind bands of which only the head was run.
 void startChain(Stage& head, const MRect& out) {
+  for (int32_t k = 1; k < head.stageCount; ++k) {
+    head.bands[k].rowsTaken = 0;
+    takeRows(head.bands[k], 0);
+  }
+  const MRect cut = cutToOutput(head, out);
+  head.chainRuns = true;
   head.chainStart = out.top;
   head.lastOutTop = head.lastOutBottom = out.top;
-  head.lastOutLeft = out.left;
-  head.lastOutRight = out.right;
+  head.lastOutLeft = cut.left;
+  head.lastOutRight = cut.right;
 }
 
 int32_t processChain(QPXEngine* engine, const CallImages& images, QPXBandRect* rect) {
@@ -169,7 +195,7 @@ int32_t processChain(QPXEngine* engine, const CallImages& images, QPXBandRect* r
 
   const MRect out = outputRect(head);
   buildInputTables(head);
-  if (nothingProduced(head)) startChain(head, out);
+  if (!head.chainRuns) startChain(head, out);
   const int32_t firstRow = head.lastOutBottom;
   if (out.top < out.bottom && out.left < out.right) result = ChainRun(engine, out).run();
   keepRows(head);

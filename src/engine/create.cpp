@@ -134,6 +134,9 @@ int32_t setUpList(QPXEngine* engine, const QPXEffectList& list) {
           static_cast<int>(result));
       return result;
     }
+    // Rows pass from stage to stage in the columns of one band, so that one placed picture bounds
+    // all.
+    if (stage.cropMode != 0) head.cropMode = 1;
     if (i + 1 < list.count && sharesStage(list.items[i], list.items[i + 1])) {
       ++merged;
       freeStage(engine->stages()[list.count - merged]);
@@ -145,10 +148,23 @@ int32_t setUpList(QPXEngine* engine, const QPXEffectList& list) {
   return QPX_OK;
 }
 
-void sumRingRows(QPXEngine* engine) {
+// Returns whether the sum fits its field.
+bool sumRingRows(QPXEngine* engine) {
   Stage& head = *engine->head;
-  head.ringRows = 0;
-  for (int32_t k = 0; k < head.stageCount; ++k) head.ringRows += head.bands[k].ringCapacity;
+  int64_t rows = 0;
+  for (int32_t k = 0; k < head.stageCount; ++k) rows += head.bands[k].ringCapacity;
+  if (rows > INT32_MAX) return false;
+  head.ringRows = static_cast<int32_t>(rows);
+  return true;
+}
+
+// Stages hand on rows of one plane, of which rotated effects would need all at once.
+bool runsAsChain(QPXEngine* engine) {
+  const Stage& head = *engine->head;
+  for (int32_t k = 0; k < head.stageCount; ++k) {
+    if (engine->stages()[k]->effect->has(kWarps)) return false;
+  }
+  return head.pix.family == kFamilyPackedRgb;
 }
 
 int32_t fillEngine(QPXEngine* engine, const Images& images, const QPXEffectList& list) {
@@ -156,13 +172,12 @@ int32_t fillEngine(QPXEngine* engine, const Images& images, const QPXEffectList&
   if (result != QPX_OK) return result;
   result = setUpList(engine, list);
   if (result != QPX_OK) return result;
-  if (engine->head->stageCount > 1 && engine->head->pix.family != kFamilyPackedRgb) {
-    log(QPX_LOG_WARN, kLogTag, "create: %d stages need packed RGB",
+  if (engine->head->stageCount > 1 && !runsAsChain(engine)) {
+    log(QPX_LOG_WARN, kLogTag, "create: %d stages need packed RGB and no rotated effect",
         static_cast<int>(engine->head->stageCount));
     return QPX_UNSUPPORTED;
   }
-  sumRingRows(engine);
-  return allocateRowTables(engine);
+  return sumRingRows(engine) ? allocateRowTables(engine) : QPX_NO_MEMORY;
 }
 
 void freeChainBuffers(Stage& head) {

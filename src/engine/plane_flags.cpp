@@ -32,7 +32,7 @@ void forPlaneRows(const Stage& head, int p, const MRect& out, const RowAction& a
 
 void fillPlane(const Stage& head, int p, const MRect& out) {
   const Columns columns = planeColumns(head.pix, p, out);
-  const ptrdiff_t step = head.pix.bytesPerSample[p];
+  const ptrdiff_t step = columnStep(head.pix, p);
   const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
   forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t*) {
     std::memset(to + columns.begin * step, head.bands[0].fill[p], bytes);
@@ -41,7 +41,7 @@ void fillPlane(const Stage& head, int p, const MRect& out) {
 
 void copyPlane(const Stage& head, int p, const MRect& out) {
   const Columns columns = planeColumns(head.pix, p, out);
-  const ptrdiff_t step = head.pix.bytesPerSample[p];
+  const ptrdiff_t step = columnStep(head.pix, p);
   const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
   forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t* from) {
     std::memmove(to + columns.begin * step, from + columns.begin * step, bytes);

@@ -130,7 +130,9 @@ int32_t layOutSemiPlanar(const MBitmap& bitmap, int first, PlaneLayout* layout) 
   layout->offset[first] = layout->pitch[0] * lumaRows;
   if (layout->offset[first] > kMaxBytes) return QPX_NO_MEMORY;
   layout->offset[3 - first] = layout->offset[first] + 1;
-  layout->bytes = layout->offset[first] + layout->pitch[1] * (lumaRows / 2);
+  // Both planes walk the one block, each by its own pitch.
+  const int64_t chromaPitch = std::max(layout->pitch[1], layout->pitch[2]);
+  layout->bytes = layout->offset[first] + chromaPitch * (lumaRows / 2);
   return QPX_OK;
 }
 

@@ -26,11 +26,21 @@ bool storePlane(Stage& head, int place, uint8_t* plane, int32_t pitch) {
   return changed;
 }
 
+// Chroma samples that a placement moves by. Rounded up: at an odd place, the chroma block that
+// begins at an even pixel of the picture begins at the second half of one of the second input's
+// blocks. This keeps every block of the picture that begins inside the second input inside its
+// planes.
+ptrdiff_t chromaShift(int32_t place, int32_t sampling) {
+  return place / sampling + (place > 0 && place % sampling != 0 ? 1 : 0);
+}
+
 // Moves a placed second input's plane so that its rows and columns count from the source's origin.
 uint8_t* placedSecond(const PixInfo& pix, int p, const MBitmap& second, const QPXBandRect& rect) {
   uint8_t* row =
-      advance(second.plane[p], second.pitch[p], -ptrdiff_t{rect.secondTop / pix.ySampling[p]});
-  return advance(row, pix.bytesPerSample[p], -ptrdiff_t{rect.secondLeft / pix.xSampling[p]});
+      retreat(second.plane[p], second.pitch[p], chromaShift(rect.secondTop, pix.ySampling[p]));
+  // Interleaved chroma moves in whole pairs.
+  if (p > 0 && isSemiPlanar(pix)) return retreat(row, 2, chromaShift(rect.secondLeft, 2));
+  return retreat(row, columnStep(pix, p), chromaShift(rect.secondLeft, pix.xSampling[p]));
 }
 
 // Turns a plane set that addresses the pixel at (left, top) into an image whose planes address its
@@ -42,8 +52,8 @@ MBitmap rebased(const PixInfo& pix, const QPXPlaneSet& planes, int64_t left, int
     if (planes.plane[p] == nullptr) continue;
     const ptrdiff_t rows = static_cast<ptrdiff_t>(top / pix.ySampling[p]);
     const ptrdiff_t columns = static_cast<ptrdiff_t>(left / pix.xSampling[p]);
-    uint8_t* row = advance(planes.plane[p], planes.pitch[p], -rows);
-    image.plane[p] = advance(row, pix.bytesPerSample[p], -columns);
+    uint8_t* row = retreat(planes.plane[p], planes.pitch[p], rows);
+    image.plane[p] = retreat(row, columnStep(pix, p), columns);
   }
   return image;
 }
@@ -52,8 +62,8 @@ MBitmap rebasedMask(const QPXPlaneSet& planes, int64_t left, int64_t top) {
   MBitmap image = {};
   image.pitch[0] = planes.pitch[0];
   if (planes.plane[0] != nullptr) {
-    uint8_t* row = advance(planes.plane[0], planes.pitch[0], -static_cast<ptrdiff_t>(top));
-    image.plane[0] = advance(row, 1, -static_cast<ptrdiff_t>(left));
+    uint8_t* row = retreat(planes.plane[0], planes.pitch[0], static_cast<ptrdiff_t>(top));
+    image.plane[0] = retreat(row, 1, static_cast<ptrdiff_t>(left));
   }
   return image;
 }
@@ -84,7 +94,8 @@ int32_t processBand(QPXEngine* engine, const CallImages& images, QPXBandRect* re
   if (result != QPX_OK || bandEmpty(head)) return result;
   followStream(engine);
 
-  const MRect out = outputRect(head);
+  head.chainRuns = false;
+  const MRect out = cutToOutput(head, outputRect(head));
   storeRect(out, rect);
   int32_t kernelResult = QPX_OK;
   if (out.top < out.bottom && out.left < out.right) {
@@ -131,8 +142,8 @@ void storePlanes(Stage& head, const CallImages& images, const QPXBandRect* rect)
   if (head.hasMask != 0) {
     uint8_t* mask = images.mask->plane[0];
     if (placed) {
-      mask = advance(mask, images.mask->pitch[0], -ptrdiff_t{rect->maskTop});
-      mask = advance(mask, 1, -ptrdiff_t{rect->maskLeft});
+      mask = retreat(mask, images.mask->pitch[0], rect->maskTop);
+      mask = retreat(mask, 1, rect->maskLeft);
     }
     changed |= storePlane(head, kMaskPlane, mask, images.mask->pitch[0]);
   }

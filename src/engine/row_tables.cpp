@@ -73,11 +73,13 @@ void repeatEdges(QPXRowTable table, int32_t height, int32_t above, int32_t below
   std::fill_n(table + height, below, table[height - 1]);
 }
 
-// Where sample column x of plane p begins, in bytes of the row.
-ptrdiff_t columnOffset(const PixInfo& pix, int p, int32_t x) {
+// Moves a plane by the samples that lie between two columns.
+uint8_t* moveColumns(const PixInfo& pix, int p, uint8_t* plane, int32_t from, int32_t to) {
   // Interleaved chroma moves in whole pairs.
-  if (p > 0 && isSemiPlanar(pix)) return x & ~1;
-  return ptrdiff_t{pix.bytesPerSample[p]} * (x / pix.xSampling[p]);
+  if (p > 0 && isSemiPlanar(pix)) return retreat(advance(plane, 1, to & ~1), 1, from & ~1);
+  const int32_t step = columnStep(pix, p);
+  const int32_t across = pix.xSampling[p];
+  return retreat(advance(plane, step, to / across), step, from / across);
 }
 
 }  // namespace
@@ -119,9 +121,8 @@ void buildOutputTables(Stage& head, const MRect& out) {
   for (int p = 0; p < pix.planes; ++p) {
     const int32_t pitch = head.pitch[kOutputPlane + p];
     const int32_t down = pix.ySampling[p];
-    const ptrdiff_t columns = columnOffset(pix, p, head.bandLeft) - columnOffset(pix, p, out.left);
-    const ptrdiff_t rows = head.bandTop / down - out.top / down;
-    uint8_t* origin = advance(advance(head.plane[kOutputPlane + p], 1, columns), pitch, rows);
+    uint8_t* origin = moveColumns(pix, p, head.plane[kOutputPlane + p], out.left, head.bandLeft);
+    origin = retreat(advance(origin, pitch, head.bandTop / down), pitch, out.top / down);
     QPXRowTable table = head.bands[0].outRows[p];
     for (int32_t y = out.top; y < out.bottom; ++y) {
       const int32_t row = y / down;

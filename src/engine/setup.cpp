@@ -1,4 +1,5 @@
 // Effect setup: a list item becomes a stage that kernels only read.
+#include <algorithm>
 #include <cstring>
 
 #include "engine/engine_handle.h"
@@ -23,18 +24,24 @@ void copyRecord(const QPXEffectItem& item, Stage& stage) {
   stage.record = place;
 }
 
+// Twice a margin and one more still fits 32 bits, as does the sum over a chain of any use. Sizes of
+// pictures may be negative.
+constexpr int32_t kMaxMargin = 1 << 28;
+
 int32_t marginOf(const Stage& stage) {
   const MarginPolicy& policy = stage.effect->margin;
   return policy.measure != nullptr ? policy.measure(stage) : policy.fixed;
 }
 
-void declareMargins(const Stage& stage, QPXBand& band) {
+int32_t declareMargins(const Stage& stage, QPXBand& band) {
   const bool wholeImage = stage.effect->margin.rule == QPX_MARGIN_WHOLE_IMAGE;
-  const int32_t down = wholeImage ? stage.inHeight : marginOf(stage);
-  const int32_t across = wholeImage ? stage.inWidth : down;
+  const int32_t down = std::max(wholeImage ? stage.inHeight : marginOf(stage), 0);
+  const int32_t across = std::max(wholeImage ? stage.inWidth : down, 0);
+  if (down > kMaxMargin || across > kMaxMargin) return QPX_NO_MEMORY;
   band.ringCapacity = 2 * down + 1;
   band.marginTop = band.marginBottom = down;
   band.marginLeft = band.marginRight = across;
+  return QPX_OK;
 }
 
 }  // namespace
@@ -50,8 +57,7 @@ int32_t setUpEffect(const QPXEffectItem& item, Stage& stage, QPXBand& band) {
     const int32_t result = stage.effect->setup(stage, band);
     if (result != QPX_OK) return result;
   }
-  declareMargins(stage, band);
-  return QPX_OK;
+  return declareMargins(stage, band);
 }
 
 }  // namespace qpx

@@ -19,6 +19,12 @@ inline bool isSemiPlanar(const PixInfo& pix) {
   return pix.family == kFamilyNv21 || pix.family == kFamilyNv12;
 }
 
+// Bytes from one column of samples of plane p to the next. A packed 4:2:2 pixel has two bytes in
+// its one plane, although its luma samples count as steps of one.
+inline int32_t columnStep(const PixInfo& pix, int p) {
+  return p == 0 && pix.family == kFamilyYuyv ? 2 : pix.bytesPerSample[p];
+}
+
 // Places of planes and pitches in QPXStage.
 inline constexpr int kInputPlane = 0;
 inline constexpr int kOutputPlane = 3;
@@ -27,8 +33,9 @@ inline constexpr int kMaskPlane = 9;
 
 struct Stage : QPXStage {
   const EffectRow* effect;
-  uint8_t* record;  // the effect's place in param
+  uint8_t* record;        // the effect's place in param
   int32_t chainStart;     // first row that the current stream of a chain makes
+  bool chainRuns;         // the rows behind chainStart went through all stages
   bool inputTablesValid;  // input tables still fit the plane pointers of this call
 };
 

@@ -15,7 +15,7 @@ enum StreamKind : uint32_t { kStreamFile = 1, kStreamMemory = 2 };
 
 enum StreamOrigin : int32_t { kFromStart = 0, kFromEnd = 1, kFromCurrent = 2 };
 
-enum StreamMode : int32_t { kModeRead = 1, kModeWrite = 2, kModeAppend = 3, kModeLast = 6 };
+enum StreamMode : int32_t { kModeRead = 1, kModeWrite = 2, kModeLast = 6 };
 
 // A piece of a growing memory stream; its bytes follow the record.
 struct StreamBlock {

@@ -84,6 +84,32 @@ class Luma {
   }
 };
 
+// Works on a quarter of the bytes at a time, as lanes of 32 bits.
+class WeightedSum {
+ public:
+  using D32 = hn::ScalableTag<int32_t>;
+  using Quarter = hn::Rebind<uint8_t, D32>;
+
+  explicit WeightedSum(const int32_t* w)
+      : a_(hn::Set(D32(), w[0])),
+        b_(hn::Set(D32(), w[1])),
+        c_(hn::Set(D32(), w[2])),
+        offset_(hn::Set(D32(), w[3])) {}
+
+  hn::Vec<Quarter> operator()(const uint8_t* a, const uint8_t* b, const uint8_t* c) const {
+    const auto sum = hn::Add(hn::Add(hn::Mul(lanes(a), a_), hn::Mul(lanes(b), b_)),
+                             hn::Add(hn::Mul(lanes(c), c_), offset_));
+    return hn::DemoteTo(Quarter(), hn::ShiftRight<16>(sum));  // clamps
+  }
+
+ private:
+  HWY_INLINE static hn::Vec<D32> lanes(const uint8_t* bytes) {
+    return hn::PromoteTo(D32(), hn::LoadU(Quarter(), bytes));
+  }
+
+  hn::Vec<D32> a_, b_, c_, offset_;
+};
+
 // n / 100 for n in 0..25550. 5243 / 2^19 is 1/100 + 12 / (100 * 2^19), which adds less than 1/100
 // in all as long as 12 * n < 2^19.
 HWY_INLINE V16 divideBy100(V16 n) { return hn::ShiftRight<3>(hn::MulHigh(n, word(5243))); }
@@ -167,6 +193,21 @@ class Complement256 {
 
 void luma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count) {
   if (!mapRow(Luma(), dst, count, r, g, b)) plain::luma(r, g, b, dst, count);
+}
+
+void weightedSum(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* dst,
+                 ptrdiff_t count, const int32_t* w) {
+  const WeightedSum::Quarter d;
+  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  const ptrdiff_t end = count - length;
+  if (end < 0) {
+    plain::weightedSum(a, b, c, dst, count, w);
+    return;
+  }
+  const WeightedSum op(w);
+  const auto last = op(a + end, b + end, c + end);
+  for (ptrdiff_t i = 0; i < end; i += length) hn::StoreU(op(a + i, b + i, c + i), d, dst + i);
+  hn::StoreU(last, d, dst + end);
 }
 
 void mixOpaque(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,

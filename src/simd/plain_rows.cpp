@@ -73,6 +73,14 @@ void luma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, pt
   }
 }
 
+void weightedSum(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* dst,
+                 ptrdiff_t count, const int32_t* w) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t sum = w[0] * a[i] + w[1] * b[i] + w[2] * c[i] + w[3];
+    dst[i] = static_cast<uint8_t>(std::clamp(sum >> 16, 0, 255));
+  }
+}
+
 void mixOpaque(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
                int32_t opacity) {
   for (ptrdiff_t i = 0; i < count; ++i) {
@@ -110,6 +118,7 @@ const Rows& plainRows() {
       .deinterleave4 = plain::deinterleave4,
       .interleave4 = plain::interleave4,
       .luma = plain::luma,
+      .weightedSum = plain::weightedSum,
       .mixOpaque = plain::mixOpaque,
       .mixColor = plain::mixColor,
       .mixMasked = plain::mixMasked,

@@ -21,6 +21,8 @@ void deinterleave4(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p
 void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
                  ptrdiff_t pixels, uint8_t* dst);
 void luma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count);
+void weightedSum(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* dst,
+                 ptrdiff_t count, const int32_t* w);
 void mixOpaque(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
                int32_t opacity);
 void mixColor(const uint8_t* base, uint8_t top, uint8_t* dst, ptrdiff_t count, int32_t opacity);

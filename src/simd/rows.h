@@ -48,6 +48,13 @@ struct Rows {
   // The weights add to 32768, so a grey keeps its value; the shift cuts, it does not round.
   void (*luma)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count);
 
+  // A row of a colour matrix with 16 fractional bits on planar rows, clamped, in place on any of
+  // the three:
+  //   dst = clamp((w[0] * a + w[1] * b + w[2] * c + w[3]) >> 16, 0, 255), the shift rounding down.
+  // Neither the sum nor any part of it leaves 32 bits.
+  void (*weightedSum)(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* dst,
+                      ptrdiff_t count, const int32_t* w);
+
   // `top` laid over `base` with an opacity in percent, 0..100, rounded to nearest, halves up:
   //   dst = (base * (100 - opacity) + top * opacity + 50) / 100. In place on either.
   void (*mixOpaque)(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,

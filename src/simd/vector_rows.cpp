@@ -38,6 +38,7 @@ const Rows& bestRows() {
       .deinterleave4 = deinterleave4,
       .interleave4 = interleave4,
       .luma = luma,
+      .weightedSum = weightedSum,
       .mixOpaque = mixOpaque,
       .mixColor = mixColor,
       .mixMasked = mixMasked,

@@ -39,31 +39,64 @@ void store32(const RunFormat& format, const PixelRun& run, const QPXRowTable*,
                             run.count, to);
 }
 
+// Whole pixels first and then field by field, in loops that compilers turn into vector code.
+using Pixels = uint32_t[kRunLength];
+
+template <int kBytes>
+void readPixels(const uint8_t* row, const PixelRun& run, Pixels& pixels) {
+  const uint8_t* from = row + ptrdiff_t{run.x} * kBytes;
+  for (int32_t i = 0; i < run.count; ++i, from += kBytes) pixels[i] = readPixel<kBytes>(from);
+}
+
+template <int kBytes>
+void writePixels(const Pixels& pixels, const PixelRun& run, uint8_t* row) {
+  uint8_t* to = row + ptrdiff_t{run.x} * kBytes;
+  for (int32_t i = 0; i < run.count; ++i, to += kBytes) writePixel<kBytes>(pixels[i], to);
+}
+
+void loadField(const Pixels& pixels, const ColorField field, uint8_t* to, int32_t count) {
+  if (field.size > 8) {
+    for (int32_t i = 0; i < count; ++i) to[i] = field.load(pixels[i]);
+  } else {
+    for (int32_t i = 0; i < count; ++i) {
+      to[i] = static_cast<uint8_t>(((pixels[i] & field.mask) >> field.pos) * field.repeat >>
+                                   field.excess);
+    }
+  }
+}
+
+void storeField(const uint8_t* from, const ColorField field, Pixels& pixels, int32_t count) {
+  const uint32_t others = ~field.mask;
+  if (field.size > 8) {
+    for (int32_t i = 0; i < count; ++i) {
+      pixels[i] = (pixels[i] & others) | field.store(from[i], pixels[i]);
+    }
+  } else {
+    for (int32_t i = 0; i < count; ++i) pixels[i] = (pixels[i] & others) | field.narrow(from[i]);
+  }
+}
+
 template <int kBytes>
 void loadFields(const RunFormat& format, const QPXRowTable* rows, PixelRun& run) {
-  const ColorFields fields = format.fields();
-  const uint8_t* from = rows[0][run.y] + ptrdiff_t{run.x} * kBytes;
-  for (int32_t i = 0; i < run.count; ++i) {
-    const uint32_t pixel = readPixel<kBytes>(from + ptrdiff_t{i} * kBytes);
-    run.r[i] = fields.red.load(pixel);
-    run.g[i] = fields.green.load(pixel);
-    run.b[i] = fields.blue.load(pixel);
-  }
+  const ColorFields& fields = format.fields();
+  Pixels pixels;
+  readPixels<kBytes>(rows[0][run.y], run, pixels);
+  loadField(pixels, fields.red, run.r, run.count);
+  loadField(pixels, fields.green, run.g, run.count);
+  loadField(pixels, fields.blue, run.b, run.count);
   std::memset(run.a, 255, static_cast<size_t>(run.count));
 }
 
 template <int kBytes>
 void storeFields(const RunFormat& format, const PixelRun& run, const QPXRowTable* source,
                  const QPXRowTable* rows) {
-  const ColorFields fields = format.fields();
-  const uint8_t* from = source[0][run.y] + ptrdiff_t{run.x} * kBytes;
-  uint8_t* to = rows[0][run.y] + ptrdiff_t{run.x} * kBytes;
-  for (int32_t i = 0; i < run.count; ++i, from += kBytes, to += kBytes) {
-    const uint32_t old = readPixel<kBytes>(from);
-    writePixel<kBytes>((old & fields.spare) | fields.red.store(run.r[i], old) |
-                           fields.green.store(run.g[i], old) | fields.blue.store(run.b[i], old),
-                       to);
-  }
+  const ColorFields& fields = format.fields();
+  Pixels pixels;
+  readPixels<kBytes>(source[0][run.y], run, pixels);
+  storeField(run.r, fields.red, pixels, run.count);
+  storeField(run.g, fields.green, pixels, run.count);
+  storeField(run.b, fields.blue, pixels, run.count);
+  writePixels<kBytes>(pixels, run, rows[0][run.y]);
 }
 
 }  // namespace

@@ -15,10 +15,8 @@ void loadGrey(const RunFormat&, const QPXRowTable* rows, PixelRun& run) {
   std::memset(run.a, 255, count);
 }
 
-// Luma's weights add up to one, so that equal channels come back as they are.
-void storeGrey(const RunFormat& format, const PixelRun& run, const QPXRowTable*,
-               const QPXRowTable* rows) {
-  format.rows().luma(run.r, run.g, run.b, rows[0][run.y] + run.x, run.count);
+void storeGrey(const RunFormat&, const PixelRun& run, const QPXRowTable*, const QPXRowTable* rows) {
+  std::memcpy(rows[0][run.y] + run.x, run.r, static_cast<size_t>(run.count));
 }
 
 }  // namespace
@@ -42,6 +40,31 @@ RunFormat::RunFormat(const Stage& stage) : pix_(stage.pix), rows_(simd::rows()) 
 void RunFormat::chooseGrey() {
   load_ = loadGrey;
   store_ = storeGrey;
+  model_ = Model::grey;
+}
+
+void RunFormat::load(const QPXRowTable* rows, PixelRun& run) const {
+  if (model_ == Model::yuv) {
+    loadAsRgb(rows, run);
+  } else {
+    load_(*this, rows, run);
+  }
+}
+
+void RunFormat::store(const PixelRun& run, const QPXRowTable* source,
+                      const QPXRowTable* rows) const {
+  switch (model_) {
+    case Model::rgb:
+      store_(*this, run, source, rows);
+      break;
+    case Model::grey:
+      // Luma's weights add up to one, so that equal channels come back as they are.
+      rows_.luma(run.r, run.g, run.b, rows[0][run.y] + run.x, run.count);
+      break;
+    case Model::yuv:
+      storeAsYuv(run, source, rows);
+      break;
+  }
 }
 
 int32_t runRecipe(const Frame& frame, Recipe recipe) {

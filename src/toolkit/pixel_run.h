@@ -59,7 +59,8 @@ class RunFormat {
   void store(const PixelRun& run, const QPXRowTable* source, const QPXRowTable* rows) const;
 
   // The same without conversion to RGB: Y, U and V of a YUV picture arrive as r, g and b, the
-  // chroma of a block at each of its pixels. In other formats the same as load and store.
+  // chroma of a block at each of its pixels. A grey picture takes what is in r. Packed RGB is as
+  // above.
   void loadComponents(const QPXRowTable* rows, PixelRun& run) const { load_(*this, rows, run); }
   void storeComponents(const PixelRun& run, const QPXRowTable* source,
                        const QPXRowTable* rows) const {
@@ -84,9 +85,13 @@ class RunFormat {
   using Load = void (*)(const RunFormat&, const QPXRowTable*, PixelRun&);
   using Store = void (*)(const RunFormat&, const PixelRun&, const QPXRowTable*, const QPXRowTable*);
 
+  enum class Model { rgb, grey, yuv };
+
   void choosePacked();
   void chooseGrey();
   void chooseYuv(const Stage& stage);
+  void loadAsRgb(const QPXRowTable* rows, PixelRun& run) const;
+  void storeAsYuv(const PixelRun& run, const QPXRowTable* source, const QPXRowTable* rows) const;
 
   const PixInfo& pix_;
   const simd::Rows& rows_;
@@ -94,7 +99,7 @@ class RunFormat {
   Store store_ = nullptr;
   int32_t blockWidth_ = 1;
   ColorFields fields_;
-  bool yuv_ = false;
+  Model model_ = Model::rgb;
   FixedMatrix toRgb_;
   FixedMatrix toYuv_;
 };

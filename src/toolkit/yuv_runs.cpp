@@ -15,34 +15,42 @@ int32_t toFixed(double value) {
   return static_cast<int32_t>(std::floor(value * (1 << kFractionBits) + 0.5));
 }
 
-uint8_t clampFixed(int32_t value) {
-  return static_cast<uint8_t>(std::clamp(value >> kFractionBits, 0, 255));
+void convertComponent(const simd::Rows& rows, const FixedMatrix& matrix, int component,
+                      const PixelRun& from, uint8_t* to) {
+  rows.weightedSum(from.r, from.g, from.b, to, from.count, matrix.row[component]);
 }
 
-// Rows of `matrix` from `first` on, into the arrays of `to`.
-void convert(const FixedMatrix& matrix, const PixelRun& from, PixelRun& to, int first, int end) {
-  uint8_t* const targets[3] = {to.r, to.g, to.b};
-  for (int c = first; c < end; ++c) {
-    const int32_t* m = matrix.row[c];
-    const int32_t m0 = m[0], m1 = m[1], m2 = m[2], m3 = m[3];
-    uint8_t* target = targets[c];
-    for (int32_t i = 0; i < from.count; ++i) {
-      target[i] = clampFixed(m0 * from.r[i] + m1 * from.g[i] + m2 * from.b[i] + m3);
-    }
+// Repeats each sample for the pixels of its block; the first one fills `before` pixels.
+template <int kStep>
+void repeatSamples(const uint8_t* from, int32_t across, int32_t before, uint8_t* to,
+                   int32_t count) {
+  int32_t i = 0;
+  for (const int32_t end = std::min(before, count); i < end; ++i) to[i] = *from;
+  if (before > 0) from += kStep;
+  if (across == 2) {
+    for (; i + 1 < count; i += 2, from += kStep) to[i] = to[i + 1] = *from;
+  }
+  for (; i < count; from += kStep) {
+    for (const int32_t end = std::min(i + across, count); i < end; ++i) to[i] = *from;
+  }
+}
+
+void repeatChroma(const uint8_t* from, const ChromaGrid& grid, int32_t before, uint8_t* to,
+                  int32_t count) {
+  if (grid.across == 1) {
+    std::memcpy(to, from, static_cast<size_t>(count));
+  } else if (grid.step == 2) {
+    repeatSamples<2>(from, grid.across, before, to, count);
+  } else {
+    repeatSamples<1>(from, grid.across, before, to, count);
   }
 }
 
 // One chroma sample for each pixel of the run. A run may begin within a block.
 void spreadChroma(const uint8_t* row, const ChromaGrid& grid, const PixelRun& run, uint8_t* to) {
   const uint8_t* from = row + ptrdiff_t{run.x / grid.across} * grid.step;
-  if (grid.across == 1) {
-    std::memcpy(to, from, static_cast<size_t>(run.count));
-    return;
-  }
-  int32_t left = grid.across - run.x % grid.across;  // pixels of the block still to fill
-  for (int32_t i = 0; i < run.count; from += grid.step, left = grid.across) {
-    for (; left > 0 && i < run.count; --left) to[i++] = *from;
-  }
+  const int32_t before = grid.blockFrom(run.x) * grid.across - run.x;
+  repeatChroma(from, grid, before, to, run.count);
 }
 
 // The same for the blocks that begin in the run.
@@ -50,11 +58,7 @@ void spreadCovered(const uint8_t* row, const ChromaGrid& grid, const PixelRun& r
   const int32_t first = grid.blockFrom(run.x);
   const int32_t before = std::min(first * grid.across - run.x, run.count);
   std::memset(to, kNoColor, static_cast<size_t>(before));
-  const uint8_t* from = row + ptrdiff_t{first} * grid.step;
-  for (int32_t i = before; i < run.count; from += grid.step) {
-    const int32_t end = std::min(i + grid.across, run.count);
-    while (i < end) to[i++] = *from;
-  }
+  repeatChroma(row + ptrdiff_t{first} * grid.step, grid, 0, to + before, run.count - before);
 }
 
 // The chroma of the blocks that begin in the run.
@@ -97,13 +101,13 @@ void RunFormat::chooseYuv(const Stage& stage) {
   load_ = loadYuv;
   store_ = storeYuv;
   blockWidth_ = ChromaGrid(pix_).across;
-  yuv_ = true;
+  model_ = Model::yuv;
   toRgb_ = FixedMatrix(stage.inverseMatrix);
   toYuv_ = FixedMatrix(stage.forwardMatrix);
 }
 
 void RunFormat::loadCovered(const QPXRowTable* rows, PixelRun& run) const {
-  if (!yuv_) {
+  if (model_ != Model::yuv) {
     load_(*this, rows, run);
     return;
   }
@@ -119,31 +123,29 @@ void RunFormat::loadCovered(const QPXRowTable* rows, PixelRun& run) const {
   }
 }
 
-void RunFormat::load(const QPXRowTable* rows, PixelRun& run) const {
-  if (!yuv_) {
-    load_(*this, rows, run);
-    return;
-  }
+void RunFormat::loadAsRgb(const QPXRowTable* rows, PixelRun& run) const {
   PixelRun yuv;
   yuv.x = run.x;
   yuv.y = run.y;
   yuv.count = run.count;
   load_(*this, rows, yuv);
-  convert(toRgb_, yuv, run, 0, 3);
+  convertComponent(rows_, toRgb_, 0, yuv, run.r);
+  convertComponent(rows_, toRgb_, 1, yuv, run.g);
+  convertComponent(rows_, toRgb_, 2, yuv, run.b);
   std::memset(run.a, 255, static_cast<size_t>(run.count));
 }
 
-void RunFormat::store(const PixelRun& run, const QPXRowTable* source,
-                      const QPXRowTable* rows) const {
-  if (!yuv_) {
-    store_(*this, run, source, rows);
-    return;
-  }
+void RunFormat::storeAsYuv(const PixelRun& run, const QPXRowTable* source,
+                           const QPXRowTable* rows) const {
   PixelRun yuv;
   yuv.x = run.x;
   yuv.y = run.y;
   yuv.count = run.count;
-  convert(toYuv_, run, yuv, 0, ChromaGrid(pix_).startsRow(run.y) ? 3 : 1);
+  convertComponent(rows_, toYuv_, 0, run, yuv.r);
+  if (ChromaGrid(pix_).startsRow(run.y)) {
+    convertComponent(rows_, toYuv_, 1, run, yuv.g);
+    convertComponent(rows_, toYuv_, 2, run, yuv.b);
+  }
   store_(*this, yuv, source, rows);
 }
 

@@ -93,6 +93,15 @@ TEST_F(StreamFile64, PositionsBeyondTwoGiB) {
   EXPECT_EQ(MStreamFileGetSizeS(sparse.c_str()), -1) << "more than 31 bits hold";
 }
 
+TEST_F(StreamFile64, BufferedStreamsNeverAnswerAWrongSize) {
+  const std::string sparse = fileWith("sparse", "");
+  std::filesystem::resize_file(sparse, 3 * kGiB);
+  // Where `long` has 32 bits such a file is not even opened.
+  MStreamHandle* const stream = MStreamOpenFromFileS(sparse.c_str(), 1);
+  EXPECT_EQ(MStreamGetSize(stream), -1);
+  MStreamClose(stream);
+}
+
 TEST_F(StreamFile64, SizeLeavesThePositionAndSeesGrowth) {
   MStream64Handle* const stream = MStreamOpenFromFile64S(fileWith("f", "abcde").c_str(), 4);
   EXPECT_EQ(MStreamSeek64(stream, kStart, 2), 0);

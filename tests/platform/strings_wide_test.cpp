@@ -23,6 +23,9 @@ TEST(WideStrings, FindTheFirstPart) {
   const uint16_t last[] = {0x100, 'b', 0};
   const uint16_t beyond[] = {'b', 0x101, 0};
   const uint16_t empty[] = {0};
+  const uint16_t az[] = {'a', 'z', 0};
+  const uint16_t z[] = {'z', 0};
+  EXPECT_EQ(MWCsStr(az, z), az + 1);
   EXPECT_EQ(MWCsStr(text, part), text + 1);
   EXPECT_EQ(MWCsStr(text, longer), nullptr);
   EXPECT_EQ(MWCsStr(text, last), text + 3);

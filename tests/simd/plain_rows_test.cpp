@@ -73,6 +73,21 @@ TEST(PlainRows, LumaKeepsGreyAndCuts) {
   EXPECT_EQ(luma(0, 1, 0), 0);      // 0.59, cut
 }
 
+TEST(PlainRows, WeightedSumCutsAndClamps) {
+  const std::array<uint8_t, 4> a = {0, 255, 100, 1}, b = {0, 0, 10, 1}, c = {0, 0, 200, 0};
+  std::array<uint8_t, 4> out = {};
+  const std::array<int32_t, 4> half = {32768, 0, 0, 0};
+  plainRows().weightedSum(a.data(), b.data(), c.data(), out.data(), 4, half.data());
+  EXPECT_EQ(out, (std::array<uint8_t, 4>{0, 127, 50, 0}));
+  // a - b - 2 * c + 300.5: 300.5, 555.5, -9.5, 300.5.
+  const std::array<int32_t, 4> weights = {65536, -65536, -131072, 300 * 65536 + 32768};
+  plainRows().weightedSum(a.data(), b.data(), c.data(), out.data(), 4, weights.data());
+  EXPECT_EQ(out, (std::array<uint8_t, 4>{255, 255, 0, 255}));
+  const std::array<int32_t, 4> down = {65536, 0, 0, -65537};  // a little less than a - 1
+  plainRows().weightedSum(a.data(), b.data(), c.data(), out.data(), 4, down.data());
+  EXPECT_EQ(out, (std::array<uint8_t, 4>{0, 253, 98, 0}));
+}
+
 TEST(PlainRows, MixRoundsToNearestHalvesUp) {
   EXPECT_EQ(mix(10, 200, 0), 10);
   EXPECT_EQ(mix(10, 200, 100), 200);

@@ -56,6 +56,11 @@ void luma(const Rows& rows, In in, Out out, ptrdiff_t count) {
   rows.luma(in[0], in[1], in[2], out[0], count);
 }
 
+void weightedSum(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  constexpr int32_t kWeights[4] = {65536, -22567, -46819, 8914122};
+  rows.weightedSum(in[0], in[1], in[2], out[0], count, kWeights);
+}
+
 void mixOpaque(const Rows& rows, In in, Out out, ptrdiff_t count) {
   rows.mixOpaque(in[0], in[1], out[0], count, 37);
 }
@@ -88,6 +93,7 @@ const std::vector<RowCase>& rowCases() {
       {"deinterleave4", 1, 4, 4, 1, false, deinterleave4},
       {"interleave4", 4, 1, 1, 4, false, interleave4},
       {"luma", 3, 1, 1, 1, true, luma},
+      {"weightedSum", 3, 1, 1, 1, true, weightedSum},
       {"mixOpaque", 2, 1, 1, 1, true, mixOpaque},
       {"mixColor", 1, 1, 1, 1, true, mixColor},
       {"mixMasked", 3, 1, 1, 1, true, mixMasked},

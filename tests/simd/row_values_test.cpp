@@ -53,6 +53,24 @@ TEST_P(RowValues, LumaOfEveryColor) {
   }
 }
 
+TEST_P(RowValues, WeightedSumOfEveryColor) {
+  // Red of Y, U and V, and the largest weights that leave 32 bits alone.
+  constexpr int32_t kWeights[2][4] = {{65536, 0, 91914, -11732255},
+                                      {-2800000, 2700000, 2900000, INT32_MIN / 4}};
+  const Ramp c = ramp();
+  Ramp expected, actual;
+  for (const auto& weights : kWeights) {
+    for (int32_t a = 0; a < 256; ++a) {
+      for (int32_t b = 0; b < 256; b += 5) {
+        const Ramp first = constant(a), second = constant(b);
+        plain().weightedSum(first.data(), second.data(), c.data(), expected.data(), 256, weights);
+        vector().weightedSum(first.data(), second.data(), c.data(), actual.data(), 256, weights);
+        ASSERT_EQ(actual, expected) << "first " << a << ", second " << b;
+      }
+    }
+  }
+}
+
 TEST_P(RowValues, MixesOfEveryPairAtEveryOpacity) {
   const Ramp top = ramp();
   Ramp expected, opaque, color;

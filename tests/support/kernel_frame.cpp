@@ -32,7 +32,7 @@ int32_t KernelFrame::setUp(uint32_t id) {
   return effect_->setup == nullptr ? int32_t{QPX_OK} : effect_->setup(stage_, band_);
 }
 
-int32_t KernelFrame::run(const Picture& in, const Picture& out, const MRect& rect) {
+int32_t KernelFrame::run(const Picture& in, Picture& out, const MRect& rect) {
   for (const LayoutKernel& kernel : effect_->kernels) {
     if (kernel.run == nullptr) break;
     if ((kernel.formats & formatGroup(stage_.pix)) != 0) return run(kernel.run, in, out, rect);
@@ -41,7 +41,7 @@ int32_t KernelFrame::run(const Picture& in, const Picture& out, const MRect& rec
                                      : run(effect_->generic, in, out, rect);
 }
 
-int32_t KernelFrame::run(Kernel kernel, const Picture& in, const Picture& out, const MRect& rect) {
+int32_t KernelFrame::run(Kernel kernel, const Picture& in, Picture& out, const MRect& rect) {
   Tables inTables = tablesOf(in);
   Tables outTables = tablesOf(out);
   Tables secondTables = second_ != nullptr ? tablesOf(*second_) : Tables{};
@@ -61,7 +61,8 @@ void KernelFrame::give(const Picture* second, const Picture* mask) {
   stage_.hasMask = mask != nullptr ? 1 : 0;
 }
 
-// Chroma of half the height has an entry for each row of the picture, other chroma for each of its own.
+// Chroma of half the height has an entry for each row of the picture, other chroma for each of its
+// own.
 KernelFrame::Tables KernelFrame::tablesOf(const Picture& picture) const {
   const PixInfo pix = infoOf(picture.format());
   const MBitmap bitmap = picture.bitmap();

@@ -29,8 +29,8 @@ class KernelFrame {
   }
 
   // Runs the kernel that serves the format: one written for it, or the generic one.
-  int32_t run(const Picture& in, const Picture& out, const MRect& rect);
-  int32_t run(Kernel kernel, const Picture& in, const Picture& out, const MRect& rect);
+  int32_t run(const Picture& in, Picture& out, const MRect& rect);
+  int32_t run(Kernel kernel, const Picture& in, Picture& out, const MRect& rect);
 
   // What the next runs have beside their source; null for none. Both cover the whole picture.
   void give(const Picture* second, const Picture* mask);
@@ -52,13 +52,15 @@ class KernelFrame {
 
 MRect wholeOf(const Picture& picture);
 
-// Random bytes in all pixels of packed RGB, bits outside the fields too; other pictures are painted.
+// Random bytes in all pixels of packed RGB, bits outside the fields too; other pictures are
+// painted.
 void scramble(Picture& picture, uint64_t seed);
 
 // A packed pixel as a little-endian number.
 uint32_t pixelOf(const Picture& picture, int32_t x, int32_t y);
 
-// A field of a packed pixel as 8 bits, by writing its bits over and over; of wider fields the top 8.
+// A field of a packed pixel as 8 bits, by writing its bits over and over; of wider fields the
+// top 8.
 int fieldOf(uint32_t pixel, uint32_t mask);
 
 // The same for channel 0, 1 or 2 of a picture, whose pixels may have fewer bits than its masks.

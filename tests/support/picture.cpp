@@ -69,7 +69,8 @@ uint8_t paintedValue(uint64_t seed, int channel, int32_t x, int32_t y) {
   const int gradient = (x * (7 + channel * 5) + y * (11 - channel * 3) + channel * 85) & 511;
   const int ramp = gradient < 256 ? gradient : 511 - gradient;
   const int spread = static_cast<int>(noise.next() >> 24);
-  return static_cast<uint8_t>((x ^ y) % 3 == 0 ? spread : std::clamp(ramp + spread / 4 - 32, 0, 255));
+  return static_cast<uint8_t>((x ^ y) % 3 == 0 ? spread
+                                               : std::clamp(ramp + spread / 4 - 32, 0, 255));
 }
 
 }  // namespace
@@ -141,9 +142,8 @@ void Picture::shapePlanes() {
 void Picture::allocate(Plane& plane, int index) {
   plane.pitch = plane.rowBytes + 3 + 2 * index;
   if (plane.pitch % 2 == 0) ++plane.pitch;
-  const size_t rowsBytes =
-      static_cast<size_t>(plane.pitch) * static_cast<size_t>(plane.rows - 1) +
-      static_cast<size_t>(plane.rowBytes);
+  const size_t rowsBytes = static_cast<size_t>(plane.pitch) * static_cast<size_t>(plane.rows - 1) +
+                           static_cast<size_t>(plane.rowBytes);
   const size_t misalignment = 1 + static_cast<size_t>(index) * 2;
   const bool guarded = placement_ == Placement::guarded;
   plane.start = misalignment + (guarded ? kGuardBytes : 0);
@@ -202,8 +202,8 @@ uint8_t* Picture::sample(int component, int32_t column, int32_t row) const {
   if (pix_.family == kFamilyPacked422) {
     const int lumaAt = format_ == QPX_FORMAT_YUYV ? 0 : 1;
     const int chromaAt = 1 - lumaAt + (component == 2 ? 2 : 0);
-    return planes_[0].row(row) + (component == 0 ? 2 * ptrdiff_t{column} + lumaAt
-                                                 : 4 * ptrdiff_t{column} + chromaAt);
+    return planes_[0].row(row) +
+           (component == 0 ? 2 * ptrdiff_t{column} + lumaAt : 4 * ptrdiff_t{column} + chromaAt);
   }
   return planes_[static_cast<size_t>(component)].row(row) + column;
 }
@@ -212,8 +212,9 @@ void Picture::putRgb(int32_t x, int32_t y, const Rgba& pixel) {
   const uint8_t values[3] = {pixel.r, pixel.g, pixel.b};
   uint32_t word = 0;
   for (int c = 0; c < 3; ++c) {
-    const uint32_t field = static_cast<uint32_t>(values[c]) >> (8 - pix_.maskSize[c]);
-    word |= field << pix_.maskPos[c];
+    // Two bytes of the value, so that fields of up to 16 bits are filled.
+    const uint32_t field = (values[c] * 0x101u) >> (16 - std::min(pix_.maskSize[c], 16u));
+    word |= (field << pix_.maskPos[c]) & pix_.mask[c];
   }
   if (pix_.bytesPerSample[0] == 4) word |= static_cast<uint32_t>(pixel.a) << 24;
   uint8_t* bytes = planes_[0].row(y) + ptrdiff_t{pix_.bytesPerSample[0]} * x;
@@ -305,8 +306,13 @@ std::optional<Difference> Picture::firstWriteOutside(const Picture& before,
     const Plane& old = before.planes_[static_cast<size_t>(i)];
     const MRect touched = touchedBytes(i, rect);
     const ptrdiff_t start = static_cast<ptrdiff_t>(plane.start);
-    for (size_t at = 0; at < plane.blockBytes; ++at) {
-      if (plane.block[at] == old.block[at]) continue;
+    const std::span<const uint8_t> now(plane.block.get(), plane.blockBytes);
+    const uint8_t* const then = old.block.get();
+    for (size_t at = 0;; ++at) {
+      const auto changed =
+          std::mismatch(now.begin() + static_cast<ptrdiff_t>(at), now.end(), then + at);
+      if (changed.first == now.end()) break;
+      at = static_cast<size_t>(changed.first - now.begin());
       const ptrdiff_t offset = static_cast<ptrdiff_t>(at) - start + ptrdiff_t{plane.pitch} * 1024;
       const int32_t y = static_cast<int32_t>(offset / plane.pitch) - 1024;
       const int32_t x = static_cast<int32_t>(offset % plane.pitch);

@@ -84,8 +84,8 @@ class Picture {
 
   // First differing sample; bytes that are no samples are ignored.
   std::optional<Difference> firstDifference(const Picture& actual) const;
-  // First byte, guards and padding included, that differs from `before` outside `rect`, whose chroma
-  // is that of all blocks it touches.
+  // First byte, guards and padding included, that differs from `before` outside `rect`, whose
+  // chroma is that of all blocks it touches.
   std::optional<Difference> firstWriteOutside(const Picture& before, const MRect& rect) const;
 
  private:

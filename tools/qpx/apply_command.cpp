@@ -13,8 +13,8 @@
 
 #include "commands.h"
 #include "console.h"
+#include "effect_argument.h"
 #include "effect_run.h"
-#include "effect_spec.h"
 #include "errors.h"
 #include "image_file.h"
 #include "progress.h"
@@ -89,7 +89,8 @@ Plan planOne(const ApplyArguments& arguments) {
 void refuseSlip(const std::string& word) {
   std::error_code ignored;
   const std::string name = word.substr(0, word.find(':'));
-  if (!std::filesystem::exists(word, ignored) && name.find_first_of("./") == std::string::npos) {
+  if (word != "-" && !std::filesystem::exists(word, ignored) &&
+      name.find_first_of("./") == std::string::npos) {
     effectByName(name);
   }
 }
@@ -218,28 +219,28 @@ void apply(const ApplyArguments& arguments) {
   if (failed > 0) throw CLI::RuntimeError(kExitFailed);  // each has its own line already
 }
 
-constexpr const char* kAbout =
-    "Apply one or more effects to pictures.\n\n"
-    "  qpx apply EFFECT[:name=value,...]... IN OUT\n"
-    "  qpx apply EFFECT[:name=value,...]... IN... --out-dir DIR\n\n"
-    "With IN OUT, the last two arguments are files and all before them are effects. With "
-    "--out-dir,\n"
-    "arguments are effects as long as they name one, and all from the first that does not are\n"
-    "inputs (write ./name for a file that is called like an effect).\n"
-    "Several effects are applied in the order given. IN and OUT may be the same file, and '-' is\n"
-    "standard input and output. Parameters that are not given have the defaults that\n"
-    "'qpx list EFFECT' shows.";
+constexpr const char* kFooter =
+    R"(  qpx apply EFFECT[:name=value,...]... IN OUT
+  qpx apply EFFECT[:name=value,...]... IN... --out-dir DIR
 
-constexpr const char* kExamples =
-    "Without --format the effects run in bgr24, or in bgra32 for a picture with alpha, or in the\n"
-    "first format that all of them take. Formats other than these are reached by full-range "
-    "BT.601\n"
-    "and chroma averaged over its block.\n\n"
-    "Examples:\n"
-    "  qpx apply Fx1300:brightness=20,contrast=10 photo.jpg brighter.jpg\n"
-    "  qpx apply Sepia Fx2D00:percent=130 photo.jpg out.png --strength 60\n"
-    "  qpx apply Sepia --out-dir looks holiday/*.jpg --threads 4\n"
-    "  qpx apply 0x1900 - - < in.jpg > out.jpg";
+With IN OUT, the last two arguments are files and all before them are effects.
+With --out-dir, arguments are effects as long as they name one; all from the
+first that does not are inputs (write ./name for a file called like an effect).
+
+Effects are applied in the order given. IN and OUT may be the same file, and '-'
+is standard input and output. Parameters that are not given have the defaults
+that 'qpx list EFFECT' shows. Pictures are turned upright by their Exif
+orientation; Exif data and colour profile are kept.
+
+Without --format the effects run in bgr24, or in bgra32 for a picture with
+alpha, or in the first format that all of them take. YUV and grey are reached
+by full-range BT.601, chroma being averaged over its block.
+
+Examples:
+  qpx apply Fx1300:brightness=20,contrast=10 photo.jpg brighter.jpg
+  qpx apply Sepia Fx2D00:percent=130 photo.jpg out.png --strength 60
+  qpx apply Sepia --out-dir looks holiday/*.jpg --threads 4
+  qpx apply 0x1900 - - < in.jpg > out.jpg)";
 
 void addFileOptions(CLI::App& command, ApplyArguments& arguments) {
   command.add_option("ARGUMENTS", arguments.words, "Effects, then files")->required();
@@ -285,11 +286,11 @@ void addRunOptions(CLI::App& command, ApplyArguments& arguments) {
 
 void addApplyCommand(CLI::App& app) {
   const auto arguments = std::make_shared<ApplyArguments>();
-  CLI::App* command = app.add_subcommand("apply", kAbout);
+  CLI::App* command = app.add_subcommand("apply", "Apply one or more effects to pictures");
   addFileOptions(*command, *arguments);
   addEffectOptions(*command, *arguments);
   addRunOptions(*command, *arguments);
-  command->footer(kExamples);
+  command->footer(kFooter);
   command->callback([arguments] { apply(*arguments); });
 }
 

@@ -51,7 +51,8 @@ std::string bold(const std::string& text, int descriptor) {
 
 void printError(const std::string& text) {
   const char* name = wantsColor(STDERR_FILENO) ? "\033[1;31mqpx:\033[0m" : "qpx:";
-  std::fprintf(stderr, "%s %s\n", name, text.c_str());
+  const char* clear = isatty(STDERR_FILENO) ? "\r\033[K" : "";  // a progress bar may be there
+  std::fprintf(stderr, "%s%s %s\n", clear, name, text.c_str());
 }
 
 void beVerbose() {

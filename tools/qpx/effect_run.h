@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "effect_spec.h"
+#include "effect_argument.h"
 #include "picture.h"
 #include "pixel_format.h"
 #include "progress.h"

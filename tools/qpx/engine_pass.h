@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "effect_spec.h"
+#include "effect_argument.h"
 #include "picture.h"
 #include "pixel_format.h"
 #include "progress.h"

@@ -104,7 +104,8 @@ Picture readPicture(const std::string& path) {
   try {
     Picture picture = decode(readAll(path));
     if (!isRgbProfile(picture.icc)) picture.icc.clear();
-    picture = turned(std::move(picture), exifOrientation(picture.exif));
+    const int orientation = exifOrientation(picture.exif);
+    picture = turned(std::move(picture), orientation);
     describeUpright(picture.exif, picture.width(), picture.height());
     return picture;
   } catch (const RunError& error) {

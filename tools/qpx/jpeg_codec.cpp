@@ -302,7 +302,6 @@ Picture decodeJpeg(std::span<const uint8_t> file) {
   const auto decoder = std::make_unique<Decoder>(file);
   if (!decoder->readHeader()) failDecoding(*decoder);
   const jpeg_decompress_struct& jpeg = decoder->jpeg();
-  checkSize(jpeg.image_width, jpeg.image_height, 3);
   Picture picture(static_cast<int32_t>(jpeg.image_width), static_cast<int32_t>(jpeg.image_height),
                   3);
   picture.kind = FileKind::jpeg;

@@ -163,6 +163,8 @@ class Encoder {
       png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(picture.exif.size()),
                      const_cast<png_bytep>(picture.exif.data()));
     }
+    // Against the default of 6: photographs grow by 1 to 5 %, in little over half the time.
+    png_set_compression_level(png_, 4);
     png_write_info(png_, info_);
     return true;
   }
@@ -198,7 +200,6 @@ bool isRgbProfile(std::span<const uint8_t> icc) {
 Picture decodePng(std::span<const uint8_t> file) {
   const auto decoder = std::make_unique<Decoder>(file);
   if (!decoder->readHeader()) failDecoding(*decoder);
-  checkSize(decoder->width(), decoder->height(), decoder->channels());
   Picture picture(static_cast<int32_t>(decoder->width()), static_cast<int32_t>(decoder->height()),
                   decoder->channels());
   picture.kind = FileKind::png;

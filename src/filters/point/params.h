@@ -1,6 +1,7 @@
 // The parameter records of the point effects, described for hosts and tools.
 #pragma once
 
+#include <array>
 #include <cstddef>
 
 #include "engine/effect_row.h"
@@ -45,14 +46,29 @@ constexpr QPXParamInfo offsetParam(const char* name, const char* summary, size_t
   return intParam(name, summary, "1/256", word * sizeof(int32_t), -65536, 65536, initial);
 }
 
-// Black and white points drawn in a little, with a warm cast of the shadows taken out.
-inline constexpr QPXParamInfo kLevelsParams[] = {
-    gainParam("redGain", "Factor of red; 256 is 1.", 0, 312),
-    offsetParam("redOffset", "Added to red; 256 is one step.", 3, -6144),
-    gainParam("greenGain", "Factor of green; 256 is 1.", 5, 304),
-    offsetParam("greenOffset", "Added to green; 256 is one step.", 7, -4608),
-    gainParam("blueGain", "Factor of blue; 256 is 1.", 10, 296),
-    offsetParam("blueOffset", "Added to blue; 256 is one step.", 11, -2048)};
+// A gain and an offset, both in 1/256, that show what the effect is for.
+struct Level {
+  double gain;
+  double offset;
+};
+
+constexpr std::array<QPXParamInfo, 6> levelsParams(Level red, Level green, Level blue) {
+  return {gainParam("redGain", "Factor of red; 256 is 1.", 0, red.gain),
+          offsetParam("redOffset", "Added to red; 256 is one step.", 3, red.offset),
+          gainParam("greenGain", "Factor of green; 256 is 1.", 5, green.gain),
+          offsetParam("greenOffset", "Added to green; 256 is one step.", 7, green.offset),
+          gainParam("blueGain", "Factor of blue; 256 is 1.", 10, blue.gain),
+          offsetParam("blueOffset", "Added to blue; 256 is one step.", 11, blue.offset)};
+}
+
+// By channel: shadows towards blue, highlights towards yellow.
+inline constexpr auto kChannelLevelsParams = levelsParams({292, -4096}, {272, -2048}, {216, 6144});
+
+// Together: black and white points drawn in, as for a hazy picture.
+inline constexpr auto kCommonLevelsParams = levelsParams({320, -8192}, {320, -8192}, {320, -8192});
+
+// Second step: the range drawn together again, for a matt print.
+inline constexpr auto kSecondLevelsParams = levelsParams({204, 9216}, {204, 9216}, {204, 9216});
 
 inline constexpr QPXParamInfo kExposureParams[] = {
     intParam("gain", "Factor of the light; 256 is 1, 512 one stop more.", "1/256",

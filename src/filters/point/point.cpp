@@ -24,7 +24,9 @@ constexpr Kernels kTableKernels = {{{kTakesAny, applyStageTables}}};
 constexpr Kernels kLumaTableKernels = {
     {{kTakesYuv, applyStageTableToLuma}, {kTakesAny, applyStageTables}}};
 
-constexpr RecordLayout kLevelsRecord = {sizeof(QPXLevelsParam), kLevelsParams};
+constexpr RecordLayout levelsRecord(std::span<const QPXParamInfo> params) {
+  return {sizeof(QPXLevelsParam), params};
+}
 
 constexpr EffectRow kEffects[] = {
     {.id = 0x1100,
@@ -55,7 +57,7 @@ constexpr EffectRow kEffects[] = {
      .name = "Fx1600",
      .title = "Levels by channel",
      .summary = "A gain and an offset for each of red, green and blue.",
-     .record = kLevelsRecord,
+     .record = levelsRecord(kChannelLevelsParams),
      .flags = kGives | QPX_EFFECT_SAME_AREA | kSupportsRgb | kSupportsGrey,
      .setup = setUpLevels,
      .kernels = kTableKernels},
@@ -119,7 +121,7 @@ constexpr EffectRow kEffects[] = {
      .name = "Fx4500",
      .title = "Levels together",
      .summary = "Gains and offsets as a measured formula sets them for the whole picture.",
-     .record = kLevelsRecord,
+     .record = levelsRecord(kCommonLevelsParams),
      .flags = kGives | QPX_EFFECT_SAME_AREA | kSupportsRgb | kSupportsGrey,
      .setup = setUpLevels,
      .kernels = kTableKernels},
@@ -127,7 +129,7 @@ constexpr EffectRow kEffects[] = {
      .name = "Fx4600",
      .title = "Levels, second step",
      .summary = "A further pass of gains and offsets, for hosts that stack formulas.",
-     .record = kLevelsRecord,
+     .record = levelsRecord(kSecondLevelsParams),
      .flags = kGives | QPX_EFFECT_SAME_AREA | kSupportsRgb | kSupportsGrey,
      .setup = setUpLevels,
      .kernels = kTableKernels},

@@ -1,4 +1,4 @@
-#include "effect_spec.h"
+#include "effect_argument.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,302 @@
+// Null where an address is wanted: every exported function answers its code and does nothing.
+#include <gtest/gtest.h>
+#include <qpx/qpx.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "support/picture.h"
+
+namespace qpx::testing {
+namespace {
+
+// Calls one function with nulls; true when it answered as documented.
+struct NullCall {
+  const char* name;
+  bool (*holds)();
+};
+
+#define QPX_NULL_CALL(name, ...)           \
+  {                                        \
+#name, [] { return name __VA_ARGS__; } \
+  }
+#define QPX_NULL_VOID_CALL(name, ...) \
+  {                                   \
+#name, [] {                       \
+      name __VA_ARGS__;               \
+      return true;                    \
+    }   \
+  }
+
+constexpr NullCall kImageCalls[] = {
+    QPX_NULL_CALL(mbf_GetPixInfo, (QPX_FORMAT_BGR24, nullptr) == 2),
+    QPX_NULL_CALL(mbf_GetPixFormat, (nullptr) == 2),
+    QPX_NULL_CALL(mbf_GetRGBPixelInfo, (nullptr) == 2),
+    QPX_NULL_CALL(mbf_GetYUVPixelInfo, (nullptr) == 2),
+    QPX_NULL_CALL(mbf_GetMatrix, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MBitmapAlloc, (nullptr) == 2),
+    QPX_NULL_CALL(MBitmapAllocEx, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MBitmapAlloc2, (nullptr) == 2),
+    QPX_NULL_CALL(UTILS_MdBitmapAlloc, (nullptr) == 2),
+    QPX_NULL_CALL(MBitmapFree, (nullptr) == 2),
+    QPX_NULL_CALL(MBitmapFree2, (nullptr) == 2),
+    QPX_NULL_CALL(MBitmapSetAlpha, (nullptr, 1) == 2),
+    QPX_NULL_CALL(BuildQEMOOFFSCREEN, (nullptr, nullptr) == 2),
+    QPX_NULL_VOID_CALL(UTIL_MBitmapFree, (nullptr)),
+    QPX_NULL_VOID_CALL(MSwapRect, (nullptr)),
+    QPX_NULL_VOID_CALL(RectCopy, (nullptr, nullptr)),
+    QPX_NULL_VOID_CALL(FlipUpDownRect, (nullptr, nullptr)),
+    QPX_NULL_VOID_CALL(MFlipLeftRightRect, (nullptr, nullptr)),
+};
+
+uint8_t unownedTable[768];
+
+constexpr NullCall kEngineCalls[] = {
+    QPX_NULL_CALL(QPXCreate, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXCreateIn, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXCreateMerge, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXDestroy, (nullptr) == 0),
+    QPX_NULL_CALL(QPXDestroyIn, (nullptr) == 0),
+    QPX_NULL_CALL(QPXDestroyMerge, (nullptr) == 0),
+    QPX_NULL_CALL(QPXFreeMemory, (nullptr) == 0),
+    QPX_NULL_CALL(QPXProcess, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXMerge, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXProcessIn, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXMultProcessIn, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXCalcRect, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXCalcRectReset, (nullptr) == 2),
+    QPX_NULL_CALL(QPXGetMaxOutLine, (nullptr, 1, nullptr) == 2),
+    QPX_NULL_CALL(QPXGetProPerty, (nullptr, 0x9200, 0, nullptr, 4) == 2),
+    QPX_NULL_CALL(QPXSetProPerty, (nullptr, 0x9200, 1, nullptr) == 2),
+    QPX_NULL_CALL(PixmorphGetVersionInfo, (nullptr, nullptr, nullptr, nullptr, 16) == 0),
+    QPX_NULL_CALL(QPXMergeable, (QPX_FORMAT_BGR24, nullptr) == 0),
+    QPX_NULL_CALL(QPXEffectProcess_C, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXEffectProcess_C_Optimized,
+                  (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXEffectProcess_C_Slow,
+                  (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPX_GetEffectInfo, (0, nullptr) == 2),
+    QPX_NULL_CALL(BuildSplineCurve, (nullptr, nullptr, 2, nullptr) == 2),
+    QPX_NULL_CALL(ComposeStageLut, (nullptr, unownedTable, 5, 256) == 2),
+    QPX_NULL_VOID_CALL(QPX_SetLogSink, (nullptr, nullptr)),
+};
+
+constexpr NullCall kStreamCalls[] = {
+    QPX_NULL_CALL(MStreamOpenFromFileS, (nullptr, 1) == nullptr),
+    QPX_NULL_CALL(MStreamOpenFromFileW, (nullptr, 1) == nullptr),
+    QPX_NULL_CALL(MStreamOpenFromMemoryBlock, (nullptr, -1) == nullptr),
+    QPX_NULL_CALL(MStreamClose, (nullptr) == 0),
+    QPX_NULL_CALL(MStreamRead, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamWrite, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamFlush, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamSeek, (nullptr, 0, 0) == 1),
+    QPX_NULL_CALL(MStreamTell, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamGetSize, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamSetSize, (nullptr, 0) == -1),
+    QPX_NULL_CALL(MStreamCopy, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamFileGetSizeS, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileGetSize64S, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileGetSize64W, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileExistsS, (nullptr) == 0),
+    QPX_NULL_CALL(MStreamFileExistsW, (nullptr) == 0),
+    QPX_NULL_CALL(MStreamFileCreateS, (nullptr) == nullptr),
+    QPX_NULL_CALL(MStreamFileCreateW, (nullptr) == nullptr),
+    QPX_NULL_CALL(MStreamFileRenameS, (nullptr, nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileMoveS, (nullptr, nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileDeleteS, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamFileCopyS, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamOpenFromFile64S, (nullptr, 1) == nullptr),
+    QPX_NULL_CALL(MStreamOpenFromFile64W, (nullptr, 1) == nullptr),
+    QPX_NULL_CALL(MStreamClose64, (nullptr) == 0),
+    QPX_NULL_CALL(MStreamRead64, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamWrite64, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MStreamSeek64, (nullptr, 0, 0) == -1),
+    QPX_NULL_CALL(MStreamTell64, (nullptr) == -1),
+    QPX_NULL_CALL(MStreamGetSize64, (nullptr) == -1),
+    QPX_NULL_CALL(STRMEMClose, (nullptr) == 0),
+    QPX_NULL_CALL(STRMEMRead, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(STRMEMWrite, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(STRMEMSeek, (nullptr, 0, 0) == 1),
+    QPX_NULL_CALL(STRMEMGetSize, (nullptr) == -1),
+    QPX_NULL_CALL(STRMEMTell, (nullptr) == -1),
+};
+
+constexpr NullCall kStringCalls[] = {
+    QPX_NULL_CALL(MStoi, (nullptr) == 0),
+    QPX_NULL_CALL(MStol, (nullptr) == 0),
+    QPX_NULL_CALL(MStoi64, (nullptr) == 0),
+    QPX_NULL_CALL(MSCsToUL, (nullptr, nullptr, 10) == 0),
+    QPX_NULL_CALL(MSCsLen, (nullptr) == 0),
+    QPX_NULL_CALL(MSCsStr, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(MSCsChr, (nullptr, 'q') == nullptr),
+    QPX_NULL_CALL(MSCsRChr, (nullptr, 'q') == nullptr),
+    QPX_NULL_CALL(MSCsCat, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(MSCsCpy, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(MSCsNCpy, (nullptr, nullptr, 1) == nullptr),
+    QPX_NULL_CALL(MSCsCmp, (nullptr, "q") == -1),
+    QPX_NULL_CALL(MSCsNCmp, (nullptr, "q", 1) == -1),
+    QPX_NULL_CALL(MSCsICmp, (nullptr, "q") == -1),
+    QPX_NULL_CALL(MSCsNICmp, (nullptr, "q", 1) == -1),
+    QPX_NULL_CALL(MSSprintf, (nullptr, "q") == -1),
+    QPX_NULL_CALL(MSCsMakeLower, (nullptr) == 2),
+    QPX_NULL_CALL(MSCsMakeUpper, (nullptr) == 2),
+    QPX_NULL_CALL(MWCsMakeLower, (nullptr) == 2),
+    QPX_NULL_CALL(MWCsMakeUpper, (nullptr) == 2),
+    QPX_NULL_CALL(MWCsLen, (nullptr) == 0),
+    QPX_NULL_CALL(MWCsStr, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(MWCsCat, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(MWCsCpy, (nullptr, nullptr) == nullptr),
+    QPX_NULL_CALL(getWideChar, (nullptr, nullptr) == 0),
+    QPX_NULL_CALL(MMultiByteToWideChar, (0, nullptr, 1, nullptr, 1) == 0),
+    QPX_NULL_CALL(MWideCharToMultiByte, (0, nullptr, 1, nullptr, 1) == 0),
+    QPX_NULL_CALL(MCharToWChar, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MWCharToChar, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MUnicodeToUTF8, (nullptr, nullptr, 1) == 0),
+    QPX_NULL_CALL(MUTF8ToUnicode, (nullptr, nullptr, 1) == 0),
+};
+
+#undef QPX_NULL_CALL
+#undef QPX_NULL_VOID_CALL
+
+// Exports that take no address.
+constexpr const char* kWithoutPointers[] = {"KESSTREAM_GetVersion", "MGetMaskPos",
+                                            "MGetMaskSize",         "QPXIsSameInOutArea",
+                                            "QPXIsSupEffMerge",     "QPXIsSupport",
+                                            "QPX_GetEffectCount",   "QPX_IfSupportMultiThread",
+                                            "QPX_UsePlainForms",    "UTIL_GetPixelBytesEX",
+                                            "UTIL_MBitmapCreate",   "mbf_GetMaskPos",
+                                            "mbf_GetMaskSize"};
+
+constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls, kEngineCalls, kStreamCalls,
+                                                   kStringCalls};
+
+TEST(NullArguments, AreAnsweredByEveryFunction) {
+  for (const auto& calls : kAllCalls) {
+    for (const NullCall& call : calls) EXPECT_TRUE(call.holds()) << call.name;
+  }
+}
+
+TEST(NullArguments, OfEveryExportAreTried) {
+  std::set<std::string> tried(std::begin(kWithoutPointers), std::end(kWithoutPointers));
+  for (const auto& calls : kAllCalls) {
+    for (const NullCall& call : calls) tried.insert(call.name);
+  }
+  std::ifstream file(QPX_EXPORTS_FILE);
+  const std::set<std::string> exported{std::istream_iterator<std::string>(file),
+                                       std::istream_iterator<std::string>()};
+  EXPECT_EQ(exported, tried);
+}
+
+// An engine with everything right but for one argument at a time.
+class OneNull : public ::testing::Test {
+ protected:
+  OneNull() : in_(QPX_FORMAT_I420, 6, 4, Placement::guarded), out_(in_), before_(in_) {
+    image_ = in_.bitmap();
+    const QPXEffectList list = {&item_, 1, 0};
+    EXPECT_EQ(QPX_OK, QPXCreate(&image_, &image_, &list, &engine_));
+    inPlanes_ = in_.planesAt(0, 0);
+    outPlanes_ = out_.planesAt(0, 0);
+  }
+  ~OneNull() override {
+    EXPECT_FALSE(out_.firstWriteOutside(before_, {}));
+    QPXDestroy(engine_);
+  }
+
+  Picture in_, out_, before_;
+  MBitmap image_;
+  QPXEffectItem item_ = {0x1800, nullptr, 0};
+  QPXEngine* engine_ = nullptr;
+  QPXPlaneSet inPlanes_, outPlanes_;
+  MRect rect_ = {0, 0, 6, 4};
+  QPXBandRect band_ = {0, 0, 6, 4, 0, 0, 0, 0};
+};
+
+TEST_F(OneNull, IsRefusedByCreate) {
+  const QPXEffectList list = {&item_, 1, 0};
+  const QPXEffectList noItems = {nullptr, 1, 0};
+  QPXEngine* const stale = engine_;
+  QPXEngine* made = stale;
+  EXPECT_EQ(2, QPXCreate(nullptr, &image_, &list, &made));
+  EXPECT_EQ(nullptr, made);
+  made = stale;
+  EXPECT_EQ(2, QPXCreate(&image_, nullptr, &list, &made));
+  EXPECT_EQ(nullptr, made);
+  made = stale;
+  EXPECT_EQ(2, QPXCreate(&image_, &image_, nullptr, &made));
+  EXPECT_EQ(nullptr, made);
+  EXPECT_EQ(2, QPXCreate(&image_, &image_, &noItems, &made));
+  EXPECT_EQ(2, QPXCreate(&image_, &image_, &list, nullptr));
+}
+
+TEST_F(OneNull, IsRefusedByProcess) {
+  EXPECT_EQ(2, QPXProcess(nullptr, &outPlanes_, &inPlanes_, &rect_));
+  EXPECT_EQ(2, QPXProcess(engine_, nullptr, &inPlanes_, &rect_));
+  EXPECT_EQ(2, QPXProcess(engine_, &outPlanes_, nullptr, &rect_));
+  EXPECT_EQ(2, QPXProcess(engine_, &outPlanes_, &inPlanes_, nullptr));
+  for (int p = 0; p < 3; ++p) {
+    QPXPlaneSet hole = inPlanes_;
+    hole.plane[p] = nullptr;
+    EXPECT_EQ(2, QPXProcess(engine_, &outPlanes_, &hole, &rect_)) << "input plane " << p;
+    hole = outPlanes_;
+    hole.plane[p] = nullptr;
+    EXPECT_EQ(2, QPXProcess(engine_, &hole, &inPlanes_, &rect_)) << "output plane " << p;
+  }
+}
+
+TEST_F(OneNull, IsRefusedByMerge) {
+  EXPECT_EQ(2, QPXMerge(nullptr, &outPlanes_, &inPlanes_, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXMerge(engine_, nullptr, &inPlanes_, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXMerge(engine_, &outPlanes_, nullptr, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXMerge(engine_, &outPlanes_, &inPlanes_, nullptr, nullptr, nullptr));
+  EXPECT_EQ(2, QPXProcessIn(engine_, nullptr, &image_, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXProcessIn(engine_, &image_, nullptr, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXProcessIn(engine_, &image_, &image_, nullptr, nullptr, nullptr));
+}
+
+TEST_F(OneNull, SecondInputOrMaskIsRefusedWhereTheEngineHasOne) {
+  const QPXEffectItem blend = {0x1100, nullptr, 0};
+  const QPXEffectList list = {&blend, 1, 0};
+  const MBitmap mask = {QPX_FORMAT_GREY8, 6, 4, {6, 0, 0}, {}};
+  QPXEngine* made = nullptr;
+  ASSERT_EQ(QPX_OK, QPXCreateIn(&image_, &image_, &image_, &mask, &list, &made));
+  EXPECT_EQ(2, QPXMerge(made, &outPlanes_, &inPlanes_, nullptr, &inPlanes_, &band_));
+  EXPECT_EQ(2, QPXMerge(made, &outPlanes_, &inPlanes_, &inPlanes_, nullptr, &band_));
+  EXPECT_EQ(2, QPXProcess(made, &outPlanes_, &inPlanes_, &rect_));
+  EXPECT_EQ(QPX_OK, QPXDestroy(made));
+}
+
+TEST_F(OneNull, IsRefusedByTheQueries) {
+  int32_t value = -7;
+  MRect other = {1, 2, 3, 4};
+  EXPECT_EQ(2, QPXCalcRect(engine_, nullptr, &rect_));
+  EXPECT_EQ(2, QPXCalcRect(engine_, &other, nullptr));
+  EXPECT_EQ(2, QPXGetMaxOutLine(engine_, 1, nullptr));
+  EXPECT_EQ(2, QPXGetProPerty(engine_, 0x9200, 0, nullptr, 4));
+  EXPECT_EQ(2, QPXSetProPerty(engine_, 0x9200, 1, nullptr));
+  EXPECT_EQ(2, QPXGetProPerty(nullptr, 0x9200, 0, &value, 4));
+  EXPECT_EQ(-7, value);
+  EXPECT_EQ(1, other.left);
+}
+
+// There is no head behind the handle of an empty list.
+TEST_F(OneNull, EngineOfAnEmptyListCanOnlyBeDestroyed) {
+  const QPXEffectList none = {nullptr, 0, 0};
+  QPXEngine* made = nullptr;
+  int32_t value = 0;
+  MRect all = rect_;
+  ASSERT_EQ(QPX_OK, QPXCreate(&image_, &image_, &none, &made));
+  EXPECT_EQ(2, QPXProcess(made, &outPlanes_, &inPlanes_, &rect_));
+  EXPECT_EQ(2, QPXMerge(made, &outPlanes_, &inPlanes_, nullptr, nullptr, &band_));
+  EXPECT_EQ(2, QPXCalcRect(made, &all, &rect_));
+  EXPECT_EQ(2, QPXCalcRectReset(made));
+  EXPECT_EQ(2, QPXGetMaxOutLine(made, 1, &value));
+  EXPECT_EQ(2, QPXGetProPerty(made, 0x9200, 0, &value, 4));
+  EXPECT_EQ(0, QPXFreeMemory(made));
+  EXPECT_EQ(0, QPXDestroy(made));
+}
+
+}  // namespace
+}  // namespace qpx::testing

@@ -1,0 +1,180 @@
+// Every way to go wrong ends in one clear line, the right status, and no file left behind.
+#include <sys/resource.h>
+
+#include <csignal>
+#include <string>
+
+#include "image_files.h"
+#include "run_tool.h"
+
+namespace qpx::test {
+namespace {
+
+class FailureTest : public ToolTest {
+ protected:
+  FailureTest() { write("in.png", pngFile(randomImage(20, 20, 3, 31))); }
+
+  ToolRun apply(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "apply");
+    return run(arguments);
+  }
+};
+
+TEST_F(FailureTest, TruncatedJpegsAtEveryLength) {
+  for (const bool progressive : {false, true}) {
+    const std::string whole =
+        jpegFile(randomImage(24, 24, 3, 32), {.quality = 80, .progressive = progressive});
+    for (size_t length = 3; length < whole.size(); length += 1 + whole.size() / 60) {
+      write("cut.jpg", whole.substr(0, length));
+      ASSERT_TRUE(failedWith(apply({"Fx1800", "cut.jpg", "out.jpg"}), 1, "cut.jpg: is a damaged"))
+          << length << " of " << whole.size();
+    }
+    write("cut.jpg", whole.substr(0, whole.size() - 1));
+    EXPECT_TRUE(failedWith(apply({"Fx1800", "cut.jpg", "out.jpg"}), 1, "cut.jpg: is a damaged"));
+  }
+  EXPECT_EQ(files(), "cut.jpg in.png");
+}
+
+TEST_F(FailureTest, TruncatedPngsAtEveryLength) {
+  const std::string whole = read("in.png");
+  for (size_t length = 4; length < whole.size(); length += 1 + whole.size() / 60) {
+    write("cut.png", whole.substr(0, length));
+    ASSERT_TRUE(failedWith(apply({"Fx1800", "cut.png", "out.png"}), 1, "cut.png: is a damaged"))
+        << length << " of " << whole.size();
+  }
+  EXPECT_EQ(files(), "cut.png in.png");
+}
+
+TEST_F(FailureTest, FilesThatAreNoPictures) {
+  write("empty.jpg", "");
+  write("text.jpg", "Dear all,\n");
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "empty.jpg", "o.png"}), 1, "empty.jpg: is empty"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "text.jpg", "o.png"}), 1, "neither JPEG nor PNG"));
+  EXPECT_TRUE(
+      failedWith(apply({"Fx1800", "missing.jpg", "o.png"}), 1, "missing.jpg: cannot be read"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", ".", "o.png"}), 1, "cannot be read"));
+  EXPECT_TRUE(failedWith(run({"apply", "Fx1800", "-", "o.png"}), 1, "standard input: is empty"));
+  EXPECT_EQ(files(), "empty.jpg in.png text.jpg");
+}
+
+TEST_F(FailureTest, PicturesBeyondTheLimitAreRefusedBeforeMemoryIsTaken) {
+  std::string huge = pngFile(makeImage(1, 1, 3, [](int, int, int) { return 0; }));
+  // Width and height of the header, 100000 each, and its checksum.
+  huge.replace(16, 8, std::string("\0\x01\x86\xA0\0\x01\x86\xA0", 8));
+  huge.replace(29, 4, std::string("\x27\x30\x9C\x9F", 4));
+  write("huge.png", huge);
+  EXPECT_TRUE(
+      failedWith(apply({"Fx1800", "huge.png", "o.png"}), 1, "huge.png: 100000x100000 pixels"));
+
+  std::string wide = jpegFile(makeImage(8, 8, 3, [](int, int, int) { return 0; }));
+  const size_t frame = wide.find("\xFF\xC0");
+  ASSERT_NE(frame, std::string::npos);
+  wide.replace(frame + 5, 4, "\xFF\x00\xFF\x00", 4);
+  write("wide.jpg", wide);
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "wide.jpg", "o.png"}), 1, "512 megapixels"));
+}
+
+TEST_F(FailureTest, RandomDamageNeverCrashes) {
+  const std::string whole = jpegFile(randomImage(24, 24, 3, 33), {.quality = 80});
+  for (size_t i = 0; i < 60; ++i) {
+    std::string damaged = whole;
+    damaged[2 + i * (whole.size() - 4) / 60] ^= static_cast<char>(0x5A + i);
+    write("bad.jpg", damaged);
+    const ToolRun result = apply({"Fx1800", "bad.jpg", "out.png"});
+    ASSERT_TRUE(result.status == 0 || result.status == 1) << i << " " << result.err;
+  }
+}
+
+TEST_F(FailureTest, OutputsThatCannotBeWritten) {
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "missing/o.png"}), 1,
+                         "missing/o.png: cannot be written"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", ".", "--to", "png"}), 1, "cannot be written"));
+  EXPECT_EQ(files(), "in.png");
+}
+
+// A limit on what a child may write stands in for a disk without room. Device nodes would do too,
+// but a tool that is broken could replace them.
+class WriteLimit {
+ public:
+  explicit WriteLimit(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &saved_);
+    const rlimit limit = {bytes, saved_.rlim_max};
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~WriteLimit() {
+    setrlimit(RLIMIT_FSIZE, &saved_);
+    signal(SIGXFSZ, SIG_DFL);
+  }
+  WriteLimit(const WriteLimit&) = delete;
+  WriteLimit& operator=(const WriteLimit&) = delete;
+
+ private:
+  rlimit saved_{};
+};
+
+TEST_F(FailureTest, ADiskThatFillsUpLeavesTheOldFile) {
+  ASSERT_EQ(run({"sample", "big.png", "--size", "200x200"}).status, 0);
+  for (const char* out : {"out.png", "out.jpg"}) {
+    write(out, "old");
+    ToolRun result;
+    {
+      const WriteLimit limit(1000);
+      result = apply({"Fx1800", "big.png", out});
+    }
+    EXPECT_TRUE(failedWith(result, 1, std::string(out) + ": cannot be written (File too large)"));
+    EXPECT_EQ(read(out), "old");
+  }
+  EXPECT_EQ(files(), "big.png in.png out.jpg out.png");
+}
+
+TEST_F(FailureTest, WrongCallsSayWhatWouldBeRight) {
+  EXPECT_TRUE(failedWith(apply({"Fx1801", "in.png", "o.png"}), 2, "did you mean Fx1800?"));
+  EXPECT_TRUE(failedWith(apply({"Fx1300:bright=3", "in.png", "o.png"}), 2, "it takes brightness"));
+  EXPECT_TRUE(failedWith(apply({"Fx1300:brightness=300", "in.png", "o.png"}), 2, "-128 ... 127"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.bmp"}), 2, "name it .jpg or .png"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--format", "rgb48"}), 2, "nv21"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--format", "yvyu"}), 2, "yvyu"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--strength", "101"}), 2, "0 to 100"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--quality", "0"}), 2, "1 to 100"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--threads", "0"}), 2, "--threads"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", "--sharpen"}), 2, "--sharpen"));
+  EXPECT_TRUE(
+      failedWith(apply({"Fx1800", "in.png", "o.png", "--second", "in.png"}), 2, "--second"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png"}), 2, "EFFECT... IN OUT"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "in.png", "o.png"}), 2, "--out-dir"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "-", "o.png", "--mask", "-"}), 2, "standard input"));
+  EXPECT_EQ(files(), "in.png");
+}
+
+TEST_F(FailureTest, WrongCallsWithAFolder) {
+  EXPECT_TRUE(
+      failedWith(apply({"Fx1800", "--out-dir", "d"}), 2, "at least one effect and one input"));
+  EXPECT_TRUE(failedWith(apply({"in.png", "--out-dir", "d"}), 2, "unknown effect 'in.png'"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "Fx1801", "in.png", "--out-dir", "d"}), 2,
+                         "did you mean Fx1800?"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "-", "--out-dir", "d"}), 2, "standard input"));
+  EXPECT_TRUE(
+      failedWith(apply({"Fx1800", "in.png", "./in.png", "--out-dir", "d"}), 2, "two inputs"));
+  EXPECT_EQ(files(), "in.png");
+}
+
+TEST_F(FailureTest, CallsWithoutSense) {
+  EXPECT_TRUE(failedWith(run({}), 2, "qpx --help"));
+  EXPECT_TRUE(failedWith(run({"paint"}), 2, "qpx --help"));
+  EXPECT_TRUE(failedWith(run({"apply"}), 2, "qpx apply --help"));
+  EXPECT_TRUE(failedWith(run({"sample"}), 2, "qpx sample --help"));
+}
+
+TEST_F(FailureTest, HelpAndVersionAreNoFailures) {
+  for (const std::vector<std::string>& call : std::vector<std::vector<std::string>>{
+           {"--help"}, {"apply", "--help"}, {"list", "--help"}, {"sample", "--help"}}) {
+    const ToolRun result = run(call);
+    EXPECT_TRUE(succeeded(result));
+    EXPECT_NE(result.out.find("Example"), std::string::npos) << call.front();
+  }
+  EXPECT_TRUE(run({"--version"}).out.starts_with("qpx 1."));
+}
+
+}  // namespace
+}  // namespace qpx::test
