@@ -124,10 +124,10 @@ class Rows {
   Picture picture_;
 };
 
-class Session {
+class EngineRun {
  public:
-  explicit Session(FuzzedDataProvider& data) : data_(data) {}
-  ~Session() { QPXDestroy(engine_); }
+  explicit EngineRun(FuzzedDataProvider& data) : data_(data) {}
+  ~EngineRun() { QPXDestroy(engine_); }
 
   void run() {
     if (!create()) return;
@@ -298,7 +298,7 @@ class Session {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   FuzzedDataProvider data(bytes, size);
-  Session(data).run();
+  EngineRun(data).run();
   QPX_UsePlainForms(0);
   return 0;
 }

@@ -210,6 +210,19 @@ TEST(MergeArguments, SecondAndMaskAreOptional) {
   EXPECT_EQ(rect.bottom, 8);
 }
 
+TEST(MergeCrop, NegativeSizesAtFarPlacesLeaveNoBand) {
+  Engine engine(0x64000000, {8, 8}, {8, 8}, {-5, 8}, {0, 0}, {{kSecondThroughMask, nullptr, 0}});
+  PlanarPicture source = PlanarPicture::random(kGreyMask, 8, 8, 1);
+  PlanarPicture result(kGreyMask, 8, 8, kSentinel);
+  PlanarPicture untouched = result;
+  const QPXPlaneSet in = source.planes(0, 0);
+  const QPXPlaneSet out = result.planes(0, 0);
+  QPXBandRect rect = {0, 0, 8, 8, INT_MIN, 0, 0, 0};
+  EXPECT_EQ(QPXMerge(engine.get(), &out, &in, &in, nullptr, &rect), 0);
+  EXPECT_EQ(rect.right, 8);
+  EXPECT_TRUE(untouched == result);
+}
+
 TEST(MergeCrop, BandsGiveTheBytesOfOneCall) {
   const MergeCase whole = {{9, 12}, {9, 12}, {9, 12}, {0, 0}, {0, 0}, {0, 0, 9, 12}};
   for (int32_t top = 0; top < 12; top += 4) {

@@ -196,6 +196,15 @@ TEST(Exposure, DarkensInLinearLight) {
   EXPECT_EQ(table[255], 188);  // light of 0.5: 187.5
 }
 
+TEST(Exposure, DarkensHighlightsInTheSameProportion) {
+  // sRGB 255, 230 and 200 are light of 1, 0.7913 and 0.5776; times 0.78125: 0.78125, 0.6182 and
+  // 0.4512.
+  const Table table = tableOf(0x4700, exposure(200));
+  EXPECT_EQ(table[255], 229);  // 228.7
+  EXPECT_EQ(table[230], 206);  // 206.1
+  EXPECT_EQ(table[200], 179);  // 179.1
+}
+
 TEST(Exposure, BrightensStraightUpToTheKneeAndEndsAtWhite) {
   const Table table = tableOf(0x4700, exposure(512));
   EXPECT_EQ(table[137], 188);  // 0.2502 doubled: 187.6

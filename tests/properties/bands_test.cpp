@@ -76,13 +76,13 @@ std::vector<EffectCase> secondInputCases() {
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, Merge, ::testing::ValuesIn(secondInputCases()), caseName);
 
-constexpr Size kPartSizes[] = {{3, 5}, {37, 29}};
+constexpr Size kCutoutSizes[] = {{3, 5}, {37, 29}};
 
-class Part : public ::testing::TestWithParam<EffectCase> {};
+class Cutout : public ::testing::TestWithParam<EffectCase> {};
 
 // Divisors of chroma go up to 4, and a block is made from its own top left pixel: parts that start
 // inside a block are another matter.
-TEST_P(Part, OnBlockEdgesIsThatPartOfTheWhole) {
+TEST_P(Cutout, OnBlockEdgesIsThatPartOfTheWhole) {
   const EffectCase& effectCase = GetParam();
   const Picture source = effectCase.picture(Placement::exact);
   const Engine engine(source, *effectCase.effect, makeRecord(*effectCase.effect, "initial"));
@@ -97,7 +97,7 @@ TEST_P(Part, OnBlockEdgesIsThatPartOfTheWhole) {
   }
 }
 
-TEST_P(Part, WritesNothingOutsideItself) {
+TEST_P(Cutout, WritesNothingOutsideItself) {
   const EffectCase& effectCase = GetParam();
   const Picture source = effectCase.picture(Placement::exact);
   const Record record = makeRecord(*effectCase.effect, "initial");
@@ -118,7 +118,7 @@ TEST_P(Part, WritesNothingOutsideItself) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Catalogue, Part, ::testing::ValuesIn(allCases(kPartSizes)), caseName);
+INSTANTIATE_TEST_SUITE_P(Catalogue, Cutout, ::testing::ValuesIn(allCases(kCutoutSizes)), caseName);
 
 }  // namespace
 }  // namespace qpx::testing

@@ -86,5 +86,28 @@ std::string caseName(const ::testing::TestParamInfo<Chain>& chain) {
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, Chains, ::testing::ValuesIn(someChains()), caseName);
 
+// A later stage reads the second input in the columns and rows that the first one made.
+TEST(ChainWithSecondInput, StaysInsideThePlacedPicture) {
+  Picture source(QPX_FORMAT_BGR24, 20, 10, Placement::exact);
+  source.paint(1);
+  Picture second(QPX_FORMAT_BGR24, 8, 4, Placement::exact);
+  second.paint(2);
+  const Picture before = blankLike(source);
+  Picture after = before;
+  const MBitmap in = source.bitmap();
+  const MBitmap placed = second.bitmap();
+  const MBitmap out = after.bitmap();
+  const QPXEffectItem items[] = {{0x1800, nullptr, 0}, {0x1100, nullptr, 0}};
+  const QPXEffectList list = {items, 2, 0};
+  QPXEngine* engine = nullptr;
+  ASSERT_EQ(QPX_OK, QPXCreateIn(&out, &in, &placed, nullptr, &list, &engine));
+  QPXBandRect rect = {0, 0, 20, 10, 0, 0, 0, 0};
+  EXPECT_EQ(QPX_OK, QPXMultProcessIn(engine, &out, &in, &placed, nullptr, &rect));
+  QPXDestroy(engine);
+  EXPECT_EQ(8, rect.right);
+  EXPECT_EQ(4, rect.bottom);
+  EXPECT_TRUE(untouchedOutside(before, after, {0, 0, 8, 4}));
+}
+
 }  // namespace
 }  // namespace qpx::testing

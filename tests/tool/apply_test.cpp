@@ -46,6 +46,7 @@ TEST_F(ApplyTest, EffectsMakeAChain) {
 
 TEST_F(ApplyTest, AChainThatTheEngineRefusesRunsOneByOne) {
   const Image result = apply({"Fx1700", "Fx1800", "in.png", "out.png", "--format", "nv21"});
+  ASSERT_EQ(result.width, 40);
   // Grey, then negative: the chroma stays without colour.
   for (int y = 0; y < 30; ++y) {
     for (int x = 0; x < 40; ++x) {
@@ -69,6 +70,7 @@ TEST_F(ApplyTest, MaskLimitsTheEffect) {
   // Left half white, scaled up from 4x2 with a soft seam in the middle.
   write("mask.png", pngFile(makeImage(4, 2, 1, [](int x, int, int) { return x < 2 ? 255 : 0; })));
   const Image result = apply({"Fx1800", "in.png", "out.png", "--mask", "mask.png"});
+  ASSERT_EQ(result.width, 40);
   for (int y = 0; y < 30; ++y) {
     for (int c = 0; c < 3; ++c) {
       ASSERT_EQ(result.at(3, y)[c], 255 - image_.at(3, y)[c]);
@@ -78,16 +80,20 @@ TEST_F(ApplyTest, MaskLimitsTheEffect) {
 }
 
 TEST_F(ApplyTest, SecondPictureIsFadedInThroughTheMask) {
+  const auto lit = [](int x, int y) { return (x < 20) == (y < 15); };
   write("second.png", pngFile(makeImage(40, 30, 3, [](int, int, int c) { return 60 + c; })));
   write("mask.png",
-        pngFile(makeImage(40, 30, 1, [](int x, int, int) { return x < 20 ? 255 : 0; })));
+        pngFile(makeImage(40, 30, 1, [&](int x, int y, int) { return lit(x, y) ? 255 : 0; })));
   const std::vector<std::string> call = {"Fx1100:opacity=100", "in.png", "out.png", "--second",
                                          "second.png",         "--mask", "mask.png"};
   const Image result = apply(call);
+  ASSERT_EQ(result.width, 40);
   for (int y = 0; y < 30; ++y) {
-    for (int c = 0; c < 3; ++c) {
-      ASSERT_NEAR(result.at(5, y)[c], 60 + c, 2);
-      ASSERT_NEAR(result.at(35, y)[c], image_.at(35, y)[c], 2);
+    for (int x = 0; x < 40; ++x) {
+      for (int c = 0; c < 3; ++c) {
+        ASSERT_NEAR(result.at(x, y)[c], lit(x, y) ? 60 + c : image_.at(x, y)[c], 2)
+            << x << " " << y;
+      }
     }
   }
   std::vector<std::string> inBands = call;
