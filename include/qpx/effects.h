@@ -23,7 +23,8 @@ typedef struct QPXParamInfo {
   const char* unit;    /* "percent", "degrees", "" ... */
   int32_t type;        /* QPXParamType */
   int32_t offset;      /* bytes from the start of the record */
-  double minimum;      /* values outside are clamped at create */
+  double minimum; /* of the useful range: values outside are clamped or taken as they are, never
+                     unsafe */
   double maximum;
   double initial; /* a value that shows what the effect is for */
 } QPXParamInfo;

@@ -80,7 +80,8 @@ QPX_API int32_t QPXFreeMemory(QPXEngine* handle);
  * alike. Where effects have margins the input pointers must lie in a whole picture, since rows around
  * the band are read through them. On return `rect` is the rectangle of rows that were finished, which
  * trails the band by the margins until the last band releases the rest; the first finished row lies at
- * the output pointers. Bands from top to bottom give the bytes of one call over the whole picture; a
+ * the output pointers, so that these point to the first row that is not finished yet, with room for
+ * QPXGetMaxOutLine rows. Bands from top to bottom give the bytes of one call over the whole picture; a
  * band that does not continue the one before starts a new stream.
  *
  * Returns 0, also for a band outside the picture, which leaves `rect` as it is; 2 for a null argument or
