@@ -136,7 +136,7 @@ step_fuzz() {
       corpora+=("fuzz/seeds/$name")
     fi
     echo "$fuzzer"
-    "$fuzzer" -seed=1 -runs=20000 -max_total_time=40 -timeout=30 -rss_limit_mb=4096 \
+    "$fuzzer" -seed=1 -runs=20000 -len_control=0 -max_total_time=40 -timeout=30 -rss_limit_mb=4096 \
       -artifact_prefix="build/fuzz/$name-" "${corpora[@]}"
     passed 1
   done

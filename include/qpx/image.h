@@ -35,18 +35,19 @@ typedef struct QEMOOFFSCREEN {
 } QEMOOFFSCREEN;
 
 /* Fills `info` from a format code. NV21 and NV12 are known here only by the codes 0x70020011 and
- * 0x70030011 that the engine rewrites them to. Returns 0, or 2 for a null record or a code without a
- * family. */
+ * 0x70030011 that the engine rewrites them to. Returns 0, or 2 for a null record or a code without
+ * a family. */
 QPX_API int32_t mbf_GetPixInfo(uint32_t format, PixInfo* info);
 
 /* First step of mbf_GetPixInfo: sets bitsPerPixel and family from info->format. Returns 0 or 2. */
 QPX_API int32_t mbf_GetPixFormat(PixInfo* info);
 
-/* Second step for packed RGB (family 1): sample steps and the three field masks. Returns 0, or 2 for
- * any other family. */
+/* Second step for packed RGB (family 1): sample steps and the three field masks. Returns 0, or 2
+ * for any other family. */
 QPX_API int32_t mbf_GetRGBPixelInfo(PixInfo* info);
 
-/* Second step for YUV: sample steps and chroma divisors. Returns 0, or 2 for a family without chroma. */
+/* Second step for YUV: sample steps and chroma divisors. Returns 0, or 2 for a family without
+ * chroma. */
 QPX_API int32_t mbf_GetYUVPixelInfo(PixInfo* info);
 
 /* Number of set bits, and index of the lowest set bit (0 for an empty mask). */
@@ -56,28 +57,29 @@ QPX_API int32_t MGetMaskSize(uint32_t mask);
 QPX_API int32_t MGetMaskPos(uint32_t mask);
 
 /* Colour matrices for a format. `record` points to a record whose first word is a format code (an
- * MBitmap or a PixInfo). On return *forward turns R, G, B into Y, U, V and *inverse turns them back;
- * each is 3 rows of three coefficients and an offset in constant memory of the library. Bits 12 and 13
- * of the code choose: 0 BT.601 video range, 1 BT.601 full range, 2 BT.709 video range, 3 BT.709 full
- * range (whose forward rows carry no chroma offset while the inverse takes one off: the pair is not
- * inverse to itself). RGB and palette codes get the identity. Returns 0; 2 for a null argument or a
- * YUV layout other than plain planar; 3 for other models. In both refusals but that of a null argument
- * the pair is full-range BT.601. */
+ * MBitmap or a PixInfo). On return *forward turns R, G, B into Y, U, V and *inverse turns them
+ * back; each is 3 rows of three coefficients and an offset in constant memory of the library. Bits
+ * 12 and 13 of the code choose: 0 BT.601 video range, 1 BT.601 full range, 2 BT.709 video range, 3
+ * BT.709 full range (whose forward rows carry no chroma offset while the inverse takes one off: the
+ * pair is not inverse to itself). RGB and palette codes get the identity. Returns 0; 2 for a null
+ * argument or a YUV layout other than plain planar; 3 for other models. In both refusals but that
+ * of a null argument the pair is full-range BT.601. */
 QPX_API int32_t mbf_GetMatrix(const float** forward, const float** inverse, const void* record);
 
-/* Allocators. format, width and height are set by the caller; a pitch of 0 is chosen by the allocator
- * (in planar and semi-planar formats the caller's pitches count only when all three are set). On
- * success a block already in plane[0] is freed and replaced, and the plane pointers are set. Free with
- * MBitmapFree. Return 0; 2 for a null record or a caller's pitch too small for a row; 3 for a width or
- * height below 1 or an unknown code; 4 for no memory or planes of 2 GiB and more. After a failure the
- * old block is still in the record, though a chosen pitch may be stored.
+/* Allocators. format, width and height are set by the caller; a pitch of 0 is chosen by the
+ * allocator (in planar and semi-planar formats the caller's pitches count only when all three are
+ * set). On success a block already in plane[0] is freed and replaced, and the plane pointers are
+ * set. Free with MBitmapFree. Return 0; 2 for a null record or a caller's pitch too small for a
+ * row; 3 for a width or height below 1 or an unknown code; 4 for no memory or planes of 2 GiB and
+ * more. After a failure the old block is still in the record, though a chosen pitch may be stored.
  *
- * Planar formats pad the height to a multiple of 16, so that chroma starts at pitch[0] * padded height.
+ * Planar formats pad the height to a multiple of 16, so that chroma starts at pitch[0] * padded
+ * height.
  *
- * MBitmapAlloc fills with 0. MBitmapAllocEx also stores the bytes of the planes in *size (may be null),
- * allocates 16 more, fills with 0x77, and knows more codes. MBitmapAlloc2 is MBitmapAllocEx with fill 0
- * and no size. UTILS_MdBitmapAlloc is MBitmapAlloc2 without the 16 spare bytes and with chroma of a
- * quarter height (a vertical divisor of 4) too. */
+ * MBitmapAlloc fills with 0. MBitmapAllocEx also stores the bytes of the planes in *size (may be
+ * null), allocates 16 more, fills with 0x77, and knows more codes. MBitmapAlloc2 is MBitmapAllocEx
+ * with fill 0 and no size. UTILS_MdBitmapAlloc is MBitmapAlloc2 without the 16 spare bytes and with
+ * chroma of a quarter height (a vertical divisor of 4) too. */
 QPX_API int32_t MBitmapAlloc(MBitmap* bitmap);
 QPX_API int32_t MBitmapAllocEx(MBitmap* bitmap, int32_t* size);
 QPX_API int32_t MBitmapAlloc2(MBitmap* bitmap);
@@ -91,7 +93,8 @@ QPX_API int32_t MBitmapFree2(MBitmap* bitmap);
 QPX_API int32_t UTIL_GetPixelBytesEX(uint32_t format);
 
 /* A record and its zeroed pixels in one call, rows padded to 4 bytes. Returns null for no memory, a
- * size below 1 or a format without a pixel size. Free with UTIL_MBitmapFree, which takes null too. */
+ * size below 1 or a format without a pixel size. Free with UTIL_MBitmapFree, which takes null too.
+ */
 QPX_API MBitmap* UTIL_MBitmapCreate(int32_t width, int32_t height, uint32_t format);
 QPX_API void UTIL_MBitmapFree(MBitmap* bitmap);
 
@@ -99,8 +102,8 @@ QPX_API void UTIL_MBitmapFree(MBitmap* bitmap);
  * record or plane; 3 for any other format, with nothing written. */
 QPX_API int32_t MBitmapSetAlpha(MBitmap* bitmap, uint8_t value);
 
-/* Translates an image record to the off-screen record (planes are shared, not copied). Returns 0; 2 for
- * a null argument; 3 for a format without an off-screen number. */
+/* Translates an image record to the off-screen record (planes are shared, not copied). Returns 0; 2
+ * for a null argument; 3 for a format without an off-screen number. */
 QPX_API int32_t BuildQEMOOFFSCREEN(const MBitmap* bitmap, QEMOOFFSCREEN* offscreen);
 
 /* Rectangles, in place; a null argument does nothing. MSwapRect transposes; RectCopy copies;

@@ -15,28 +15,28 @@ typedef enum QPXResult {
   QPX_NO_MEMORY = 4    /* an allocation failed */
 } QPXResult;
 
-/* Pixel format codes. A code is read by nibbles from the top: the colour model (1 RGB, 2 RGB variant,
- * 3 RGB with alpha, 4 palette, 5 YUV, 6 grey, 7 semi-planar and other YUV), the storage size (4, 5, 6,
- * 7 for 8, 16, 24, 32 bits), then flags and, for RGB, the width of each field minus one. Bit 12 puts
- * the first RGB field into the lowest bits; for YUV and grey bits 12 and 13 choose the colorimetry.
- * The names of 24 and 32-bit codes give the order of bytes in memory.
+/* Pixel format codes. A code is read by nibbles from the top: the colour model (1 RGB, 2 RGB
+ * variant, 3 RGB with alpha, 4 palette, 5 YUV, 6 grey, 7 semi-planar and other YUV), the storage
+ * size (4, 5, 6, 7 for 8, 16, 24, 32 bits), then flags and, for RGB, the width of each field minus
+ * one. Bit 12 puts the first RGB field into the lowest bits; for YUV and grey bits 12 and 13 choose
+ * the colorimetry. The names of 24 and 32-bit codes give the order of bytes in memory.
  *
- * For planar YUV the low byte holds the chroma divisors minus one: across in the high nibble, down in
- * the low one. */
+ * For planar YUV the low byte holds the chroma divisors minus one: across in the high nibble, down
+ * in the low one. */
 typedef enum QPXFormat {
   QPX_FORMAT_BGR24 = 0x16000777,
   QPX_FORMAT_RGB24 = 0x16001777,
   QPX_FORMAT_BGRA32 = 0x37000777,
   QPX_FORMAT_RGBA32 = 0x37001777,
-  QPX_FORMAT_BGRX32 = 0x17000777,   /* fourth byte without meaning */
-  QPX_FORMAT_RGBX32 = 0x17001777,   /* fourth byte without meaning */
-  QPX_FORMAT_BGR666 = 0x16000555,   /* 6 bits a field in 3 bytes, first field on top */
-  QPX_FORMAT_RGB666 = 0x16001555,   /* 6 bits a field in 3 bytes, first field lowest */
-  QPX_FORMAT_RGB565 = 0x15000454,   /* red in the top bits */
-  QPX_FORMAT_BGR565 = 0x15001454,   /* red in the lowest bits */
-  QPX_FORMAT_RGB444 = 0x15000333,   /* 4 bits a field in 2 bytes, red above green above blue */
+  QPX_FORMAT_BGRX32 = 0x17000777, /* fourth byte without meaning */
+  QPX_FORMAT_RGBX32 = 0x17001777, /* fourth byte without meaning */
+  QPX_FORMAT_BGR666 = 0x16000555, /* 6 bits a field in 3 bytes, first field on top */
+  QPX_FORMAT_RGB666 = 0x16001555, /* 6 bits a field in 3 bytes, first field lowest */
+  QPX_FORMAT_RGB565 = 0x15000454, /* red in the top bits */
+  QPX_FORMAT_BGR565 = 0x15001454, /* red in the lowest bits */
+  QPX_FORMAT_RGB444 = 0x15000333, /* 4 bits a field in 2 bytes, red above green above blue */
   QPX_FORMAT_BGR444 = 0x15001333,
-  QPX_FORMAT_RGB555 = 0x15000444,   /* 5 bits a field in 2 bytes, red above green above blue */
+  QPX_FORMAT_RGB555 = 0x15000444, /* 5 bits a field in 2 bytes, red above green above blue */
   QPX_FORMAT_BGR555 = 0x15001444,
   QPX_FORMAT_GREY8 = 0x64000000,    /* one plane, 8 bits */
   QPX_FORMAT_PALETTE8 = 0x44000000, /* allocated and copied only */
@@ -54,10 +54,10 @@ typedef enum QPXFormat {
 
 /* The universal image record. The library never owns pixels that a host put into one. */
 typedef struct MBitmap {
-  uint32_t format;   /* a pixel format code */
-  int32_t width;     /* pixels */
-  int32_t height;    /* rows */
-  int32_t pitch[3];  /* bytes from one row of plane i to the next; 0 for planes that are not there */
+  uint32_t format;  /* a pixel format code */
+  int32_t width;    /* pixels */
+  int32_t height;   /* rows */
+  int32_t pitch[3]; /* bytes from one row of plane i to the next; 0 for planes that are not there */
   uint8_t* plane[3]; /* first byte of plane i. In NV21 plane[2] is the chroma plane and plane[1] the
                         byte behind it; in NV12 the other way round. */
 } MBitmap;
