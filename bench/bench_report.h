@@ -1,6 +1,5 @@
 // One table at the end of a run, in place of a line for every repetition.
-#ifndef QPX_BENCH_BENCH_REPORT_H_
-#define QPX_BENCH_BENCH_REPORT_H_
+#pragma once
 
 #include <benchmark/benchmark.h>
 
@@ -46,5 +45,3 @@ class Report : public benchmark::BenchmarkReporter {
 };
 
 }  // namespace qpx::bench
-
-#endif  // QPX_BENCH_BENCH_REPORT_H_

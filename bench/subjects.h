@@ -1,6 +1,5 @@
 // What is measured, each a loop body over pictures that are made once.
-#ifndef QPX_BENCH_SUBJECTS_H_
-#define QPX_BENCH_SUBJECTS_H_
+#pragma once
 
 #include <qpx/qpx.h>
 
@@ -56,5 +55,3 @@ Body openCvBody(PicturesPtr pictures, int tables);
 Body libyuvInPlaceBody(PicturesPtr pictures);
 
 }  // namespace qpx::bench
-
-#endif  // QPX_BENCH_SUBJECTS_H_

@@ -1,6 +1,5 @@
 // Promises that no sanitizer knows of.
-#ifndef QPX_FUZZ_FUZZ_CHECK_H_
-#define QPX_FUZZ_FUZZ_CHECK_H_
+#pragma once
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,5 +11,3 @@
       std::abort();                                                                      \
     }                                                                                    \
   } while (false)
-
-#endif  // QPX_FUZZ_FUZZ_CHECK_H_

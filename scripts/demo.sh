@@ -5,13 +5,15 @@
 #
 # The results are in out/demo/.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
-
 photo=${1:-}
-if [[ -n $photo && ! -r $photo ]]; then
-  echo "demo.sh: cannot read '$photo'" >&2
-  exit 2
+if [[ -n $photo ]]; then
+  if [[ ! -r $photo ]]; then
+    echo "demo.sh: cannot read '$photo'" >&2
+    exit 2
+  fi
+  photo=$(realpath "$photo")
 fi
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install-deps.sh build tool
 mkdir -p build/logs out/demo

@@ -180,7 +180,7 @@ step_install() {
   library=${library/"$prefix/tree"/"$prefix/moved"}
   local libdir flags
   libdir=$(dirname "$library")
-  read -ra flags < <(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs --static qpxengine)
+  read -ra flags < <(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs qpxengine)
   gcc -std=c11 -Wall -Wextra -pedantic -Werror tests/install/consumer.c "${flags[@]}" -o "$prefix/by_pkg_config"
   LD_LIBRARY_PATH=$libdir "$prefix/by_pkg_config"
   "$prefix/moved/bin/qpx" --version

@@ -17,7 +17,8 @@ QPX_API int32_t BuildSplineCurve(const uint8_t* xs, const uint8_t* ys, int32_t c
 /* Chains `table` (768 bytes from MMemAlloc, of which `size`, 256 or 768, are in use) behind the
  * table that the stage holds: the result is new after old. `flags` is 5 for one table, 9 for three.
  * Takes ownership of `table`; the first table of a stage is adopted as it is. A null `table`
- * changes nothing. Returns 0, or 2 for a null stage, with the table still the caller's. */
+ * changes nothing. Returns 0, or 2 for a null stage, with the table still the caller's. For one
+ * thread at a time on a stage. */
 QPX_API int32_t ComposeStageLut(QPXStage* stage, uint8_t* table, uint32_t flags, uint32_t size);
 
 QPX_END_DECLS

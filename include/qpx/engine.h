@@ -1,14 +1,21 @@
 /* The effect engine: a chain of effects over pictures of one format and size, run band by band.
  *
- *   MBitmap in = {...}, out = {...};              // format, width, height: fixed for the engine's
- * life QPXBrightnessContrastParam param = {20, 10}; QPXEffectItem item = {0x1300, &param, sizeof
- * param}; QPXEffectList list = {&item, 1, 0}; QPXEngine* engine = NULL; if (QPXCreate(&out, &in,
- * &list, &engine) != QPX_OK) ... for (top = 0; top < in.height; top += 64) { MRect band = {0, top,
- * in.width, min(top + 64, in.height)}; QPXProcess(engine, &outPlanes, &inPlanes, &band);  // planes
- * address row `top`
- *     // `band` is now the rectangle that is finished
+ *   QPXBrightnessContrastParam param = {20, 10};
+ *   QPXEffectItem item = {0x1300, &param, sizeof param};
+ *   QPXEffectList list = {&item, 1, 0};
+ *   QPXEngine* engine = NULL;
+ *
+ *   QPXCreate(&outImage, &inImage, &list, &engine);
+ *
+ *   for (int top = 0; top < height; top += 64) {
+ *     MRect band = {0, top, width, top + 64};
+ *
+ *     QPXProcess(engine, &outPlanes, &inPlanes, &band);
  *   }
  *   QPXDestroy(engine);
+ *
+ * The images name format and size, which are fixed for the engine's life. At each call the planes
+ * address the rows of the band, and `band` comes back as the rectangle that is finished.
  *
  * The host owns all pixels; the engine copies parameters at create and owns what it allocates until
  * it is destroyed. An engine belongs to one thread at a time and has no locks; distinct engines run
@@ -129,7 +136,8 @@ QPX_API int32_t QPXSetProPerty(QPXEngine* handle, uint32_t propertyId, int32_t o
 QPX_API int32_t PixmorphGetVersionInfo(int32_t* major, int32_t* minor, int32_t* build,
                                        char* textOut, int32_t textSize);
 
-/* 1 when a list of two or more effects collapses into one stage in this format, else 0. */
+/* 1 when a list of two or more effects collapses into one stage in this format, else 0, as for a
+ * null list. This and the next four queries are reentrant. */
 QPX_API int32_t QPXMergeable(uint32_t format, const QPXEffectList* list);
 
 /* 1 when `second` can take over the table of `first`, else 0. */

@@ -49,8 +49,8 @@ QPX_API char* MSCsCpy(char* to, const char* from);
 QPX_API char* MSCsNCpy(char* to, const char* from, int32_t count);
 
 /* Compare as unsigned bytes: -1, 0 or 1 for a before, equal to, behind b. The I forms ignore the
- * case of ASCII letters, the N forms compare at most `count` bytes and find none different for a
- * count below 1. Null comes before every string and equals itself. */
+ * case of letters as the C library does, the N forms compare at most `count` bytes and find none
+ * different for a count below 1. Null comes before every string and equals itself. */
 QPX_API int32_t MSCsCmp(const char* a, const char* b);
 QPX_API int32_t MSCsNCmp(const char* a, const char* b, int32_t count);
 QPX_API int32_t MSCsICmp(const char* a, const char* b);

@@ -1,4 +1,4 @@
-// Rectangle helpers.
+// Small services on rectangles.
 #include <qpx/image.h>
 
 #include <utility>

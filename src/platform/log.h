@@ -1,5 +1,4 @@
-#ifndef QPX_PLATFORM_LOG_H_
-#define QPX_PLATFORM_LOG_H_
+#pragma once
 
 #include <qpx/log.h>
 
@@ -11,5 +10,3 @@ void log(int priority, const char* tag, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 
 }  // namespace qpx
-
-#endif  // QPX_PLATFORM_LOG_H_

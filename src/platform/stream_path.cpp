@@ -34,8 +34,9 @@ bool copyBytes(std::FILE* from, std::FILE* to) {
 }
 
 bool copyTo(const char* path, std::FILE* from, bool overwrite) {
-  if (isSameFile(from, path) || (!overwrite && isReadable(path))) return false;
-  std::FILE* const to = std::fopen(path, "wb");
+  // A file onto itself would be emptied before it is read.
+  if (isSameFile(from, path)) return false;
+  std::FILE* const to = std::fopen(path, overwrite ? "wb" : "wbx");
   if (to == nullptr) return false;
   const bool copied = copyBytes(from, to);
   return std::fclose(to) == 0 && copied;

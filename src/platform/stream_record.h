@@ -1,5 +1,4 @@
-#ifndef QPX_PLATFORM_STREAM_RECORD_H_
-#define QPX_PLATFORM_STREAM_RECORD_H_
+#pragma once
 
 #include <kesbase.h>
 #include <qpx/streams.h>
@@ -87,5 +86,3 @@ class NarrowPath {
 };
 
 }  // namespace qpx
-
-#endif  // QPX_PLATFORM_STREAM_RECORD_H_

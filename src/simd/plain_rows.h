@@ -1,7 +1,6 @@
 // The plain forms one by one: the definition of every entry of Rows, and what the vector forms call
 // for the samples that are left over behind the last whole vector.
-#ifndef QPX_SIMD_PLAIN_ROWS_H_
-#define QPX_SIMD_PLAIN_ROWS_H_
+#pragma once
 
 #include <stddef.h>
 #include <stdint.h>
@@ -31,5 +30,3 @@ void mixMasked(const uint8_t* base, const uint8_t* top, const uint8_t* mask, uin
 void complement256(const uint8_t* src, uint8_t* dst, ptrdiff_t count);
 
 }  // namespace qpx::simd::plain
-
-#endif  // QPX_SIMD_PLAIN_ROWS_H_

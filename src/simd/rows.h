@@ -10,8 +10,7 @@
 // What all entries share: rows need no alignment; nothing outside [0, count) is read or written; a
 // count of 0 or less does nothing; an output may be the very same row as an input where the entry
 // says "in place", otherwise outputs overlap neither inputs nor each other.
-#ifndef QPX_SIMD_ROWS_H_
-#define QPX_SIMD_ROWS_H_
+#pragma once
 
 #include <stddef.h>
 #include <stdint.h>
@@ -88,5 +87,3 @@ const Rows& plainRows();
 const Rows& vectorRows();
 
 }  // namespace qpx::simd
-
-#endif  // QPX_SIMD_ROWS_H_

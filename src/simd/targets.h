@@ -1,7 +1,6 @@
 // Which processors Highway generates code for. Comes before any header of Highway, in every file
 // that counts its targets.
-#ifndef QPX_SIMD_TARGETS_H_
-#define QPX_SIMD_TARGETS_H_
+#pragma once
 
 // Byte permutes over 128 entries make a table look-up six instructions; Highway leaves the target
 // that has them out unless asked.
@@ -9,5 +8,3 @@
 
 // SSSE3 without SSE4 has died out, and 128-bit NEON serves every ARM processor in phones.
 #define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
-
-#endif  // QPX_SIMD_TARGETS_H_

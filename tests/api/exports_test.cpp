@@ -36,8 +36,8 @@ std::string libraryPath() {
   return address != nullptr && dladdr(address, &info) != 0 ? info.dli_fname : "";
 }
 
-// Symbols that the library defines for others; the version's own name, an absolute symbol, is left
-// out.
+// Symbols that the library defines for others. Left out are the version's own name, an absolute
+// symbol, and local ones: on 32-bit ARM the linker lists a section among them.
 Names definedSymbols(const std::vector<char>& elf) {
   Names names;
   const auto header = readAt<ElfW(Ehdr)>(elf, 0);
@@ -51,6 +51,7 @@ Names definedSymbols(const std::vector<char>& elf) {
     for (size_t at = 0; at < section.sh_size; at += sizeof(ElfW(Sym))) {
       const auto symbol = readAt<ElfW(Sym)>(elf, section.sh_offset + at);
       if (symbol.st_shndx == SHN_UNDEF || symbol.st_shndx == SHN_ABS) continue;
+      if (ELF64_ST_BIND(symbol.st_info) == STB_LOCAL) continue;
       names.insert(elf.data() + texts.sh_offset + symbol.st_name);
     }
   }

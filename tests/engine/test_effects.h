@@ -58,7 +58,7 @@ Neighbourhood neighbourhoodOf(uint32_t effectId);
 // Weight of the sample `dy` rows below and `dx` columns right of a pixel.
 constexpr int weightOf(int dy, int dx) { return 1 + (dy + 4) * 3 + (dx + 4) * 29; }
 
-// Times that the pipeline has told a stage of kTone to begin a new stream.
+// Times that the pipeline has begun a new stream on a stage of kTone.
 extern int streamResets;
 
 }  // namespace qpx::testing

@@ -249,7 +249,7 @@ TEST_P(YuvTables, LumaTablesMayWorkInPlace) {
   EXPECT_FALSE(apart.firstDifference(same));
 }
 
-// What the tables do to a run is told by the test's own recipe.
+// The test's own recipe says what the tables do to a run.
 void throughOffsets(const Stage&, PixelRun& run) {
   for (int32_t i = 0; i < run.count; ++i) {
     run.r[i] = static_cast<uint8_t>(std::min(run.r[i] + 50, 255));

@@ -1,5 +1,4 @@
-#ifndef QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_
-#define QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_
+#pragma once
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -50,5 +49,3 @@ class TemporaryFolder : public ::testing::Test {
 };
 
 }  // namespace qpx::testing
-
-#endif  // QPX_TESTS_PLATFORM_TEMPORARY_FOLDER_H_

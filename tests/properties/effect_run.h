@@ -1,6 +1,5 @@
 // Running catalogued effects over pictures, for the properties that every effect has.
-#ifndef QPX_TESTS_PROPERTIES_EFFECT_RUN_H_
-#define QPX_TESTS_PROPERTIES_EFFECT_RUN_H_
+#pragma once
 
 #include <gtest/gtest.h>
 #include <qpx/effects.h>
@@ -119,5 +118,3 @@ bool takes(const QPXEffectInfo& effect, const FormatCase& format);
 bool hasMargin(const QPXEffectInfo& effect);
 
 }  // namespace qpx::testing
-
-#endif  // QPX_TESTS_PROPERTIES_EFFECT_RUN_H_

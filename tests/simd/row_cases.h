@@ -1,6 +1,5 @@
 // Every row function in one shape: some input rows, some output rows, a count.
-#ifndef QPX_TESTS_SIMD_ROW_CASES_H_
-#define QPX_TESTS_SIMD_ROW_CASES_H_
+#pragma once
 
 #include <array>
 #include <vector>
@@ -35,5 +34,3 @@ inline uint8_t noise(uint32_t place, uint32_t seed) {
 }
 
 }  // namespace qpx::simd
-
-#endif  // QPX_TESTS_SIMD_ROW_CASES_H_

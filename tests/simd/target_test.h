@@ -1,6 +1,5 @@
 // A test suite that runs once for every vector target this processor has.
-#ifndef QPX_TESTS_SIMD_TARGET_TEST_H_
-#define QPX_TESTS_SIMD_TARGET_TEST_H_
+#pragma once
 
 #include "simd/targets.h"
 
@@ -50,5 +49,3 @@ class TargetTest : public testing::TestWithParam<int64_t> {
   INSTANTIATE_TEST_SUITE_P(Targets, suite, testing::ValuesIn(runnableTargets()), targetCaseName)
 
 }  // namespace qpx::simd
-
-#endif  // QPX_TESTS_SIMD_TARGET_TEST_H_

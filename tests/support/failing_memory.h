@@ -1,5 +1,4 @@
-#ifndef QPX_TESTS_SUPPORT_FAILING_MEMORY_H_
-#define QPX_TESTS_SUPPORT_FAILING_MEMORY_H_
+#pragma once
 
 #include <cstdint>
 
@@ -57,5 +56,3 @@ class FailingMemory {
 };
 
 }  // namespace qpx::testing
-
-#endif  // QPX_TESTS_SUPPORT_FAILING_MEMORY_H_

@@ -1,5 +1,4 @@
-#ifndef QPX_TESTS_SUPPORT_KERNEL_FRAME_H_
-#define QPX_TESTS_SUPPORT_KERNEL_FRAME_H_
+#pragma once
 
 #include <cstring>
 #include <vector>
@@ -70,5 +69,3 @@ uint32_t fieldMask(uint32_t format, int channel);
 int bytesOf(uint32_t format);
 
 }  // namespace qpx::testing
-
-#endif  // QPX_TESTS_SUPPORT_KERNEL_FRAME_H_

@@ -1,5 +1,4 @@
-#ifndef QPX_TESTS_SUPPORT_PICTURE_H_
-#define QPX_TESTS_SUPPORT_PICTURE_H_
+#pragma once
 
 #include <qpx/engine.h>
 
@@ -119,5 +118,3 @@ class Picture {
 };
 
 }  // namespace qpx::testing
-
-#endif  // QPX_TESTS_SUPPORT_PICTURE_H_

@@ -35,7 +35,7 @@ int32_t contrastAboutGrey(int32_t sample, int32_t contrast) {
   return roundSample(127.5 + distance);
 }
 
-// The gain and the offset of a component in the three rows of four that levels are told by.
+// Levels come as a matrix of three rows by four columns: gains on the diagonal, offsets last.
 ToneTable levelsTable(const QPXLevelsParam& levels, int component) {
   const int64_t gain = levels.formula[5 * component];
   const int64_t offset = levels.formula[4 * component + 3];
