@@ -89,7 +89,9 @@ MRect outputRect(Stage& head) {
   out.top = std::max(candidateTop(head), head.lastOutBottom);
   out.bottom =
       head.bandBottom >= head.inHeight ? head.inHeight : head.bandBottom - band.marginBottom;
-  out.left = head.bandLeft + (head.bandLeft != 0 ? band.marginLeft : 0);
+  const int64_t firstColumn = int64_t{head.bandLeft} + (head.bandLeft != 0 ? band.marginLeft : 0);
+  out.left =
+      static_cast<int32_t>(std::min<int64_t>(firstColumn, std::numeric_limits<int32_t>::max()));
   out.right = head.bandRight - (head.bandRight != head.inWidth ? band.marginRight : 0);
   out.bottom = std::max(out.bottom, out.top);
   out.right = std::max(out.right, out.left);

@@ -138,8 +138,8 @@ class ChainRun {
   // repeated: the true ones were never made, and what earlier bands left there must not show.
   void repeatBorderColumns(const QPXBand& next, uint8_t* row) const {
     const int32_t step = head_.pix.bytesPerSample[0];
-    uint8_t* first = row + ptrdiff_t{step} * out_.left;
-    uint8_t* end = row + ptrdiff_t{step} * out_.right;
+    uint8_t* first = advance(row, step, out_.left);
+    uint8_t* end = advance(row, step, out_.right);
     if (out_.left > 0) {
       const ptrdiff_t bytes = ptrdiff_t{step} * next.marginLeft;
       for (ptrdiff_t i = 1; i <= bytes; ++i) first[-i] = first[step - i];

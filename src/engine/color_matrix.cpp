@@ -37,8 +37,7 @@ constexpr MatrixPair kMatrices[4] = {
       1.1689f, -0.2141f, -0.535f, 77.182404f,  //
       1.1689f, 2.1207f, 0.0f, -290.152008f}},
     // BT.709, full range. The forward rows carry no chroma offset although the inverse takes one
-    // off:
-    // hosts have come to rely on these very numbers.
+    // off: hosts have come to rely on these very numbers.
     {{0.2126f, 0.7152f, 0.0722f, 0.0f,       //
       -0.1146f, -0.3854f, 0.5f, 0.0f,        //
       0.5f, -0.4542f, -0.0458f, 0.0f},       //

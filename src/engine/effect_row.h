@@ -31,7 +31,7 @@ struct LayoutKernel {
   Kernel run = nullptr;
 };
 
-// The letter R of kernel names: 24 and 32-bit RGB in either byte order.
+// 24 and 32-bit RGB in either byte order: what kernels named <Effect>_RGB take.
 inline constexpr uint32_t kTakesRgb = QPX_TAKES_RGB24 | QPX_TAKES_RGB32;
 inline constexpr uint32_t kTakesPackedRgb = kTakesRgb | QPX_TAKES_RGB565 | QPX_TAKES_RGB_ANY;
 inline constexpr uint32_t kTakesPlanar = QPX_TAKES_I420 | QPX_TAKES_PLANAR;

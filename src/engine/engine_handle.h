@@ -9,7 +9,7 @@
 struct QPXEngine {
   qpx::Stage* head;  // the first of the array
 
-  qpx::Stage** stages() { return &head; }
+  qpx::Stage** stages() { return reinterpret_cast<qpx::Stage**>(this); }
 };
 
 namespace qpx {

@@ -1,5 +1,6 @@
 #include "engine/plane_flags.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "engine/address.h"
@@ -8,15 +9,19 @@ namespace qpx {
 namespace {
 
 struct Columns {
-  int32_t begin;
-  int32_t end;
+  ptrdiff_t begin;
+  ptrdiff_t end;
 };
 
 // Sample columns of plane p that belong to pixels of `out`, chroma of border blocks included.
-Columns planeColumns(const PixInfo& pix, int p, const MRect& out) {
-  if (p > 0 && isSemiPlanar(pix)) return {out.left & ~1, (out.right + 1) & ~1};
+Columns planeColumns(const Stage& head, int p, const MRect& out) {
+  const PixInfo& pix = head.pix;
+  if (p > 0 && isSemiPlanar(pix)) {
+    // Whole pairs, but never in front of the band, where the plane of a tile may begin.
+    return {std::max(out.left & ~1, head.bandLeft), ptrdiff_t{divideUp(out.right, 2)} * 2};
+  }
   const int32_t across = pix.xSampling[p];
-  return {out.left / across, (out.right + across - 1) / across};
+  return {out.left / across, divideUp(out.right, across)};
 }
 
 template <typename RowAction>
@@ -31,7 +36,7 @@ void forPlaneRows(const Stage& head, int p, const MRect& out, const RowAction& a
 }
 
 void fillPlane(const Stage& head, int p, const MRect& out) {
-  const Columns columns = planeColumns(head.pix, p, out);
+  const Columns columns = planeColumns(head, p, out);
   const ptrdiff_t step = columnStep(head.pix, p);
   const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
   forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t*) {
@@ -40,7 +45,7 @@ void fillPlane(const Stage& head, int p, const MRect& out) {
 }
 
 void copyPlane(const Stage& head, int p, const MRect& out) {
-  const Columns columns = planeColumns(head.pix, p, out);
+  const Columns columns = planeColumns(head, p, out);
   const ptrdiff_t step = columnStep(head.pix, p);
   const size_t bytes = static_cast<size_t>((columns.end - columns.begin) * step);
   forPlaneRows(head, p, out, [&](uint8_t* to, const uint8_t* from) {

@@ -36,6 +36,7 @@ struct Stage : QPXStage {
   uint8_t* record;        // the effect's place in param
   int32_t chainStart;     // first row that the current stream of a chain makes
   bool chainRuns;         // the rows behind chainStart went through all stages
+  uint32_t mergedTraits;  // what the point effects merged into this stage tell its kernel
   bool inputTablesValid;  // input tables still fit the plane pointers of this call
 };
 
@@ -70,6 +71,12 @@ const Record& record(const Stage& stage) {
 template <typename Record>
 Record& editRecord(Stage& stage) {
   return *reinterpret_cast<Record*>(stage.record);
+}
+
+// Samples that `pixels` neighbouring pixels share `divisor` a sample, counting one that is cut off.
+// Pictures may be as wide as 32 bits say, so nothing is added before the division.
+inline int32_t divideUp(int32_t pixels, int32_t divisor) {
+  return pixels / divisor + (pixels % divisor != 0 ? 1 : 0);
 }
 
 // Row of a chroma table for image row y. Tables of a vertical divisor of 2 are indexed by image

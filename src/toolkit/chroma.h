@@ -21,7 +21,7 @@ struct ChromaGrid {
         step(isSemiPlanar(pix) ? 2 : pix.bytesPerSample[1]) {}
 
   // First block whose left edge is at x or behind it.
-  int32_t blockFrom(int32_t x) const { return (x + across - 1) / across; }
+  int32_t blockFrom(int32_t x) const { return divideUp(x, across); }
 
   bool startsRow(int32_t y) const { return y % down == 0; }
 };

@@ -40,6 +40,9 @@ PlanarPicture modelOf(PlanarPicture& source, const PlanarFormat& format, const P
   for (int p = 0; p < planes; ++p) {
     for (int32_t y = rect.top; y < rect.bottom; ++y) {
       for (int32_t x = rect.left; x < rect.right; ++x) {
+        // The first sample of a pair in front of the rectangle may not be the host's to write.
+        const bool pairCut = x % 2 != 0 && x == rect.left;
+        if (p == format.first && p > 0 && pairCut) continue;
         result.sample(p, x, y) = planeModel(source, format, record, p, x, y, kSentinel);
       }
     }

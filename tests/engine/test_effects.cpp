@@ -49,8 +49,9 @@ int32_t weighted(const Frame& frame) {
         int sum = 0;
         for (int dy = -reach.down; dy <= reach.down; ++dy) {
           for (int dx = -reach.across; dx <= reach.across; ++dx) {
-            const ptrdiff_t column = std::clamp(x + dx, 0, last);
-            sum += weightOf(dy, dx) * frame.in[0][y + dy][column * step + c];
+            const int64_t column = std::clamp<int64_t>(int64_t{x} + dx, 0, last);
+            sum +=
+                weightOf(dy, dx) * frame.in[0][y + dy][static_cast<ptrdiff_t>(column) * step + c];
           }
         }
         frame.out[0][y][ptrdiff_t{x} * step + c] = static_cast<uint8_t>(sum);

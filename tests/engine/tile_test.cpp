@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include "engine/pipeline_support.h"
@@ -51,6 +52,25 @@ TEST(Tiles, FirstFinishedPixelOfAStageLandsOnTheFirstOfTheOutput) {
                               MRect{13, 9, 24, 30}, MRect{5, 6, 14, 16}}) {
       const Tile tile = runTile(engine.get(), source, band);
       expectTile(model, tile, tile.rect.left, tile.rect.right, 0);
+    }
+  }
+}
+
+// A tile narrower than the margin at the far right of a very wide picture: its first column with a
+// full neighbourhood lies beyond 32 bits.
+TEST(Tiles, FarColumnsWithMarginsAreEmptyAndNotWrappedRound) {
+  constexpr int32_t kFar = std::numeric_limits<int32_t>::max();
+  for (const std::vector<uint32_t>& chain :
+       {std::vector<uint32_t>{kBox3}, {kBox3, kBox1}, {kTone, kBox3}}) {
+    Picture source = Picture::random(2, 8, 3, 2);
+    Picture result(2, 16, 3);
+    Engine engine(formatOf(3), {kFar, 8}, chain);
+    const QPXPlaneSet in = source.planes(0, 0);
+    const QPXPlaneSet out = result.planes(0, 0);
+    MRect rect = {kFar - 2, 0, kFar, 8};
+    ASSERT_EQ(QPXProcess(engine.get(), &out, &in, &rect), 0);
+    if (chain[0] == kBox3) {
+      EXPECT_GE(rect.left, rect.right);
     }
   }
 }

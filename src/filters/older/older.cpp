@@ -14,7 +14,7 @@ constexpr uint32_t kSupportsAll = kSupportsRgb | kSupportsYuv | kSupportsGrey;
 // picture.
 void resetMosaic(Stage& stage, const QPXBand& band) {
   const int64_t side = band.marginTop;
-  if (side <= 0) return;
+  if (side <= 0 || stage.lut == nullptr) return;
   const int64_t bytes = (side + stage.outWidth) / side * int64_t{4};
   MMemSet(stage.lut, 255, static_cast<size_t>(std::clamp<int64_t>(bytes, 0, stage.lutSize)));
 }

@@ -124,10 +124,10 @@ int32_t applyStageTables(const Frame& frame) {
 
 int32_t applyStageTableToLuma(const Frame& frame) {
   const uint8_t* table = frame.stage.lut;
-  if (table == nullptr || hasThreeTables(frame.stage)) return applyStageTables(frame);
-  const bool negative = table[255] < table[0];
+  const uint32_t traits = frame.stage.mergedTraits;
+  if (table == nullptr || (traits & kChangesHues) != 0) return applyStageTables(frame);
   applyToLumaPlane(frame, table);
-  forEachChromaRow(frame, negative ? simd::rows().complement256 : copyRow);
+  forEachChromaRow(frame, (traits & kComplements) != 0 ? simd::rows().complement256 : copyRow);
   return QPX_OK;
 }
 

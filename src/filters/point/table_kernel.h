@@ -10,9 +10,15 @@ namespace qpx {
 // tables.
 int32_t applyStageTables(const Frame& frame);
 
-// For planar and semi-planar YUV: a single table works on luma alone and chroma is copied. A table
-// that runs downwards makes a negative, whose colours are the complements. Three tables go through
-// RGB.
+// Notes in Stage.mergedTraits that setup leaves for applyStageTableToLuma.
+enum PointTraits : uint32_t {
+  kChangesHues = 1,  // an effect that is not the same on luma as on red, green and blue took part
+  kComplements = 2   // an odd number of negatives took part
+};
+
+// For planar and semi-planar YUV: the table works on luma alone and chroma is copied, or mirrored
+// where the stage makes a negative, whose colours are the complements. A stage that other effects
+// share goes through RGB.
 int32_t applyStageTableToLuma(const Frame& frame);
 
 }  // namespace qpx

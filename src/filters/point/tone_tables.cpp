@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "filters/point/table_kernel.h"
 #include "toolkit/curve.h"
 
 namespace qpx {
@@ -83,12 +84,14 @@ int32_t setUpBrightnessContrast(Stage& stage, QPXBand&) {
 }
 
 int32_t setUpLevels(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   const auto& levels = record<QPXLevelsParam>(stage);
   return composeTables(stage, levelsTable(levels, 0), levelsTable(levels, 1),
                        levelsTable(levels, 2));
 }
 
 int32_t setUpExposure(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   int32_t& factor = editRecord<QPXLevelsParam>(stage).formula[0];
   factor = std::clamp(factor, kLeastExposure, kMostExposure);
   const double gain = static_cast<double>(factor) / kUnityGain;
@@ -99,10 +102,12 @@ int32_t setUpExposure(Stage& stage, QPXBand&) {
 }
 
 int32_t setUpNegative(Stage& stage, QPXBand&) {
+  stage.mergedTraits ^= kComplements;
   return composeTable(stage, tabulate([](int32_t i) { return 255 - i; }));
 }
 
 int32_t setUpChannelOffsets(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   auto& offsets = editRecord<QPXChannelOffsetsParam>(stage);
   const auto shifted = [](int32_t& offset) {
     offset = std::clamp(offset, -255, 255);
@@ -113,10 +118,12 @@ int32_t setUpChannelOffsets(Stage& stage, QPXBand&) {
 
 // A parabola: mid grey becomes white, and what is lighter turns back to black.
 int32_t setUpSolarise(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   return composeTable(stage, tabulate([](int32_t i) { return (4 * i * (255 - i) + 127) / 255; }));
 }
 
 int32_t setUpGamma(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   int32_t& percent = editRecord<QPXGammaParam>(stage).percent;
   percent = percent == 0 ? 100 : std::clamp(percent, 10, 400);
   const double exponent = 100.0 / percent;
@@ -126,16 +133,19 @@ int32_t setUpGamma(Stage& stage, QPXBand&) {
 }
 
 int32_t setUpContrastCurve(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   ToneTable table;
   const int32_t result = drawCurve(kContrast, table);
   return result == QPX_OK ? composeTable(stage, table) : result;
 }
 
 int32_t setUpWarmCurve(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   return composeCurves(stage, kWarmRed, kWarmGreen, kWarmBlue);
 }
 
 int32_t setUpCoolCurve(Stage& stage, QPXBand&) {
+  stage.mergedTraits |= kChangesHues;
   return composeCurves(stage, kCoolRed, kCoolGreen, kCoolBlue);
 }
 
