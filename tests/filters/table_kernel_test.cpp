@@ -240,6 +240,35 @@ TEST_P(YuvTables, TwoNegativesKeepColours) {
       kRects[0], [](int y) { return y; }, [](int c) { return c; });
 }
 
+// A table that other effects share changes hues, whichever effect came last: it is near to what the
+// same table makes of the picture as RGB.
+TEST_P(YuvTables, SharedTableGoesThroughRgbWhateverCameLast) {
+  ASSERT_EQ(frame_.setUp(0x2100), QPX_OK);
+  ASSERT_EQ(frame_.setUp(0x1800), QPX_OK);
+  KernelFrame other(GetParam().format);
+  ASSERT_EQ(other.setUp(0x1800), QPX_OK);
+  ASSERT_EQ(other.setUp(0x1800), QPX_OK);
+  ASSERT_EQ(other.setUp(0x2100), QPX_OK);
+  ASSERT_EQ(other.setUp(0x1F00, QPXChannelOffsetsParam{0, 0, 0}), QPX_OK);
+  Picture solarised(in_);
+  ASSERT_EQ(other.run(in_, solarised, wholeOf(in_)), QPX_OK);
+  Picture merged(in_);
+  ASSERT_EQ(frame_.run(in_, merged, wholeOf(in_)), QPX_OK);
+  // A negative of the solarised picture: every component mirrored, but for rounding and clamping.
+  for (int32_t y = 0; y < in_.height(); ++y) {
+    for (int32_t x = 0; x < in_.width(); ++x) {
+      ASSERT_NEAR(merged.yuv(0, x, y), 255 - solarised.yuv(0, x, y), 2) << x << ", " << y;
+    }
+  }
+}
+
+TEST_P(YuvTables, FlatContrastOfANegativeIsStillANegative) {
+  ASSERT_EQ(frame_.setUp(0x1800), QPX_OK);
+  ASSERT_EQ(frame_.setUp(0x1300, QPXBrightnessContrastParam{0, -128}), QPX_OK);
+  expectComponents(
+      kRects[0], [](int) { return 128; }, [](int c) { return std::min(255, 256 - c); });
+}
+
 TEST_P(YuvTables, LumaTablesMayWorkInPlace) {
   ASSERT_EQ(frame_.setUp(0x1800), QPX_OK);
   Picture apart(in_);
