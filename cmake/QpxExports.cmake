@@ -1,9 +1,10 @@
 # The version script names what the public headers mark QPX_API, so that a declaration is all an export
-# needs. Hidden visibility alone would still let weak symbols of the C++ library out.
+# needs; further names, those of the embedded objects, are given behind the path. Hidden visibility alone
+# would still let weak symbols of the C++ library out.
 function(qpx_write_version_script path)
   file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/qpx/*.h)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${headers})
-  set(names "")
+  set(names ${ARGN})
   foreach(header IN LISTS headers)
     file(READ ${header} text)
     string(REGEX MATCHALL "\nQPX_API [^;(]*\\(" declarations "${text}")

@@ -53,7 +53,8 @@ enum {
   QPX_EFFECT_ROW_THREADS = 0x08,  /* rows may be split among threads */
   QPX_EFFECT_SAME_AREA = 0x10,    /* QPXIsSameInOutArea answers 1 */
   QPX_EFFECT_SECOND_INPUT = 0x20, /* takes a second input and a mask, through QPXMerge */
-  QPX_EFFECT_GENERIC = 0x40       /* one of the oldest effects: has a form for every format */
+  QPX_EFFECT_GENERIC = 0x40,      /* one of the oldest effects: has a form for every format */
+  QPX_EFFECT_ONE_CALL = 0x80      /* works each band by itself: hand the whole picture over at once */
 };
 
 /* How many rows and columns of neighbourhood an effect reads. */
@@ -128,6 +129,21 @@ typedef struct QPXChannelOffsetsParam {
 typedef struct QPXGammaParam {
   int32_t percent; /* 10 ... 400; 100 is neutral, above it midtones are lighter; 0 acts as 100 */
 } QPXGammaParam;
+
+/* 0x8400, dark corner. */
+typedef struct QPXDarkCornerParam {
+  int32_t centerX;   /* pixels from the left, 0 ... 65535; below 0 stands for the middle */
+  int32_t centerY;   /* pixels from the top, likewise */
+  int32_t radius;    /* percent of the way to the farthest corner that stays clear, 0 ... 100; the clear
+                        circle grows in tenths, 0 ... 7 */
+  int32_t intensity; /* percent, -100 ... 100: below 0 corners darken, above 0 they lighten */
+} QPXDarkCornerParam;
+
+/* 0x8600, feather. */
+typedef struct QPXFeatherParam {
+  int32_t radius; /* pixels, 0 ... 100; 0 copies */
+  int32_t unused;
+} QPXFeatherParam;
 
 /* The record that about a hundred looks share, 56 bytes on every target. Each reads only some of
  * the fields: QPX_GetEffectInfo tells which. Hosts clear the record first, so that fields added

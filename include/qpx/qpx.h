@@ -1,12 +1,16 @@
-/* Everything that libqpxengine exports. */
+/* Everything that libqpxengine exports, but for the textures and tables that it carries: they are in
+ * qpx/assets.h, which is generated with the library. */
 #ifndef QPX_QPX_H_
 #define QPX_QPX_H_
 
+#include <qpx/blend.h>
 #include <qpx/curves.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
 #include <qpx/image.h>
+#include <qpx/kernels.h>
 #include <qpx/log.h>
+#include <qpx/png.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
 #include <qpx/types.h>

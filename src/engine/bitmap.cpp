@@ -120,22 +120,25 @@ int32_t UTIL_GetPixelBytesEX(uint32_t format) {
 }
 
 MBitmap* UTIL_MBitmapCreate(int32_t width, int32_t height, uint32_t format) {
+  const bool hasPixels = format != 0;
   const int64_t bits = int64_t{8} * UTIL_GetPixelBytesEX(format);
-  if (width < 1 || height < 1 || bits == 0) return nullptr;
+  const int32_t leastSide = hasPixels ? 1 : 0;
+  if (width < leastSide || height < leastSide || (hasPixels && bits == 0)) return nullptr;
   const int64_t pitch = (width * bits + 31) / 32 * 4;
   if (pitch > INT32_MAX || pitch * height > INT32_MAX) return nullptr;
 
   MBitmap* bitmap = static_cast<MBitmap*>(MMemAlloc(nullptr, sizeof(MBitmap)));
   if (bitmap == nullptr) return nullptr;
+  *bitmap = {format, width, height, {static_cast<int32_t>(pitch), 0, 0}, {}};
+  if (!hasPixels) return bitmap;
+
   const size_t bytes = static_cast<size_t>(pitch * height);
-  uint8_t* pixels = static_cast<uint8_t*>(MMemAlloc(nullptr, bytes));
-  if (pixels == nullptr) {
+  bitmap->plane[0] = static_cast<uint8_t*>(MMemAlloc(nullptr, bytes));
+  if (bitmap->plane[0] == nullptr) {
     MMemFree(nullptr, bitmap);
     return nullptr;
   }
-  MMemSet(pixels, 0, bytes);
-  *bitmap = {
-      format, width, height, {static_cast<int32_t>(pitch), 0, 0}, {pixels, nullptr, nullptr}};
+  MMemSet(bitmap->plane[0], 0, bytes);
   return bitmap;
 }
 

@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "engine/stage.h"
+#include "filters/older/toolkit_effects.h"
+#include "toolkit/dark_corner.h"
 
 namespace qpx {
 namespace {
@@ -306,15 +308,20 @@ constexpr EffectRow kEffects[] = {
     {.id = 0x8400,
      .name = "Fx8400",
      .title = "Dark corner",
-     .summary = "Darkens everything away from a centre.",
+     .summary = "Darkens or lightens everything away from a centre.",
      .formats = QPX_TAKES_RGB32,
-     .record = {.size = 16}},
+     .record = {sizeof(QPXDarkCornerParam), kDarkCornerParams},
+     .setup = setUpDarkCorner,
+     .kernels = {{{QPX_TAKES_RGB32, darkenCorners}}}},
     {.id = 0x8600,
      .name = "Fx8600",
      .title = "Feather",
      .summary = "Softens the border of a mask.",
      .formats = QPX_TAKES_GREY,
-     .record = {.size = 8}},
+     .record = {sizeof(QPXFeatherParam), kFeatherParams},
+     .flags = QPX_EFFECT_ONE_CALL,
+     .setup = setUpFeather,
+     .kernels = {{{QPX_TAKES_GREY, feather}}}},
     {.id = 0x9C00,
      .name = "Fx9C00",
      .title = "Hue band light",
