@@ -203,5 +203,27 @@ TEST_F(ApplyTest, VerboseLinesLookLikeLogcat) {
   EXPECT_NE(result.err.find("out.png: written"), std::string::npos);
 }
 
+TEST_F(ApplyTest, VerboseSaysWhereThreadsAreOfNoUse) {
+  std::string splits, doesNot;
+  for (const QPXEffectInfo& effect : tool::catalogue()) {
+    if (!tool::isBuilt(effect) || effect.recordSize > 64) continue;
+    ((effect.flags & QPX_EFFECT_ROW_THREADS) != 0 ? splits : doesNot) = effect.name;
+  }
+  ASSERT_NE(doesNot, "");
+  const auto said = [&](std::vector<std::string> call) {
+    call.insert(call.begin(), "apply");
+    call.insert(call.end(), {"in.png", "out.png", "--verbose"});
+    const ToolRun result = run(call);
+    EXPECT_EQ(result.status, 0);
+    return result.err.find("cannot be split for " + doesNot) != std::string::npos;
+  };
+  EXPECT_TRUE(said({doesNot, "--threads", "3"}));
+  EXPECT_FALSE(said({doesNot, "--threads", "1"}));
+  EXPECT_FALSE(said({doesNot}));
+  if (!splits.empty()) {
+    EXPECT_FALSE(said({splits, "--threads", "3"}));
+  }
+}
+
 }  // namespace
 }  // namespace qpx::test

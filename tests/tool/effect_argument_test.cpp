@@ -79,6 +79,11 @@ TEST(EffectArgument, RefusesAParameterWithoutAValue) {
   EXPECT_TRUE(says(messageOf("Fx1300:"), {"name=value"}));
 }
 
+TEST(EffectArgument, RefusesAParameterThatIsGivenTwice) {
+  EXPECT_TRUE(says(messageOf("Fx1300:brightness=1,contrast=2,Brightness=1"),
+                   {"Fx1300: brightness is given twice"}));
+}
+
 TEST(EffectArgument, ReadsColorsInEveryForm) {
   EXPECT_EQ(parseColor("#12aBcD"), 0x12ABCDu);
   EXPECT_EQ(parseColor("0x12abcd"), 0x12ABCDu);

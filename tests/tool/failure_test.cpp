@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <filesystem>
 #include <string>
 
 #include "image_files.h"
@@ -99,13 +100,10 @@ class WriteLimit {
   explicit WriteLimit(rlim_t bytes) {
     getrlimit(RLIMIT_FSIZE, &saved_);
     const rlimit limit = {bytes, saved_.rlim_max};
-    signal(SIGXFSZ, SIG_IGN);
+    signal(SIGXFSZ, SIG_DFL);  // as it is where a shell starts the tool
     setrlimit(RLIMIT_FSIZE, &limit);
   }
-  ~WriteLimit() {
-    setrlimit(RLIMIT_FSIZE, &saved_);
-    signal(SIGXFSZ, SIG_DFL);
-  }
+  ~WriteLimit() { setrlimit(RLIMIT_FSIZE, &saved_); }
   WriteLimit(const WriteLimit&) = delete;
   WriteLimit& operator=(const WriteLimit&) = delete;
 
@@ -122,10 +120,11 @@ TEST_F(FailureTest, ADiskThatFillsUpLeavesTheOldFile) {
       const WriteLimit limit(1000);
       result = apply({"Fx1800", "big.png", out});
     }
-    EXPECT_TRUE(failedWith(result, 1, std::string(out) + ": cannot be written (File too large)"));
+    EXPECT_TRUE(
+        failedWith(result, 1, std::string(out) + ": cannot be written (File too large): raise"));
     EXPECT_EQ(read(out), "old");
   }
-  EXPECT_EQ(files(), "big.png in.png out.jpg out.png");
+  EXPECT_EQ(files(), "big.png in.png out.jpg out.png");  // above all no temporary file
 }
 
 TEST_F(FailureTest, WrongCallsSayWhatWouldBeRight) {
@@ -159,9 +158,46 @@ TEST_F(FailureTest, WrongCallsWithAFolder) {
   EXPECT_EQ(files(), "in.png");
 }
 
+TEST_F(FailureTest, AFolderOfOutputsIsNotThatOfTheInputs) {
+  const std::string before = read("in.png");
+  write("in.jpg", "no picture");
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "--out-dir", "."}), 2,
+                         "./in.png: would replace the input in.png"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "./in.jpg", "--out-dir", path("")}), 2,
+                         "would replace the input ./in.jpg"));
+  EXPECT_EQ(read("in.png"), before);
+  EXPECT_EQ(files(), "in.jpg in.png");
+}
+
+TEST_F(FailureTest, SymbolicLinksThatLeadNowhereStay) {
+  std::filesystem::create_symlink("missing", path("dangling.png"));
+  std::filesystem::create_symlink("loop.png", path("loop.png"));
+  for (const char* name : {"dangling.png", "loop.png"}) {
+    EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", name}), 1, "link that leads nowhere"));
+    EXPECT_TRUE(std::filesystem::is_symlink(path(name)));
+  }
+  EXPECT_EQ(files(), "dangling.png in.png loop.png");
+}
+
+TEST_F(FailureTest, EmptyValuesAreRefused) {
+  for (const char* option : {"--mask", "--second", "--format", "--out-dir", "--to"}) {
+    EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.png", option, ""}), 2, option)) << option;
+  }
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "", "o.png"}), 2, "is empty"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", ""}), 2, "is empty"));
+  EXPECT_TRUE(failedWith(run({"sample", ""}), 2, "is empty"));
+  EXPECT_TRUE(failedWith(run({"list", "--family", ""}), 2, "--family"));
+  EXPECT_TRUE(failedWith(run({"list", "--format", ""}), 2, "--format"));
+  EXPECT_TRUE(failedWith(run({"list", ""}), 2, "is empty"));
+  EXPECT_EQ(files(), "in.png");
+}
+
+TEST_F(FailureTest, NamesCannotSteerTheTerminal) {
+  const ToolRun result = apply({"Fx1800", "a\033[2J\nb", "o.png", "--verbose"});
+  EXPECT_TRUE(failedWith(result, 1, "a\\x1b[2J\\x0ab: cannot be read"));
+}
+
 TEST_F(FailureTest, CallsWithoutSense) {
-  EXPECT_TRUE(failedWith(run({}), 2, "qpx --help"));
-  EXPECT_TRUE(failedWith(run({"paint"}), 2, "qpx --help"));
   EXPECT_TRUE(failedWith(run({"apply"}), 2, "qpx apply --help"));
   EXPECT_TRUE(failedWith(run({"sample"}), 2, "qpx sample --help"));
 }

@@ -55,6 +55,38 @@ TEST_F(ListTest, FiltersByFamilyAndFormat) {
   EXPECT_EQ(lines(run({"list", "--format", "YUYV"}).out), 1 + takers);
 }
 
+TEST_F(ListTest, RowsAreSortedByNumber) {
+  const std::string table = run({"list"}).out;
+  unsigned long last = 0;
+  for (size_t start = table.find('\n') + 1; start < table.size();
+       start = table.find('\n', start) + 1) {
+    const unsigned long id = std::stoul(table.substr(start, 10), nullptr, 16);
+    EXPECT_LT(last, id);
+    last = id;
+  }
+  EXPECT_GT(last, 0x1300u);
+}
+
+TEST_F(ListTest, ShowsOnlyWhatIsBuilt) {
+  const std::string table = run({"list", "--built"}).out;
+  size_t built = 0;
+  for (const QPXEffectInfo& effect : tool::catalogue()) {
+    built += tool::isBuilt(effect) ? 1 : 0;
+    EXPECT_EQ(table.find(tool::idText(effect.id) + " ") != std::string::npos, tool::isBuilt(effect))
+        << effect.name;
+  }
+  EXPECT_EQ(lines(table), 1 + built);
+  EXPECT_NE(table.find("BUILT"), std::string::npos);
+}
+
+TEST_F(ListTest, ShowsACallOnlyForWhatIsBuilt) {
+  for (const QPXEffectInfo& effect : tool::catalogue()) {
+    EXPECT_EQ(run({"list", effect.name}).out.find("qpx apply") != std::string::npos,
+              tool::isBuilt(effect))
+        << effect.name;
+  }
+}
+
 TEST_F(ListTest, ShowsOneEffectByNameNumberAndTitle) {
   const std::string details = run({"list", "Fx1300"}).out;
   EXPECT_NE(details.find("0x1300"), std::string::npos);
@@ -84,6 +116,9 @@ TEST_F(ListTest, RefusesWhatIsNotThere) {
   EXPECT_TRUE(failedWith(run({"list", "Fx1301"}), 2, "did you mean Fx1300?"));
   EXPECT_TRUE(failedWith(run({"list", "--family", "pint"}), 2, "did you mean point?"));
   EXPECT_TRUE(failedWith(run({"list", "--format", "rgb"}), 2, "bgr24"));
+  EXPECT_TRUE(failedWith(run({"list", "Fx1300", "--built"}), 2, "NAME or filters"));
+  EXPECT_TRUE(failedWith(run({"list", "Fx1300", "--family", "point"}), 2, "NAME or filters"));
+  EXPECT_TRUE(failedWith(run({"list", "Fx1300", "--format", "bgr24"}), 2, "NAME or filters"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -79,11 +80,19 @@ TEST_F(OutputFileTest, SaysWhatKeptItFromWriting) {
   EXPECT_THROW(OutputFile(path("")), tool::RunError);  // the folder itself
 }
 
+TEST_F(OutputFileTest, APictureDoesNotGoToATerminal) {
+  EXPECT_THROW(tool::refuseTerminal("-", true), tool::UsageError);
+  EXPECT_NO_THROW(tool::refuseTerminal("-", false));
+  EXPECT_NO_THROW(tool::refuseTerminal("a.png", true));
+}
+
 // A child dies of a signal between writing and committing.
 TEST_F(OutputFileTest, SignalsRemoveTheTemporaryFile) {
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT, SIGXCPU, SIGALRM}) {
     const pid_t child = fork();
     if (child == 0) {
+      const rlimit none{};
+      setrlimit(RLIMIT_CORE, &none);
       signal(number, SIG_DFL);
       tool::installSignalCleanup();
       OutputFile file(path("a"));

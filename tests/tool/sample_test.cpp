@@ -57,5 +57,15 @@ TEST_F(SampleTest, RefusesSizesThatAreNone) {
   EXPECT_EQ(files(), "");
 }
 
+TEST_F(SampleTest, RefusesSizesThatTheFileCannotHold) {
+  EXPECT_TRUE(failedWith(run({"sample", "s.jpg", "--size", "70000x10"}), 2, "65500 pixels"));
+  EXPECT_TRUE(failedWith(run({"sample", "s.jpg", "--size", "1x65501"}), 2, "65500 pixels"));
+  EXPECT_TRUE(failedWith(run({"sample", "s.png", "--size", "1000001x1"}), 2, "is no size"));
+  EXPECT_EQ(files(), "");
+  EXPECT_TRUE(succeeded(run({"sample", "s.jpg", "--size", "65500x1"})));
+  EXPECT_TRUE(succeeded(run({"sample", "s.png", "--size", "70000x1"})));
+  EXPECT_TRUE(failedWith(run({"apply", "Fx1800", "s.png", "t.jpg"}), 1, "65500 pixels"));
+}
+
 }  // namespace
 }  // namespace qpx::test

@@ -1,6 +1,7 @@
 #include "console.h"
 
 #include <qpx/log.h>
+#include <sys/ioctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -9,6 +10,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string_view>
+
+#include "text.h"
 
 namespace qpx::tool {
 
@@ -22,6 +26,8 @@ char priorityLetter(int32_t priority) {
   return index >= 0 && index < 5 ? kLetters[static_cast<size_t>(index)] : '?';
 }
 
+const char* clearOfBar() { return isatty(STDERR_FILENO) ? kClearLine : ""; }
+
 // One call of fprintf a line, so that lines of several threads do not mix.
 void printLogLine(void*, int32_t priority, const char* tag, const char* message) {
   timespec now{};
@@ -30,9 +36,12 @@ void printLogLine(void*, int32_t priority, const char* tag, const char* message)
   localtime_r(&now.tv_sec, &local);
   std::array<char, 32> date{};
   std::strftime(date.data(), date.size(), "%m-%d %H:%M:%S", &local);
-  std::fprintf(stderr, "%s.%03ld %5d %5ld %c %-8s: %s\n", date.data(), now.tv_nsec / 1000000,
-               static_cast<int>(getpid()), static_cast<long>(syscall(SYS_gettid)),
-               priorityLetter(priority), tag, message);
+  std::string_view text = message;
+  while (text.ends_with('\n')) text.remove_suffix(1);  // as some messages of the library do
+  std::fprintf(stderr, "%s%s.%03ld %5d %5ld %c %-8s: %s\n", clearOfBar(), date.data(),
+               now.tv_nsec / 1000000, static_cast<int>(getpid()),
+               static_cast<long>(syscall(SYS_gettid)), priorityLetter(priority), tag,
+               printable(text).c_str());
 }
 
 }  // namespace
@@ -49,10 +58,14 @@ std::string bold(const std::string& text, int descriptor) {
   return wantsColor(descriptor) ? "\033[1m" + text + "\033[0m" : text;
 }
 
+int terminalColumns(int descriptor) {
+  winsize size{};
+  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
 void printError(const std::string& text) {
   const char* name = wantsColor(STDERR_FILENO) ? "\033[1;31mqpx:\033[0m" : "qpx:";
-  const char* clear = isatty(STDERR_FILENO) ? "\r\033[K" : "";  // a progress bar may be there
-  std::fprintf(stderr, "%s%s %s\n", clear, name, text.c_str());
+  std::fprintf(stderr, "%s%s %s\n", clearOfBar(), name, printable(text).c_str());
 }
 
 void beVerbose() {

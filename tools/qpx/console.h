@@ -11,7 +11,13 @@ bool wantsColor(int descriptor);
 // `text` in bold where `descriptor` takes colours.
 std::string bold(const std::string& text, int descriptor);
 
-// One line "qpx: text".
+// What takes a progress bar away before something else is written to the terminal.
+inline constexpr char kClearLine[] = "\r\033[K";
+
+// Characters in a line of the terminal behind `descriptor`; 80 where nobody knows.
+int terminalColumns(int descriptor);
+
+// One line "qpx: text". Control characters in it, which file names may hold, are made visible.
 void printError(const std::string& text);
 
 // From now on the library's log and say() go to standard error, each line in the shape of logcat:

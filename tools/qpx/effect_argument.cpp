@@ -146,6 +146,7 @@ EffectCall parseEffect(std::string_view argument) {
   call.effect = &effectByName(argument.substr(0, colon));
   for (const QPXParamInfo& param : paramsOf(*call.effect)) call.values.push_back(param.initial);
   if (colon == std::string_view::npos) return call;
+  std::vector<bool> set(call.values.size());
   for (const std::string& assignment : split(argument.substr(colon + 1), ',')) {
     const size_t equals = assignment.find('=');
     if (equals == std::string::npos) {
@@ -153,6 +154,11 @@ EffectCall parseEffect(std::string_view argument) {
                        "' sets nothing: write parameters as name=value,name=value");
     }
     const size_t index = paramIndex(*call.effect, assignment.substr(0, equals));
+    if (set.at(index)) {
+      throw UsageError(std::string(call.effect->name) + ": " + paramsOf(*call.effect)[index].name +
+                       " is given twice: give it once");
+    }
+    set[index] = true;
     call.values[index] =
         parseValue(*call.effect, paramsOf(*call.effect)[index], assignment.substr(equals + 1));
   }

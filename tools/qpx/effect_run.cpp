@@ -64,19 +64,17 @@ void checkSecond(Chain chain, const RunOptions& options) {
 }
 
 // A neighbour-free effect may be split by rows where the catalogue allows it.
-bool maySplit(Chain chain) {
-  return std::all_of(chain.begin(), chain.end(), [](const EffectCall& call) {
-    const QPXEffectInfo& effect = *call.effect;
-    return (effect.flags & QPX_EFFECT_ROW_THREADS) != 0 && effect.marginRule == QPX_MARGIN_FIXED &&
-           effect.margin == 0;
-  });
+bool maySplit(const EffectCall& call) {
+  const QPXEffectInfo& effect = *call.effect;
+  return (effect.flags & QPX_EFFECT_ROW_THREADS) != 0 && effect.marginRule == QPX_MARGIN_FIXED &&
+         effect.margin == 0;
 }
 
 int threadsFor(Chain chain, const RunOptions& options, const Frame& frame) {
   // Every thread sets up an engine with textures of its own, which a small picture does not pay
   // for.
   constexpr int64_t kWorthwhilePixels = 1 << 19;
-  if (!maySplit(chain)) return 1;
+  if (!std::all_of(chain.begin(), chain.end(), maySplit)) return 1;
   if (options.forceThreads) return options.threads;
   const int64_t pixels = int64_t{frame.width()} * frame.height();
   return static_cast<int>(std::clamp<int64_t>(pixels / kWorthwhilePixels, 1, options.threads));
@@ -202,6 +200,14 @@ const PixelFormat& formatFor(const std::vector<EffectCall>& chain, const RunOpti
   }
   throw UsageError(namesOf(chain) +
                    ": there is no pixel format that all of them run in: apply them one by one");
+}
+
+std::vector<std::string> effectsInOneThread(const std::vector<EffectCall>& chain) {
+  std::vector<std::string> names;
+  for (const EffectCall& call : chain) {
+    if (!maySplit(call)) names.emplace_back(call.effect->name);
+  }
+  return names;
 }
 
 Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "effect_argument.h"
@@ -35,6 +36,9 @@ void checkChain(const std::vector<EffectCall>& chain, const RunOptions& options)
 // The format that a chain runs in: the wanted one, else the first that all effects take.
 const PixelFormat& formatFor(const std::vector<EffectCall>& chain, const RunOptions& options,
                              bool alpha);
+
+// The effects of a chain whose rows cannot be split among threads, by name.
+std::vector<std::string> effectsInOneThread(const std::vector<EffectCall>& chain);
 
 // Throws RunError. Exif data and profile stay.
 Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <thread>
 
 #include "errors.h"
@@ -110,7 +111,8 @@ int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t s
     const int32_t code = feed(handle.engine(), finished, rect);
     if (code != QPX_OK) return code;
     if (rect.top < rect.bottom) finished = rect.bottom;
-    progress.advance(steps * (end - y) / in_.height());
+    // As a difference, so that narrow bands are not all rounded to nothing.
+    progress.advance(steps * end / in_.height() - steps * y / in_.height());
     y = end;
   }
   if (finished == bottom) return QPX_OK;
@@ -133,6 +135,8 @@ int32_t EnginePass::run(int32_t band, int threads, int64_t steps, Progress& prog
       try {
         const int32_t code = runRows(top, std::min(next, height), band, steps, progress);
         if (code != QPX_OK) worst = code;
+      } catch (const std::bad_alloc&) {
+        worst = QPX_NO_MEMORY;
       } catch (const std::exception&) {
         worst = QPX_BAD_PARAM;  // an exception must not leave a thread
       }

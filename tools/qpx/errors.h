@@ -1,4 +1,4 @@
-// The two ways in which a run of the tool fails, told apart by its exit status.
+// The two ways in which a run of the tool fails; its exit status says which.
 #pragma once
 
 #include <stdexcept>

@@ -67,17 +67,17 @@ std::vector<uint8_t> readAll(const std::string& path) {
   }
 }
 
-Picture decode(const std::vector<uint8_t>& file) {
+Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
   constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
   if (file.empty()) throw RunError("is empty: use a JPEG or PNG picture");
   if (file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF) {
-    return decodeJpeg(file);
+    return decodeJpeg(file, share);
   }
   // A file cut within the signature is a PNG that ends too early, not something else.
   const size_t known = std::min(file.size(), kPngSignature.size());
   if (known >= 4 &&
       std::equal(kPngSignature.begin(), kPngSignature.begin() + known, file.begin())) {
-    return decodePng(file);
+    return decodePng(file, share);
   }
   throw RunError("is neither JPEG nor PNG: convert it to one of them first");
 }
@@ -100,9 +100,9 @@ std::optional<FileKind> kindByName(const std::string& path) {
   return std::nullopt;
 }
 
-Picture readPicture(const std::string& path) {
+Picture readPicture(const std::string& path, ProgressShare share) {
   try {
-    Picture picture = decode(readAll(path));
+    Picture picture = decode(readAll(path), share);
     if (!isRgbProfile(picture.icc)) picture.icc.clear();
     const int orientation = exifOrientation(picture.exif);
     picture = turned(std::move(picture), orientation);
@@ -115,13 +115,25 @@ Picture readPicture(const std::string& path) {
   }
 }
 
-void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality) {
+std::string sizeProblem(FileKind kind, int32_t width, int32_t height) {
+  const bool jpeg = kind == FileKind::jpeg;
+  const int32_t most = jpeg ? kMaxJpegSide : kMaxPngSide;
+  if (width <= most && height <= most) return {};
+  return std::to_string(width) + "x" + std::to_string(height) + " is wider or higher than the " +
+         std::to_string(most) + " pixels of a " +
+         (jpeg ? "JPEG: write a PNG instead" : "PNG: use a smaller picture");
+}
+
+void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality,
+                  ProgressShare share) {
+  const std::string problem = sizeProblem(kind, picture.width(), picture.height());
+  if (!problem.empty()) throw RunError(displayName(path, false) + ": " + problem);
   OutputFile out(path);
   try {
     if (kind == FileKind::jpeg) {
-      encodeJpeg(picture, quality, out);
+      encodeJpeg(picture, quality, out, share);
     } else {
-      encodePng(picture, out);
+      encodePng(picture, out, share);
     }
   } catch (const RunError& error) {
     // What stopped the encoder may be the disk, and then commit() says so better.

@@ -1,22 +1,32 @@
 // Pictures in and out: JPEG and PNG, from files, standard input and to files, standard output.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 
 #include "picture.h"
+#include "progress.h"
 
 namespace qpx::tool {
 
 // Reads a whole picture; "-" is standard input. The format goes by content. Pixels are turned
 // upright by the Exif orientation, and the Exif data is made to say so. Grey, palette, 16-bit and
 // CMYK pictures become RGB of 8 bits. Throws RunError, which names the file and says what to do.
-Picture readPicture(const std::string& path);
+Picture readPicture(const std::string& path, ProgressShare share = {});
 
 // Writes a whole picture or nothing. JPEG: 4:4:4, transparency laid on white, Exif and profile as
-// segments. PNG: 8 bits, Exif and profile as chunks. Throws RunError.
-void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality);
+// segments. PNG: 8 bits, Exif and profile as chunks. Both state the density. Throws RunError.
+void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality,
+                  ProgressShare share = {});
+
+// The longest side of a picture: that of the codec, or for PNG one that readers still take.
+constexpr int32_t kMaxJpegSide = 65500;
+constexpr int32_t kMaxPngSide = 1000000;
+
+// What is wrong with writing a picture of this size; empty where nothing is.
+std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
 
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);

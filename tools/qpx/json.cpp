@@ -10,23 +10,6 @@ namespace qpx::tool {
 
 namespace {
 
-// Bytes of the UTF-8 sequence at the start of `text`, or 0 where there is none.
-size_t sequenceLength(std::string_view text) {
-  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return 1;
-  const size_t length = lead >= 0xF0 ? 4 : (lead >= 0xE0 ? 3 : 2);
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-  for (size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  // Overlong forms, surrogates and what lies beyond Unicode.
-  const unsigned char next = byte(1);
-  if ((lead == 0xE0 && next < 0xA0) || (lead == 0xED && next > 0x9F)) return 0;
-  if ((lead == 0xF0 && next < 0x90) || (lead == 0xF4 && next > 0x8F)) return 0;
-  return length;
-}
-
 std::string escaped(char c) {
   switch (c) {
     case '"':

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "catalogue.h"
+#include "command_line.h"
 #include "commands.h"
 #include "console.h"
 #include "errors.h"
@@ -24,6 +25,7 @@ struct ListArguments {
   std::string name;
   std::string family;
   std::string format;
+  bool built = false;
   bool json = false;
 };
 
@@ -92,7 +94,13 @@ std::string shortFormats(const QPXEffectInfo& effect) {
 }
 
 std::vector<const QPXEffectInfo*> selected(const ListArguments& arguments) {
-  if (!arguments.name.empty()) return {&effectByName(arguments.name)};
+  if (!arguments.name.empty()) {
+    if (!arguments.family.empty() || !arguments.format.empty() || arguments.built) {
+      throw UsageError("list takes a NAME or filters, not both: leave " + arguments.name +
+                       " out, or --family, --format and --built");
+    }
+    return {&effectByName(arguments.name)};
+  }
   const std::vector<std::string> families = familyNames();
   const bool known = std::any_of(families.begin(), families.end(), [&](const std::string& family) {
     return sameName(family, arguments.family);
@@ -108,8 +116,11 @@ std::vector<const QPXEffectInfo*> selected(const ListArguments& arguments) {
   for (const QPXEffectInfo& effect : catalogue()) {
     if (!arguments.family.empty() && !sameName(effect.family, arguments.family)) continue;
     if (format && !takes(effect, *format)) continue;
+    if (arguments.built && !isBuilt(effect)) continue;
     effects.push_back(&effect);
   }
+  std::sort(effects.begin(), effects.end(),
+            [](const QPXEffectInfo* a, const QPXEffectInfo* b) { return a->id < b->id; });
   return effects;
 }
 
@@ -120,11 +131,11 @@ void printTable(const std::vector<const QPXEffectInfo*>& effects) {
     title = std::max(title, static_cast<int>(std::string_view(effect->title).size()));
   }
   std::array<char, 200> heading{};
-  std::snprintf(heading.data(), heading.size(), "%-8s %-*s %-*s %-5s %s", "ID", name, "NAME", title,
-                "TITLE", "BUILT", "FORMATS");
+  std::snprintf(heading.data(), heading.size(), "%-10s %-*s %-*s %-5s %s", "ID", name, "NAME",
+                title, "TITLE", "BUILT", "FORMATS");
   std::printf("%s\n", bold(heading.data(), STDOUT_FILENO).c_str());
   for (const QPXEffectInfo* effect : effects) {
-    std::printf("%-8s %-*s %-*s %-5s %s\n", idText(effect->id).c_str(), name, effect->name, title,
+    std::printf("%-10s %-*s %-*s %-5s %s\n", idText(effect->id).c_str(), name, effect->name, title,
                 effect->title, isBuilt(*effect) ? "yes" : "no", shortFormats(*effect).c_str());
   }
 }
@@ -154,6 +165,7 @@ void printDetails(const QPXEffectInfo& effect) {
     if ((effect.flags & flag.flag) != 0) std::printf("  also         %s\n", flag.meaning);
   }
   printParams(effect);
+  if (!isBuilt(effect)) return;
   std::string call = effect.name;
   char separator = ':';
   for (const QPXParamInfo& param : paramsOf(effect)) {
@@ -220,14 +232,18 @@ void list(const ListArguments& arguments) {
 void addListCommand(CLI::App& app) {
   const auto arguments = std::make_shared<ListArguments>();
   CLI::App* command = app.add_subcommand("list", "Show the effects, or one of them in detail");
-  command->add_option("NAME", arguments->name, "An effect by name, number (0x1300) or title");
-  command->add_option("--family", arguments->family, "Only effects of this family");
-  command->add_option("--format", arguments->format, "Only effects that run in this pixel format");
+  command->add_option("NAME", arguments->name, "An effect by name, number (0x1300) or title")
+      ->check(notEmpty());
+  command->add_option("--family", arguments->family, "Only effects of this family")
+      ->check(notEmpty());
+  command->add_option("--format", arguments->format, "Only effects that run in this pixel format")
+      ->check(notEmpty());
+  command->add_flag("--built", arguments->built, "Only effects that this library can run");
   command->add_flag("--json", arguments->json,
                     "For programs: an array of effects, or one effect with NAME");
   command->footer(
       "Examples:\n"
-      "  qpx list --format nv21\n"
+      "  qpx list --format nv21 --built\n"
       "  qpx list 0x1300\n"
       "  qpx list --json | python3 -m json.tool");
   command->callback([arguments] { list(*arguments); });

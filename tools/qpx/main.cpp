@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <new>
 #include <string>
+#include <vector>
 
+#include "command_line.h"
 #include "commands.h"
 #include "console.h"
 #include "errors.h"
@@ -27,16 +29,18 @@ std::string helpCall(const CLI::App& app) {
   return used.empty() ? "qpx --help" : "qpx " + used.front()->get_name() + " --help";
 }
 
-int run(CLI::App& app, int argc, char** argv) {
+int run(CLI::App& app, const std::vector<std::string>& words) {
   try {
-    app.parse(argc, argv);
+    checkSubcommand(app, words);
+    // The parser takes words from the back.
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     return kExitDone;
   } catch (const CLI::RuntimeError& error) {
     return error.get_exit_code();
   } catch (const CLI::ParseError& error) {
     // Help and version come as errors too, with a status of 0.
     if (error.get_exit_code() == 0) return app.exit(error);
-    printError(std::string(error.what()) + ": see '" + helpCall(app) + "'");
+    printError(error.what() + fileHint(words) + ": see '" + helpCall(app) + "'");
     return kExitWrongCall;
   } catch (const UsageError& error) {
     printError(error.what());
@@ -61,9 +65,14 @@ int main(int argc, char** argv) {
       "Exit status: 0 done, 1 a run failed, 2 a wrong call.\n\n"
       "Example:\n"
       "  qpx sample scene.png\n"
-      "  qpx apply Sepia scene.png sepia.jpg");
+      "  qpx apply Fx4800 scene.png warm.jpg");
   addApplyCommand(app);
   addListCommand(app);
   addSampleCommand(app);
-  return run(app, argc, argv);
+  const std::vector<std::string> words = wordsOf(argc, argv);
+  if (words.empty()) {
+    std::fputs(app.help().c_str(), stderr);
+    return kExitWrongCall;
+  }
+  return run(app, words);
 }

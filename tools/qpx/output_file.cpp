@@ -31,7 +31,7 @@ constexpr size_t kSlots = 256;
 std::array<Slot, kSlots> gSlots;
 static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler reads these");
 
-constexpr std::array kFatalSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr std::array kFatalSignals = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT, SIGXCPU, SIGALRM};
 
 void removeAndDie(int number) {
   for (const Slot& slot : gSlots) {
@@ -74,13 +74,23 @@ std::string folderOf(const std::string& path) {
 
 [[noreturn]] void fail(const std::string& path, int error) {
   const std::string name = path == "-" ? "standard output" : path;
-  throw RunError(name + ": cannot be written (" + std::strerror(error) +
-                 "): choose a place that can be written and has room");
+  throw RunError(name + ": cannot be written (" + std::strerror(error) + "): " +
+                 (error == EFBIG ? "raise the limit on file sizes (ulimit -f)"
+                                 : "choose a place that can be written and has room"));
 }
 
 }  // namespace
 
+void refuseTerminal(const std::string& path, bool terminal) {
+  if (path != "-" || !terminal) return;
+  throw UsageError(
+      "standard output is a terminal, which cannot show a picture: send it to a file or a program, "
+      "as in '... - > out.png'");
+}
+
 void installSignalCleanup() {
+  // Beyond the limit on file sizes a write fails all the same, and says why.
+  signal(SIGXFSZ, SIG_IGN);
   for (const int number : kFatalSignals) {
     struct sigaction action {};
     if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
@@ -107,7 +117,13 @@ OutputFile::OutputFile(const std::string& path) : path_(path), target_(path) {
   }
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr),
                                                          std::free);
-  if (real) target_ = real.get();
+  const int error = errno;
+  if (real) {
+    target_ = real.get();
+  } else if (lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) {
+    if (error != ENOENT && error != ELOOP) fail(path, error);
+    throw RunError(path + ": is a symbolic link that leads nowhere: remove it or mend its target");
+  }
   // Replacing a file needs no right to write it, but someone who took that right away meant it.
   if (real && access(target_.c_str(), W_OK) != 0) fail(path, errno);
   openTemporary();

@@ -8,9 +8,9 @@
 namespace qpx::tool {
 
 // Writes beside the wanted file and renames over it in commit(). Without a commit nothing is left
-// behind, not even after SIGINT, SIGTERM, SIGHUP or SIGPIPE. "-" is standard output; devices, pipes
-// and the like are written straight, since a rename would replace them. A symbolic link keeps
-// pointing where it did.
+// behind, not even after a signal that asks the process to end. "-" is standard output; devices,
+// pipes and the like are written straight, since a rename would replace them. A symbolic link keeps
+// pointing where it did, and one that leads nowhere is refused.
 class OutputFile {
  public:
   // Throws RunError when nothing can be written there.
@@ -39,7 +39,12 @@ class OutputFile {
   int error_ = 0;
 };
 
-// Makes the signals above remove temporary files before they end the process. Call once, early.
+// Throws UsageError when a picture would go to a terminal: `terminal` says that standard output is
+// one.
+void refuseTerminal(const std::string& path, bool terminal);
+
+// Makes signals remove temporary files before they end the process, and a limit on file sizes an
+// error of write() rather than a signal. Call once, early.
 void installSignalCleanup();
 
 }  // namespace qpx::tool

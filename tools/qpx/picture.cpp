@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "errors.h"
 
@@ -137,12 +138,27 @@ Picture::Picture(int32_t width, int32_t height, int channels)
       static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(channels));
 }
 
+Density inUnit(const Density& density, Density::Unit unit) {
+  const auto perMetre = [](Density::Unit of) {
+    constexpr double kInches = 1 / 0.0254;
+    return of == Density::Unit::inch ? kInches : (of == Density::Unit::centimetre ? 100.0 : 1.0);
+  };
+  if (density.unit == Density::Unit::unknown || density.unit == unit) return density;
+  const double factor = perMetre(density.unit) / perMetre(unit);
+  const auto scaledSide = [factor](uint32_t side) {
+    constexpr double kMost = std::numeric_limits<int32_t>::max();
+    return static_cast<uint32_t>(std::min(std::round(side * factor), kMost));
+  };
+  return {unit, scaledSide(density.across), scaledSide(density.down)};
+}
+
 Picture copyOf(const Picture& picture) {
   Picture copy(picture.width(), picture.height(), picture.channels());
   std::copy_n(picture.row(0), picture.pitch() * picture.height(), copy.row(0));
   copy.kind = picture.kind;
   copy.exif = picture.exif;
   copy.icc = picture.icc;
+  copy.density = picture.density;
   return copy;
 }
 
@@ -159,6 +175,8 @@ Picture turned(Picture picture, int orientation) {
   result.kind = picture.kind;
   result.exif = std::move(picture.exif);
   result.icc = std::move(picture.icc);
+  result.density = picture.density;
+  if (onItsSide) std::swap(result.density.across, result.density.down);
   return result;
 }
 
@@ -178,10 +196,7 @@ Picture maskOf(const Picture& picture) {
     const uint8_t* in = picture.row(y);
     uint8_t* out = mask.row(y);
     for (int32_t x = 0; x < picture.width(); ++x, in += channels) {
-      out[x] =
-          transparent
-              ? in[3]
-              : static_cast<uint8_t>((in[0] * 19595 + in[1] * 38470 + in[2] * 7471 + 32768) >> 16);
+      out[x] = transparent ? in[3] : lumaOf(in);
     }
   }
   return mask;

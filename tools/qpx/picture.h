@@ -14,6 +14,18 @@ constexpr int64_t kMaxPixels = int64_t{512} << 20;
 
 enum class FileKind { jpeg, png };
 
+// Pixels for each unit of length, as files state it. Where the unit is unknown only the ratio of
+// the two counts.
+struct Density {
+  enum class Unit { unknown, inch, centimetre, metre };
+  Unit unit = Unit::unknown;
+  uint32_t across = 0;  // 0: nothing is stated
+  uint32_t down = 0;
+};
+
+// In another unit, rounded. A density of unknown unit stays as it is.
+Density inUnit(const Density& density, Density::Unit unit);
+
 // Interleaved samples of 8 bits: 1 (grey), 3 (R, G, B) or 4 (R, G, B, A, not multiplied) a pixel.
 class Picture {
  public:
@@ -33,6 +45,7 @@ class Picture {
   FileKind kind = FileKind::png;  // of the file it came from
   std::vector<uint8_t> exif;      // TIFF data, as behind the prefix of a JPEG segment
   std::vector<uint8_t> icc;       // colour profile, for RGB only
+  Density density;
 
  private:
   int32_t width_ = 0;
@@ -53,6 +66,11 @@ Picture turned(Picture picture, int orientation);
 
 // Scaled to another size with a triangle filter that widens when it shrinks.
 Picture scaled(const Picture& picture, int32_t width, int32_t height);
+
+// Luma of BT.601 with 16 fractional bits; the coefficients add up to 65536.
+inline uint8_t lumaOf(const uint8_t* rgb) {
+  return static_cast<uint8_t>((rgb[0] * 19595 + rgb[1] * 38470 + rgb[2] * 7471 + 32768) >> 16);
+}
 
 // One channel that says how much of an effect shows: the alpha where the picture has any
 // transparency, else its luma.

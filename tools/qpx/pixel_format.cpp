@@ -134,15 +134,11 @@ Components componentsOf(const Frame& frame) {
   }
 }
 
-// Coefficients with 16 fractional bits; those of luma add up to 65536, those of chroma to 0.
-uint8_t lumaOf(const uint8_t* rgb) {
-  return static_cast<uint8_t>((rgb[0] * 19595 + rgb[1] * 38470 + rgb[2] * 7471 + 32768) >> 16);
-}
-
 struct ColorSum {
   int64_t red = 0, green = 0, blue = 0, count = 0;
 };
 
+// Coefficients with 16 fractional bits, as those of luma; they add up to 0.
 uint8_t chromaOf(int64_t weighted, int64_t count) {
   const int64_t one = count << 16;
   return static_cast<uint8_t>(std::min<int64_t>((weighted + 128 * one + one / 2) / one, 255));

@@ -8,6 +8,7 @@
 
 #include "codecs.h"
 #include "errors.h"
+#include "image_file.h"
 
 namespace qpx::tool {
 
@@ -39,7 +40,6 @@ void readBytes(png_structp png, png_bytep to, size_t count) {
   source->rest = source->rest.subspan(count);
 }
 
-constexpr uint32_t kMaxSide = 1000000;
 constexpr size_t kMaxChunk = size_t{64} << 20;
 
 class Decoder {
@@ -56,7 +56,7 @@ class Decoder {
   bool readHeader() {
     if (setjmp(handler_.jump)) return false;
     png_set_read_fn(png_, &source_, readBytes);
-    png_set_user_limits(png_, kMaxSide, kMaxSide);
+    png_set_user_limits(png_, kMaxPngSide, kMaxPngSide);
     png_set_chunk_malloc_max(png_, kMaxChunk);
     png_read_info(png_, info_);
     const bool keyed = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
@@ -95,6 +95,17 @@ class Decoder {
     return true;
   }
 
+  bool readDensity(Density& density) {
+    if (setjmp(handler_.jump)) return false;
+    png_uint_32 across = 0, down = 0;
+    int unit = 0;
+    if (png_get_pHYs(png_, info_, &across, &down, &unit) == 0) return true;
+    if (across == 0 || down == 0) return true;
+    const bool metre = unit == PNG_RESOLUTION_METER;
+    density = {metre ? Density::Unit::metre : Density::Unit::unknown, across, down};
+    return true;
+  }
+
   uint32_t width() const { return png_get_image_width(png_, info_); }
   uint32_t height() const { return png_get_image_height(png_, info_); }
   size_t rowBytes() const { return png_get_rowbytes(png_, info_); }
@@ -123,6 +134,7 @@ void readMetadata(Decoder& decoder, Picture& picture) {
   if (count > 0) picture.exif.assign(bytes, bytes + count);
   if (!decoder.readProfile(&bytes, &count)) failDecoding(decoder);
   if (count > 0) picture.icc.assign(bytes, bytes + count);
+  if (!decoder.readDensity(picture.density)) failDecoding(decoder);
 }
 
 void writeBytes(png_structp png, png_bytep bytes, size_t count) {
@@ -144,7 +156,7 @@ class Encoder {
   Encoder(const Encoder&) = delete;
   Encoder& operator=(const Encoder&) = delete;
 
-  bool start(const Picture& picture) {
+  bool start(const Picture& picture, const Density& density) {
     if (setjmp(handler_.jump)) return false;
     png_set_write_fn(png_, out_, writeBytes, flushNothing);
     png_set_user_limits(png_, 0x7FFFFFFF, 0x7FFFFFFF);
@@ -163,6 +175,11 @@ class Encoder {
       png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(picture.exif.size()),
                      const_cast<png_bytep>(picture.exif.data()));
     }
+    if (density.across > 0 && density.down > 0) {
+      png_set_pHYs(
+          png_, info_, density.across, density.down,
+          density.unit == Density::Unit::metre ? PNG_RESOLUTION_METER : PNG_RESOLUTION_UNKNOWN);
+    }
     // Against the default of 6: photographs grow by 1 to 5 %, in little over half the time.
     png_set_compression_level(png_, 4);
     png_write_info(png_, info_);
@@ -177,7 +194,8 @@ class Encoder {
 
   bool finish() {
     if (setjmp(handler_.jump)) return false;
-    png_write_end(png_, info_);
+    // With the info again, libpng would write the Exif chunk a second time.
+    png_write_end(png_, nullptr);
     return true;
   }
 
@@ -197,7 +215,7 @@ bool isRgbProfile(std::span<const uint8_t> icc) {
   return icc.size() >= kHeaderSize && std::memcmp(icc.data() + kColourSpace, "RGB ", 4) == 0;
 }
 
-Picture decodePng(std::span<const uint8_t> file) {
+Picture decodePng(std::span<const uint8_t> file, ProgressShare& share) {
   const auto decoder = std::make_unique<Decoder>(file);
   if (!decoder->readHeader()) failDecoding(*decoder);
   Picture picture(static_cast<int32_t>(decoder->width()), static_cast<int32_t>(decoder->height()),
@@ -206,9 +224,11 @@ Picture decodePng(std::span<const uint8_t> file) {
   if (decoder->rowBytes() != static_cast<size_t>(picture.pitch())) {
     throw RunError("has a pixel layout that qpx does not know: save it as RGB or RGBA");
   }
+  share.expect(int64_t{picture.height()} * decoder->passes());
   for (int pass = 0; pass < decoder->passes(); ++pass) {
     for (int32_t y = 0; y < picture.height(); ++y) {
       if (!decoder->readRow(picture.row(y))) failDecoding(*decoder);
+      share.advance();
     }
   }
   if (!decoder->finish()) failDecoding(*decoder);
@@ -216,10 +236,14 @@ Picture decodePng(std::span<const uint8_t> file) {
   return picture;
 }
 
-void encodePng(const Picture& picture, OutputFile& out) {
+void encodePng(const Picture& picture, OutputFile& out, ProgressShare& share) {
   const auto encoder = std::make_unique<Encoder>(out);
-  bool good = encoder->start(picture);
-  for (int32_t y = 0; good && y < picture.height(); ++y) good = encoder->writeRow(picture.row(y));
+  bool good = encoder->start(picture, inUnit(picture.density, Density::Unit::metre));
+  share.expect(picture.height());
+  for (int32_t y = 0; good && y < picture.height(); ++y) {
+    good = encoder->writeRow(picture.row(y));
+    share.advance();
+  }
   if (!good || !encoder->finish()) {
     throw RunError(std::string("cannot be written as PNG (") + encoder->message() +
                    "): choose another place or a smaller picture");

@@ -5,13 +5,29 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <utility>
 
 #include "console.h"
+#include "text.h"
 
 namespace qpx::tool {
 
-Progress::Progress(std::string label, int64_t steps) : label_(std::move(label)), steps_(steps) {
+std::string progressLine(int64_t done, int64_t steps, const std::string& label, int columns,
+                         bool color) {
+  constexpr int kFrame = 7;  // brackets and " 100%"
+  const int width = std::clamp(columns - kFrame, 0, 30);
+  done = std::clamp<int64_t>(done, 0, steps);
+  const auto filled = static_cast<size_t>(steps > 0 ? done * width / steps : 0);
+  const auto percent = static_cast<int>(steps > 0 ? done * 100 / steps : 0);
+  std::string line = color ? "[\033[32m" : "[";
+  line += std::string(filled, '#') + std::string(static_cast<size_t>(width) - filled, '.');
+  line += color ? "\033[0m]" : "]";
+  const std::string number = std::to_string(percent);
+  line += std::string(4 - number.size(), ' ') + number + "%";
+  const int left = columns - kFrame - width - 1;
+  return left > 0 ? line + " " + fitted(label, static_cast<size_t>(left)) : line;
+}
+
+Progress::Progress(std::string label, int64_t steps) : label_(printable(label)), steps_(steps) {
   if (isatty(STDERR_FILENO)) ticker_ = std::thread(&Progress::run, this);
 }
 
@@ -34,19 +50,13 @@ void Progress::run() {
   do {
     draw();
   } while (!wake_.wait_for(lock, 200ms, [this] { return stopping_; }));
-  std::fputs("\r\033[K", stderr);
+  std::fputs(kClearLine, stderr);
 }
 
 void Progress::draw() const {
-  constexpr int kWidth = 30;
-  const int64_t done = std::clamp<int64_t>(done_, 0, steps_);
-  const int filled = steps_ > 0 ? static_cast<int>(done * kWidth / steps_) : 0;
-  const std::string bar = std::string(static_cast<size_t>(filled), '#') +
-                          std::string(static_cast<size_t>(kWidth - filled), '.');
-  const int percent = steps_ > 0 ? static_cast<int>(done * 100 / steps_) : 0;
-  const bool color = wantsColor(STDERR_FILENO);
-  std::fprintf(stderr, "\r\033[K[%s%s%s] %3d%% %s", color ? "\033[32m" : "", bar.c_str(),
-               color ? "\033[0m" : "", percent, label_.c_str());
+  const std::string line = progressLine(done_, steps_, label_, terminalColumns(STDERR_FILENO),
+                                        wantsColor(STDERR_FILENO));
+  std::fprintf(stderr, "%s%s", kClearLine, line.c_str());
   std::fflush(stderr);
 }
 

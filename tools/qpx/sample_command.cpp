@@ -1,12 +1,17 @@
 // qpx sample: a picture to try effects on.
+#include <unistd.h>
+
 #include <cstdint>
 #include <memory>
 #include <string>
 
+#include "command_line.h"
 #include "commands.h"
 #include "errors.h"
 #include "image_file.h"
+#include "output_file.h"
 #include "picture.h"
+#include "progress.h"
 #include "sample_scene.h"
 #include "text.h"
 
@@ -30,8 +35,8 @@ Size parseSize(const std::string& text) {
   const std::vector<std::string> sides = split(lowerCase(text), 'x');
   if (sides.size() == 2) {
     const std::optional<int64_t> width = parseInteger(sides[0]), height = parseInteger(sides[1]);
-    if (width && height && *width >= 1 && *height >= 1 && *width <= 1000000 && *height <= 1000000 &&
-        *width * *height <= kMaxPixels) {
+    if (width && height && *width >= 1 && *height >= 1 && *width <= kMaxPngSide &&
+        *height <= kMaxPngSide && *width * *height <= kMaxPixels) {
       return {static_cast<int32_t>(*width), static_cast<int32_t>(*height)};
     }
   }
@@ -50,8 +55,14 @@ FileKind kindFor(const SampleArguments& arguments) {
 void sample(const SampleArguments& arguments) {
   const Size size = parseSize(arguments.size);
   const FileKind kind = kindFor(arguments);
-  writePicture(drawSampleScene(size.width, size.height, arguments.seed), arguments.out, kind,
-               arguments.quality);
+  const std::string problem = sizeProblem(kind, size.width, size.height);
+  if (!problem.empty()) throw UsageError(displayName(arguments.out, false) + ": " + problem);
+  refuseTerminal(arguments.out, isatty(STDOUT_FILENO) != 0);
+  // A row takes about a quarter of the time to write that it takes to draw.
+  const int64_t writeSteps = size.height / 4 + 1;
+  Progress progress(displayName(arguments.out, false), size.height + writeSteps);
+  const Picture scene = drawSampleScene(size.width, size.height, arguments.seed, progress);
+  writePicture(scene, arguments.out, kind, arguments.quality, {progress, writeSteps});
 }
 
 }  // namespace
@@ -60,8 +71,11 @@ void addSampleCommand(CLI::App& app) {
   const auto arguments = std::make_shared<SampleArguments>();
   CLI::App* command = app.add_subcommand(
       "sample", "Draw a picture to judge effects by: sky, foliage, skin, colour chart, fine lines");
-  command->add_option("OUT", arguments->out, "JPEG or PNG; '-' is standard output")->required();
+  command->add_option("OUT", arguments->out, "JPEG or PNG; '-' is standard output")
+      ->required()
+      ->check(notEmpty());
   command->add_option("--size", arguments->size, "Width and height (default 1280x960)")
+      ->check(notEmpty())
       ->type_name("WxH");
   command->add_option("--seed", arguments->seed, "Another seed, other clouds and leaves");
   command->add_option("--to", arguments->to, "Output format, whatever the name says")

@@ -147,7 +147,7 @@ void drawRow(Picture& picture, int32_t y, const Extent& extent, uint32_t seed) {
 
 }  // namespace
 
-Picture drawSampleScene(int32_t width, int32_t height, uint32_t seed) {
+Picture drawSampleScene(int32_t width, int32_t height, uint32_t seed, Progress& progress) {
   Picture picture(width, height, 3);
   const auto shorter = static_cast<float>(std::min(width, height));
   const Extent extent = {static_cast<float>(width) / shorter, static_cast<float>(height) / shorter,
@@ -157,7 +157,10 @@ Picture drawSampleScene(int32_t width, int32_t height, uint32_t seed) {
   std::vector<std::jthread> workers;
   for (int32_t t = 0; t < threads; ++t) {
     workers.emplace_back([&, t] {
-      for (int32_t y = t; y < height; y += threads) drawRow(picture, y, extent, seed * 1000);
+      for (int32_t y = t; y < height; y += threads) {
+        drawRow(picture, y, extent, seed * 1000);
+        progress.advance();
+      }
     });
   }
   workers.clear();  // joins

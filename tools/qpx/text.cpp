@@ -109,4 +109,49 @@ std::string suggestion(std::string_view given, const std::vector<std::string>& c
   return nearest ? " (did you mean " + *nearest + "?)" : std::string();
 }
 
+size_t sequenceLength(std::string_view text) {
+  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(0);
+  if (lead < 0x80) return 1;
+  const size_t length = lead >= 0xF0 ? 4 : (lead >= 0xE0 ? 3 : 2);
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
+  for (size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  }
+  // Overlong forms, surrogates and what lies beyond Unicode.
+  const unsigned char next = byte(1);
+  if ((lead == 0xE0 && next < 0xA0) || (lead == 0xED && next > 0x9F)) return 0;
+  if ((lead == 0xF0 && next < 0x90) || (lead == 0xF4 && next > 0x8F)) return 0;
+  return length;
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const size_t length = sequenceLength(text);
+    const auto lead = static_cast<unsigned char>(text.front());
+    const bool control = length == 0 || lead < 0x20 || lead == 0x7F ||
+                         (lead == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0);
+    const std::string_view character = text.substr(0, std::max<size_t>(length, 1));
+    for (const char c : character) {
+      std::array<char, 8> escape{};
+      std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned char>(c));
+      result += control ? escape.data() : std::string(1, c);
+    }
+    text.remove_prefix(character.size());
+  }
+  return result;
+}
+
+std::string fitted(const std::string& text, size_t characters) {
+  constexpr std::string_view kCut = "...";
+  std::vector<size_t> starts;
+  for (size_t i = 0; i < text.size(); i += std::max<size_t>(sequenceLength(text.substr(i, 4)), 1)) {
+    starts.push_back(i);
+  }
+  if (starts.size() <= characters) return text;
+  if (characters <= kCut.size()) return std::string(kCut.substr(0, characters));
+  return text.substr(0, starts[characters - kCut.size()]) + std::string(kCut);
+}
+
 }  // namespace qpx::tool

@@ -1,6 +1,7 @@
-// Small helpers on names and numbers that come from people.
+// Names and numbers that come from people, and text on its way to a terminal.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,5 +28,14 @@ int editDistance(std::string_view a, std::string_view b);
 // " (did you mean NAME?)" for the candidate nearest to `given`, or nothing where none is near
 // enough to have been meant.
 std::string suggestion(std::string_view given, const std::vector<std::string>& candidates);
+
+// Bytes of the UTF-8 sequence at the start of `text`, which is not empty; 0 where there is none.
+size_t sequenceLength(std::string_view text);
+
+// As a terminal may have it: control characters and what is no UTF-8 are written as \xNN.
+std::string printable(std::string_view text);
+
+// Cut to so many characters, of which the last are then "...".
+std::string fitted(const std::string& text, size_t characters);
 
 }  // namespace qpx::tool

@@ -1,0 +1,59 @@
+#include "command_line.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+
+#include "errors.h"
+#include "text.h"
+
+namespace qpx::tool {
+
+namespace {
+
+// A single dash is standard input or output.
+bool looksLikeOption(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
+
+}  // namespace
+
+std::vector<std::string> wordsOf(int argc, const char* const* argv) {
+  std::vector<std::string> words;
+  bool namesOnly = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    if (!namesOnly && word == "--") {
+      namesOnly = true;
+    } else {
+      words.push_back(namesOnly && looksLikeOption(word) ? "./" + word : word);
+    }
+  }
+  return words;
+}
+
+void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words) {
+  if (words.empty() || looksLikeOption(words.front())) return;
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
+  if (std::find(names.begin(), names.end(), words.front()) != names.end()) return;
+  throw UsageError("unknown command '" + words.front() + "'" + suggestion(words.front(), names) +
+                   ": use one of " + joined(names, ", ") + ", or see 'qpx --help'");
+}
+
+std::string fileHint(const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    std::error_code ignored;
+    if (looksLikeOption(word) && std::filesystem::exists(word, ignored)) {
+      return ": for the file write ./" + word;
+    }
+  }
+  return {};
+}
+
+CLI::Validator notEmpty() {
+  return {[](std::string& value) {
+            return std::string(value.empty() ? "is empty: give it a value" : "");
+          },
+          ""};
+}
+
+}  // namespace qpx::tool
