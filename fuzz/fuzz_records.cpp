@@ -76,7 +76,8 @@ void fuzzAllocators(FuzzedDataProvider& data) {
   MBitmapFree(&bitmap);
   MBitmap* const record =
       UTIL_MBitmapCreate(pickNumber(data, 70), pickNumber(data, 70), pickFormat(data));
-  if (record != nullptr) touchPlanes(*record);
+  // A record of format 0 has no plane.
+  if (record != nullptr && record->plane[0] != nullptr) touchPlanes(*record);
   UTIL_MBitmapFree(record);
 }
 

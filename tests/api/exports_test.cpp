@@ -58,9 +58,14 @@ Names definedSymbols(const std::vector<char>& elf) {
   return names;
 }
 
+// Functions, and the embedded textures and tables.
 Names committedNames() {
-  std::ifstream file(QPX_EXPORTS_FILE);
-  return {std::istream_iterator<std::string>(file), std::istream_iterator<std::string>()};
+  Names names;
+  for (const char* path : {QPX_EXPORTS_FILE, QPX_EXPORTED_DATA_FILE}) {
+    std::ifstream file(path);
+    names.insert(std::istream_iterator<std::string>(file), std::istream_iterator<std::string>());
+  }
+  return names;
 }
 
 TEST(Exports, EqualTheCommittedList) {

@@ -158,20 +158,74 @@ constexpr NullCall kStringCalls[] = {
     QPX_NULL_CALL(MUTF8ToUnicode, (nullptr, nullptr, 1) == 0),
 };
 
+constexpr NullCall kToolkitCalls[] = {
+    QPX_NULL_CALL(bilinearCorners, (nullptr, nullptr, 1, 2, 3, 4, 0.5, 0.5) == 0),
+    QPX_NULL_VOID_CALL(ApplyBlackAndWhiteWithTint,
+                       (1, 1, 1, 1, 1, 1, nullptr, nullptr, nullptr, 9, 8, 7)),
+    QPX_NULL_VOID_CALL(ApplyLumaTint, (nullptr, nullptr, nullptr, 9, 8, 7)),
+    QPX_NULL_CALL(ApplyIntensityOfFilteredImage, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Feather, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(DarkCornerOptimized, (nullptr, nullptr, nullptr, nullptr) == 2),
+};
+
+constexpr int32_t kBadPngArgument = 34194;
+
+constexpr NullCall kPngCalls[] = {
+    QPX_NULL_CALL(QPX_DecodePNG, (nullptr, 0, nullptr) == -1),
+    QPX_NULL_CALL(QPX_png_create, (nullptr, nullptr) == kBadPngArgument),
+    QPX_NULL_CALL(QPX_png_destroy, (nullptr) == kBadPngArgument),
+    QPX_NULL_CALL(QPX_png_get_property, (nullptr, 1, nullptr) == kBadPngArgument),
+    QPX_NULL_CALL(QPX_png_decode, (nullptr, nullptr) == kBadPngArgument),
+    QPX_NULL_CALL(PNG_DecodeInit, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeUninit, (nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeGetPngInfo, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeGetInfoHeader, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeGetColorTab, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeSetRGBInvert, (nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeSetDimension, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_DecodeScanLines, (nullptr, nullptr, 1, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(PNG_GetInfoFromFile, (nullptr, nullptr, nullptr, nullptr) == 2),
+};
+
 #undef QPX_NULL_CALL
 #undef QPX_NULL_VOID_CALL
 
 // Exports that take no address.
-constexpr const char* kWithoutPointers[] = {"KESSTREAM_GetVersion", "MGetMaskPos",
-                                            "MGetMaskSize",         "QPXIsSameInOutArea",
-                                            "QPXIsSupEffMerge",     "QPXIsSupport",
-                                            "QPX_GetEffectCount",   "QPX_IfSupportMultiThread",
-                                            "QPX_UsePlainForms",    "UTIL_GetPixelBytesEX",
-                                            "UTIL_MBitmapCreate",   "mbf_GetMaskPos",
+constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
+                                            "ApplyBlackAndWhiteForChalkBoard",
+                                            "MergeWithAlpha",
+                                            "Multiply",
+                                            "Screen",
+                                            "VintageBlend",
+                                            "alphaPixel",
+                                            "darken",
+                                            "lighten",
+                                            "linearReducePixel",
+                                            "multiplyPixel",
+                                            "normalPixel",
+                                            "overlayPixel",
+                                            "overlayPixel4",
+                                            "overlayPixelWithOpaqueness",
+                                            "screenPixel",
+                                            "screenPixel4",
+                                            "softPixel",
+                                            "softPixel4",
+                                            "KESSTREAM_GetVersion",
+                                            "MGetMaskPos",
+                                            "MGetMaskSize",
+                                            "QPXIsSameInOutArea",
+                                            "QPXIsSupEffMerge",
+                                            "QPXIsSupport",
+                                            "QPX_GetEffectCount",
+                                            "QPX_IfSupportMultiThread",
+                                            "QPX_UsePlainForms",
+                                            "UTIL_GetPixelBytesEX",
+                                            "UTIL_MBitmapCreate",
+                                            "mbf_GetMaskPos",
                                             "mbf_GetMaskSize"};
 
-constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls, kEngineCalls, kStreamCalls,
-                                                   kStringCalls};
+constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,  kEngineCalls,  kStreamCalls,
+                                                   kStringCalls, kToolkitCalls, kPngCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

@@ -102,6 +102,11 @@ struct EffectCase {
 };
 void PrintTo(const EffectCase& effectCase, std::ostream* stream);
 
+// Effects that work each call by itself and so differ from band to band.
+inline bool wantsOneCall(const EffectCase& effectCase) {
+  return (effectCase.effect->flags & QPX_EFFECT_ONE_CALL) != 0;
+}
+
 struct Size {
   int32_t width;
   int32_t height;

@@ -40,7 +40,7 @@ std::string runAll(const std::vector<Task>& tasks, size_t start) {
     const Task& task = tasks[(start + i) % tasks.size()];
     const Engine engine(task.source, *task.effectCase.effect, task.record);
     Picture actual = blankLike(task.source);
-    const int32_t heights[] = {5};
+    const int32_t heights[] = {wantsOneCall(task.effectCase) ? kSize.height : 5};
     const auto ran = engine.run(task.source, actual, heights);
     const auto same = samePicture(task.expected, actual);
     if (!ran || !same) {

@@ -104,6 +104,10 @@ int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t s
     if (code != QPX_OK) return code;
     band = bottom;
   }
+  const auto wantsOneCall = [](const EffectCall& call) {
+    return (call.effect->flags & QPX_EFFECT_ONE_CALL) != 0;
+  };
+  if (std::any_of(chain_.begin(), chain_.end(), wantsOneCall)) band = bottom;
   int32_t finished = top;
   for (int32_t y = top; y < bottom;) {
     const int32_t end = bottom - y > band ? y + band : bottom;
