@@ -54,7 +54,7 @@ enum {
   QPX_EFFECT_SAME_AREA = 0x10,    /* QPXIsSameInOutArea answers 1 */
   QPX_EFFECT_SECOND_INPUT = 0x20, /* takes a second input and a mask, through QPXMerge */
   QPX_EFFECT_GENERIC = 0x40,      /* one of the oldest effects: has a form for every format */
-  QPX_EFFECT_ONE_CALL = 0x80      /* works each band by itself: hand the whole picture over at once */
+  QPX_EFFECT_ONE_CALL = 0x80 /* works each band by itself: hand the whole picture over at once */
 };
 
 /* How many rows and columns of neighbourhood an effect reads. */
@@ -134,8 +134,8 @@ typedef struct QPXGammaParam {
 typedef struct QPXDarkCornerParam {
   int32_t centerX;   /* pixels from the left, 0 ... 65535; below 0 stands for the middle */
   int32_t centerY;   /* pixels from the top, likewise */
-  int32_t radius;    /* percent of the way to the farthest corner that stays clear, 0 ... 100; the clear
-                        circle grows in tenths, 0 ... 7 */
+  int32_t radius;    /* percent of the way to the farthest corner that stays clear, 0 ... 100; the
+                        clear    circle grows in tenths, 0 ... 7 */
   int32_t intensity; /* percent, -100 ... 100: below 0 corners darken, above 0 they lighten */
 } QPXDarkCornerParam;
 

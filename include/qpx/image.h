@@ -92,9 +92,9 @@ QPX_API int32_t MBitmapFree2(MBitmap* bitmap);
 /* Bytes of a packed RGB or grey pixel; 0 for any other code. */
 QPX_API int32_t UTIL_GetPixelBytesEX(uint32_t format);
 
-/* A record and its zeroed pixels in one call, rows padded to 4 bytes. Format 0 gives a record of the
- * given size, 0 allowed, with pitch 0 and no plane. Returns null for no memory, a size below 1 or any
- * other format without a pixel size. Free with UTIL_MBitmapFree, which takes null too. */
+/* A record and its zeroed pixels in one call, rows padded to 4 bytes. Format 0 gives a record of
+ * the given size, 0 allowed, with pitch 0 and no plane. Returns null for no memory, a size below 1
+ * or any other format without a pixel size. Free with UTIL_MBitmapFree, which takes null too. */
 QPX_API MBitmap* UTIL_MBitmapCreate(int32_t width, int32_t height, uint32_t format);
 QPX_API void UTIL_MBitmapFree(MBitmap* bitmap);
 

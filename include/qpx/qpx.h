@@ -1,5 +1,5 @@
-/* Everything that libqpxengine exports, but for the textures and tables that it carries: they are in
- * qpx/assets.h, which is generated with the library. */
+/* Everything that libqpxengine exports, but for the textures and tables that it carries: they are
+ * in qpx/assets.h, which is generated with the library. */
 #ifndef QPX_QPX_H_
 #define QPX_QPX_H_
 

@@ -6,10 +6,9 @@ using namespace qpx;
 namespace {
 
 constexpr uint32_t kBuilt = QPX_EFFECT_BUILT;
-constexpr uint32_t kPublicFlags = QPX_EFFECT_GIVES_TABLE | QPX_EFFECT_TAKES_TABLE |
-                                  QPX_EFFECT_ROW_THREADS | QPX_EFFECT_SAME_AREA |
-                                  QPX_EFFECT_SECOND_INPUT | QPX_EFFECT_GENERIC |
-                                  QPX_EFFECT_ONE_CALL;
+constexpr uint32_t kPublicFlags =
+    QPX_EFFECT_GIVES_TABLE | QPX_EFFECT_TAKES_TABLE | QPX_EFFECT_ROW_THREADS |
+    QPX_EFFECT_SAME_AREA | QPX_EFFECT_SECOND_INPUT | QPX_EFFECT_GENERIC | QPX_EFFECT_ONE_CALL;
 
 // What a generic form is reached with: every format that the effect can be set up for.
 uint32_t genericFormats(const EffectRow& row) {
