@@ -6,6 +6,7 @@
 #define QPX_SIMD_LOOKUP_X86_INL_H_
 #endif
 
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include "simd/byte_table-inl.h"
@@ -23,13 +24,32 @@ namespace hn = hwy::HWY_NAMESPACE;
 // worked out before anything is stored and stored last, which keeps a row that is its own output
 // right.
 
+// From this length on a row would push everything else out of the caches, and reading what it is
+// about to overwrite would cost as much as writing it: its output goes past them.
+constexpr ptrdiff_t kStreamedBytes = ptrdiff_t{1} << 22;
+
+// Whole vectors of a long row through streaming stores, but for the last; returns the bytes done.
+ptrdiff_t lookupStreamed(const ByteTable& t, const uint8_t* src, uint8_t* dst, ptrdiff_t count,
+                         const uint8_t* table) {
+  const Bytes d;
+  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  // Streaming stores are aligned.
+  ptrdiff_t i = static_cast<ptrdiff_t>(-reinterpret_cast<uintptr_t>(dst) &
+                                       static_cast<uintptr_t>(length - 1));
+  plain::lookup(src, dst, i, table);
+  for (; i < count - length; i += length) hn::Stream(t(hn::LoadU(d, src + i)), d, dst + i);
+  hwy::FlushStream();
+  return i;
+}
+
 void lookup(const uint8_t* src, uint8_t* dst, ptrdiff_t count, const uint8_t* table) {
   const Bytes d;
   const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
   if (count < length) return plain::lookup(src, dst, count, table);
   const ByteTable t(table);
   const ByteVector last = t(hn::LoadU(d, src + count - length));
-  for (ptrdiff_t i = 0; i < count - length; i += length) {
+  ptrdiff_t i = count >= kStreamedBytes ? lookupStreamed(t, src, dst, count, table) : 0;
+  for (; i < count - length; i += length) {
     hn::StoreU(t(hn::LoadU(d, src + i)), d, dst + i);
   }
   hn::StoreU(last, d, dst + count - length);

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "engine/stage.h"
+#include "toolkit/joined_rows.h"
 
 namespace qpx {
 
@@ -30,7 +31,7 @@ inline bool isYuv(const PixInfo& pix) {
   return pix.family != kFamilyPackedRgb && pix.family != kFamilyGrey;
 }
 
-// Calls action(from, to, bytes) for every row of chroma samples that the frame's rectangle holds.
+// Calls action(from, to, bytes) for the rows of chroma samples that the frame's rectangle holds.
 // The two samples of a semi-planar block come in one row, in the order of memory.
 template <typename Action>
 void forEachChromaRow(const Frame& frame, const Action& action) {
@@ -45,10 +46,11 @@ void forEachChromaRow(const Frame& frame, const Action& action) {
   const int firstPlane = pix.family == kFamilyNv21 ? 2 : 1;
   const int lastPlane = isSemiPlanar(pix) ? firstPlane : 2;
   for (int p = firstPlane; p <= lastPlane; ++p) {
+    JoinedRows<Action> rows(action);
     for (int32_t y = frame.rect.top; y < frame.rect.bottom; ++y) {
       if (!grid.startsRow(y)) continue;
-      action(chromaRow(frame.in[p], y, grid.down) + offset,
-             chromaRow(frame.out[p], y, grid.down) + offset, bytes);
+      rows.add(chromaRow(frame.in[p], y, grid.down) + offset,
+               chromaRow(frame.out[p], y, grid.down) + offset, bytes);
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "toolkit/curve.h"
+#include "toolkit/joined_rows.h"
 #include "toolkit/pixel_run.h"
 
 namespace qpx {
@@ -25,8 +26,12 @@ void applyToBytes(const Frame& frame, bool reversed, ptrdiff_t bytes) {
   const simd::Rows& rows = simd::rows();
   const auto lookup = bytes == 3 ? rows.lookup3 : rows.lookup4;
   const PackedRows packed{frame, bytes};
+  const auto apply = [&](const uint8_t* from, uint8_t* to, ptrdiff_t count) {
+    lookup(from, to, count / bytes, tables.red, tables.green, tables.blue);
+  };
+  JoinedRows joined(apply);
   for (int32_t y = frame.rect.top; y < frame.rect.bottom; ++y) {
-    lookup(packed.from(y), packed.to(y), packed.pixels(), tables.red, tables.green, tables.blue);
+    joined.add(packed.from(y), packed.to(y), packed.pixels() * bytes);
   }
 }
 
@@ -91,8 +96,12 @@ int32_t applyToPacked(const Frame& frame) {
 void applyToLumaPlane(const Frame& frame, const uint8_t* table) {
   const simd::Rows& rows = simd::rows();
   const PackedRows luma{frame, 1};
+  const auto lookup = [&](const uint8_t* from, uint8_t* to, ptrdiff_t bytes) {
+    rows.lookup(from, to, bytes, table);
+  };
+  JoinedRows joined(lookup);
   for (int32_t y = frame.rect.top; y < frame.rect.bottom; ++y) {
-    rows.lookup(luma.from(y), luma.to(y), luma.pixels(), table);
+    joined.add(luma.from(y), luma.to(y), luma.pixels());
   }
 }
 
