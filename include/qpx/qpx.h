@@ -6,6 +6,7 @@
 #include <qpx/effects.h>
 #include <qpx/engine.h>
 #include <qpx/image.h>
+#include <qpx/kernels_curves.h>
 #include <qpx/log.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
