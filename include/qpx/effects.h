@@ -144,6 +144,51 @@ typedef struct QPXFeatherParam {
   int32_t radius; /* pixels, 0 ... 100; 0 copies */
   int32_t unused;
 } QPXFeatherParam;
+/* 0x5E00 nostalgic, 0x5F00 vintage, 0x6000 deep quiet, 0x6100 cold blue, 0x6200 Gothic, 0x6300
+ * purple, 0x6400 vintage black and white: toned looks that darken towards the corners. All zero is
+ * the look as it is meant, without darkened corners where it has a mode. */
+typedef struct QPXCornerLookParam {
+  int32_t
+      mode; /* 0: tones alone; 1: darkened corners too. Deep quiet does nothing in any other mode,
+               the others clamp. Cold blue, Gothic and purple always darken and ignore it. */
+  int32_t corners; /* percent, -100 ... 100: how much more than usual corners darken; -100 not at
+                      all, 100 twice as far */
+  int32_t reach;   /* percent, -100 ... 100: how far towards the centre; -100 leaves more of the
+                      middle   clear, 100 begins at the centre */
+  int32_t
+      centerX; /* percent of half the width, -100 ... 100: the clear middle, right of the centre */
+  int32_t centerY; /* percent of half the height, -100 ... 100: the same, below the centre */
+} QPXCornerLookParam;
+
+/* 0x5800, single colour: 7 bytes. All zero is a Prussian blue print. */
+typedef struct QPXSingleColorParam {
+  uint8_t red, green, blue; /* the colour of the midtones; all zero stands for Prussian blue */
+  uint8_t fade;             /* percent, 0 ... 100, of the colour that gives way to grey */
+  uint8_t shadows;          /* percent, 0 ... 100, of the colour that black takes */
+  uint8_t highlights;       /* percent, 0 ... 100, of the colour that white takes */
+  uint8_t contrast;         /* percent, 0 ... 100 */
+} QPXSingleColorParam;
+
+/* 0x6700, colour gradient. */
+typedef struct QPXColorGradientParam {
+  int32_t hue; /* degrees, -180 ... 180, by which the colours of the gradient are turned; 0 is
+                  neutral */
+} QPXColorGradientParam;
+
+/* 0x6A00, curve brightness. */
+typedef struct QPXCurveBrightnessParam {
+  int32_t brightness; /* -100 ... 100; 0 is neutral, black and white stay */
+} QPXCurveBrightnessParam;
+
+/* 0x6E00, reversal film. All zero is the film as it is meant. */
+typedef struct QPXReversalFilmParam {
+  int32_t greenGain; /* 1/256, 128 ... 384: strength of green in its dye; 0 acts as 234 */
+  int32_t blueGain;  /* 1/256, 128 ... 384: strength of blue in its dye; 0 acts as 234 */
+  int32_t exposure;  /* -100 ... 100, a stop either way; 0 is neutral */
+  int32_t contrast;  /* percent, -100 ... 100: of the film's curve; -100 is a straight line, 100
+                        twice it */
+  int32_t warmth;    /* percent, -100 ... 100; 0 is neutral, above it lights turn amber */
+} QPXReversalFilmParam;
 
 /* The record that about a hundred looks share, 56 bytes on every target. Each reads only some of
  * the fields: QPX_GetEffectInfo tells which. Hosts clear the record first, so that fields added

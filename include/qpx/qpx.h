@@ -9,6 +9,7 @@
 #include <qpx/engine.h>
 #include <qpx/image.h>
 #include <qpx/kernels.h>
+#include <qpx/kernels_curves.h>
 #include <qpx/log.h>
 #include <qpx/png.h>
 #include <qpx/streams.h>

@@ -187,6 +187,54 @@ constexpr NullCall kPngCalls[] = {
     QPX_NULL_CALL(PNG_GetInfoFromFile, (nullptr, nullptr, nullptr, nullptr) == 2),
 };
 
+// Kernels, which all take a stage, a rectangle and two sets of row tables.
+constexpr NullCall kLookKernelCalls[] = {
+    QPX_NULL_CALL(Sepia_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Sepia_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Sepia_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SingleColor_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SingleColor_RGB565, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SingleColor_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SingleColor_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Nostalgic_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Nostalgic_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Nostalgic_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Vintage_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Vintage_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Vintage_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Vintage_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(DeepQuite_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(DeepQuite_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(DeepQuite_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColdBlue_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColdBlue_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColdBlue_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Gothic_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Gothic_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Gothic_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Purple_rgb24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Purple_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Purple_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(VintageBlackWhite_rgb24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(VintageBlackWhite_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(VintageBlackWhite_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColorGradient_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColorGradient_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColorGradient_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Sunny_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Sunny_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Sunny_I420, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(CurveBrightness_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(CurveBrightness_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ReversalFilm_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(BLACKWHITE2_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(BLACKWHITE2_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(BLACKWHITE2_YUYV, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(FINEFOOD_RGB24, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(FINEFOOD_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(FINEFOOD_YUYV, (nullptr, nullptr, nullptr, nullptr) == 2),
+};
+
 #undef QPX_NULL_CALL
 #undef QPX_NULL_VOID_CALL
 
@@ -224,8 +272,9 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskPos",
                                             "mbf_GetMaskSize"};
 
-constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,  kEngineCalls,  kStreamCalls,
-                                                   kStringCalls, kToolkitCalls, kPngCalls};
+constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,     kEngineCalls,  kStreamCalls,
+                                                   kStringCalls,    kToolkitCalls, kPngCalls,
+                                                   kLookKernelCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

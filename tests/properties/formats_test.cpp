@@ -136,6 +136,7 @@ struct Unchanging {
 
 constexpr Unchanging kUnchanging[] = {
     {0x1700, QPX_TAKES_GREY, "it makes pictures grey, and these are"},
+    {0x1900, QPX_TAKES_GREY, "it sorts the channels of a pixel, which are all alike here"},
 };
 
 const Unchanging* unchanging(const EffectCase& effectCase) {

@@ -2,14 +2,33 @@
 // kernels that undo some of them.
 #include "filters/curves/curves.h"
 
+#include "filters/curves/corner_looks.h"
+#include "filters/curves/light_looks.h"
+#include "filters/curves/params.h"
+#include "filters/curves/toned_looks.h"
 #include "filters/look.h"
 
 namespace qpx {
 namespace {
 
+using namespace curves;
+
 constexpr uint32_t kRgb24AndYuv = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_I420;
 constexpr uint32_t kRgbAndPreview = kTakesRgb | QPX_TAKES_NV21 | QPX_TAKES_YUYV;
 constexpr uint32_t kRgb24AndNv21 = QPX_TAKES_RGB24 | QPX_TAKES_NV21;
+
+constexpr uint32_t kRgb24AndPairs = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_YUYV;
+
+using Kernels = std::array<LayoutKernel, 6>;
+
+// One kernel for all formats that a look is written for.
+template <const Look& look>
+constexpr Kernels kernelsFor(uint32_t formats) {
+  return {{{formats, overLook<look>}}};
+}
+
+constexpr RecordLayout kModeRecord = {sizeof(QPXCornerLookParam), kModeParams};
+constexpr RecordLayout kCornerRecord = {sizeof(QPXCornerLookParam), kCornerParams};
 
 constexpr EffectRow kEffects[] = {
     {.id = 0x1900,
@@ -17,76 +36,90 @@ constexpr EffectRow kEffects[] = {
      .title = "Sepia",
      .summary = "Warm brown picture: red takes the brightest channel, blue the darkest, green a "
                 "mix of both.",
-     .formats = kRgb24AndYuv,
-     .flags = QPX_EFFECT_SAME_AREA | QPX_EFFECT_GENERIC},
+     .flags = QPX_EFFECT_SAME_AREA | QPX_EFFECT_GENERIC,
+     .kernels = kernelsFor<kSepia>(kRgb24AndYuv),
+     .generic = overLook<kSepia>},
     {.id = 0x5800,
      .name = "SingleColor",
      .title = "Single colour",
      .summary = "Grey picture toned in one colour by three tables.",
-     .formats = QPX_TAKES_RGB24 | QPX_TAKES_RGB565 | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 7}},
+     .record = {sizeof(QPXSingleColorParam), kSingleColorParams},
+     .setup = setUpSingleColor,
+     .kernels = kernelsFor<kSingleColor>(kRgb24AndYuv | QPX_TAKES_RGB565)},
     {.id = 0x5E00,
      .name = "Nostalgic",
      .title = "Nostalgic",
      .summary = "Duotone from lightness, with darkened corners if wanted.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kModeRecord,
+     .setup = setUpNostalgic,
+     .kernels = kernelsFor<kNostalgic>(kRgb24AndYuv)},
     {.id = 0x5F00,
      .name = "Vintage",
      .title = "Vintage",
      .summary = "Faded tone curves and lower saturation, with darkened corners if wanted.",
-     .formats = kTakesRgb | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 20}},
+     .record = kModeRecord,
+     .setup = setUpVintage,
+     .kernels = kernelsFor<kVintage>(kRgb24AndYuv | QPX_TAKES_RGB32)},
     {.id = 0x6000,
      .name = "DeepQuite",
      .title = "Deep quiet",
      .summary = "Deep, calm tone curves, with darkened corners if wanted.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kModeRecord,
+     .setup = setUpDeepQuite,
+     .kernels = kernelsFor<kDeepQuite>(kRgb24AndYuv)},
     {.id = 0x6100,
      .name = "ColdBlue",
      .title = "Cold blue",
      .summary = "Cool tone curves for each channel and darkened corners.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kCornerRecord,
+     .setup = setUpColdBlue,
+     .kernels = kernelsFor<kColdBlue>(kRgb24AndYuv)},
     {.id = 0x6200,
      .name = "Gothic",
      .title = "Gothic",
      .summary = "Tone curves, stronger saturation and darkened corners.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kCornerRecord,
+     .setup = setUpGothic,
+     .kernels = kernelsFor<kGothic>(kRgb24AndYuv)},
     {.id = 0x6300,
      .name = "Purple",
      .title = "Purple",
      .summary = "Tone curves towards purple and darkened corners.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kCornerRecord,
+     .setup = setUpPurple,
+     .kernels = kernelsFor<kPurple>(kRgb24AndYuv)},
     {.id = 0x6400,
      .name = "VintageBlackWhite",
      .title = "Vintage black and white",
      .summary = "Grey by lightness through a soft curve, with darkened corners if wanted.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 20}},
+     .record = kModeRecord,
+     .setup = setUpVintageBlackWhite,
+     .kernels = kernelsFor<kVintageBlackWhite>(kRgb24AndYuv)},
     {.id = 0x6700,
      .name = "ColorGradient",
      .title = "Colour gradient",
      .summary = "Colour shift that changes along the picture's diagonal.",
-     .formats = kRgb24AndYuv,
-     .record = {.size = 4}},
+     .record = {sizeof(QPXColorGradientParam), kColorGradientParams},
+     .setup = setUpColorGradient,
+     .kernels = kernelsFor<kColorGradient>(kRgb24AndYuv)},
     {.id = 0x6900,
      .name = "Sunny",
      .title = "Sunny",
      .summary = "Sunlit tones: curves for each channel, lifted or lowered by luma.",
-     .formats = kRgb24AndYuv},
+     .setup = setUpSunny,
+     .kernels = kernelsFor<kSunny>(kRgb24AndYuv)},
     {.id = 0x6A00,
      .name = "CurveBrightness",
      .title = "Curve brightness",
      .summary = "Brightens or darkens along one curve a channel.",
-     .formats = kRgb24AndNv21,
-     .record = {.size = 4}},
+     .record = {sizeof(QPXCurveBrightnessParam), kCurveBrightnessParams},
+     .setup = setUpCurveBrightness,
+     .kernels = kernelsFor<kCurveBrightness>(kRgb24AndNv21)},
     look(0x6E00, "ReversalFilm", "Reversal film",
          "Slide film: a curve, a colour matrix and a warm overlay by luma.",
-         {.record = {.size = 20}}),
+         {.record = {sizeof(QPXReversalFilmParam), kReversalFilmParams},
+          .setup = setUpReversalFilm,
+          .kernel = overLook<kReversalFilm>}),
     {.id = 0xA500,
      .name = "FleetingTime",
      .title = "Fleeting time",
@@ -157,14 +190,16 @@ constexpr EffectRow kEffects[] = {
      .name = "BLACKWHITE2",
      .title = "Black and white, curve",
      .summary = "Grey by luma through one tone curve.",
-     .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_YUYV,
-     .flags = kSetsUpYuyv},
+     .flags = kSetsUpYuyv,
+     .setup = setUpBlackWhite2,
+     .kernels = kernelsFor<kBlackWhite2>(kRgb24AndPairs)},
     {.id = 0xC000,
      .name = "FINEFOOD",
      .title = "Fine food",
      .summary = "Tone curve and a lift of weak colours, for dishes.",
-     .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_YUYV,
-     .flags = kSetsUpYuyv},
+     .flags = kSetsUpYuyv,
+     .setup = setUpFineFood,
+     .kernels = kernelsFor<kFineFood>(kRgb24AndPairs)},
 };
 static_assert(idsAscend(kEffects));
 

@@ -1,0 +1,238 @@
+#include "filters/curves/corner_looks.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "filters/curves/look_block.h"
+#include "simd/tone_rows.h"
+
+namespace qpx {
+namespace {
+
+// Where s, the sum of a row's and a column's term, exceeds kClear the picture darkens with the
+// square of the excess; half of the light is left at an excess of 512, none from 724 on.
+constexpr int32_t kClear = 128;
+
+// How dark corners are in looks of the name "as designed": about this much excess.
+constexpr int32_t kSoftCorners = 380;
+constexpr int32_t kDeepCorners = 500;
+constexpr int32_t kHeavyCorners = 590;
+
+// The terms of rows, then those of columns, follow in memory.
+struct CornerBlock {
+  int32_t mode;
+  ChannelTables tone;
+
+  int16_t* rowTerms() { return reinterpret_cast<int16_t*>(this + 1); }
+  const int16_t* rowTerms() const { return reinterpret_cast<const int16_t*>(this + 1); }
+};
+
+int64_t termCount(const Stage& stage) {
+  return int64_t{std::max(stage.inHeight, 0)} + std::max(stage.inWidth, 0);
+}
+
+bool hasCornerBlock(const Stage& stage) {
+  return holdsBlock<CornerBlock>(stage, termCount(stage) * static_cast<int64_t>(sizeof(int16_t)));
+}
+
+// s = slope * q + start, with q the square of the distance from the centre, 0 there and 1 in the
+// corners of a picture about it: kClear at the clear share of q, kClear + excess in the corners. A
+// row and a column give half of it each.
+struct Falloff {
+  double slope;
+  double start;
+
+  Falloff(const QPXCornerLookParam& param, int32_t excess) {
+    const double clear = 0.25 - 0.0025 * param.reach;  // 0 ... 0.5
+    slope = excess * (100.0 + param.corners) / 100.0 / (1.0 - clear);
+    start = kClear - slope * clear;
+  }
+
+  // Of entry i in a side of `length` pixels whose centre is shifted by a percentage of its half.
+  int16_t term(int32_t i, int32_t length, int32_t shift) const {
+    const double place = (2.0 * i + 1.0) / length - 1.0 - shift / 100.0;
+    return static_cast<int16_t>(std::floor((slope * place * place + start) / 2.0 + 0.5));
+  }
+};
+
+int32_t setUpCorners(Stage& stage, const ChannelCurves& curves, int32_t excess) {
+  auto& param = editRecord<QPXCornerLookParam>(stage);
+  param.corners = std::clamp(param.corners, -100, 100);
+  param.reach = std::clamp(param.reach, -100, 100);
+  param.centerX = std::clamp(param.centerX, -100, 100);
+  param.centerY = std::clamp(param.centerY, -100, 100);
+  auto* block = makeBlock<CornerBlock>(stage, termCount(stage) * int64_t{sizeof(int16_t)});
+  if (block == nullptr) return QPX_NO_MEMORY;
+  block->mode = param.mode;
+  const Falloff falloff(param, excess);
+  int16_t* term = block->rowTerms();
+  for (int32_t y = 0; y < stage.inHeight; ++y) {
+    *term++ = falloff.term(y, stage.inHeight, param.centerY);
+  }
+  for (int32_t x = 0; x < stage.inWidth; ++x) {
+    *term++ = falloff.term(x, stage.inWidth, param.centerX);
+  }
+  return drawCurves(curves, block->tone);
+}
+
+// Modes other than 0 and 1 stand for the nearer of them.
+int32_t setUpWithMode(Stage& stage, const ChannelCurves& curves, int32_t excess) {
+  auto& mode = editRecord<QPXCornerLookParam>(stage).mode;
+  mode = std::clamp(mode, 0, 1);
+  return setUpCorners(stage, curves, excess);
+}
+
+void applyTone(const ChannelTables& tone, PixelRun& run) {
+  const simd::Rows& rows = simd::rows();
+  rows.lookup(run.r, run.r, run.count, tone.red.data());
+  rows.lookup(run.g, run.g, run.count, tone.green.data());
+  rows.lookup(run.b, run.b, run.count, tone.blue.data());
+}
+
+// The channels through the tables, all by lightness.
+void applyDuotone(const ChannelTables& tone, PixelRun& run) {
+  const simd::Rows& rows = simd::rows();
+  alignas(kRunAlignment) uint8_t lightness[kRunLength];
+  simd::toneRows().extremesMean(run.r, run.g, run.b, lightness, run.count);
+  rows.lookup(lightness, run.r, run.count, tone.red.data());
+  rows.lookup(lightness, run.g, run.count, tone.green.data());
+  rows.lookup(lightness, run.b, run.count, tone.blue.data());
+}
+
+void saturate(int32_t amount, PixelRun& run) {
+  const simd::ToneRows& rows = simd::toneRows();
+  alignas(kRunAlignment) uint8_t lightness[kRunLength];
+  rows.extremesMean(run.r, run.g, run.b, lightness, run.count);
+  for (uint8_t* channel : {run.r, run.g, run.b}) {
+    rows.saturate(channel, lightness, channel, run.count, amount);
+  }
+}
+
+// Terms are least somewhere and grow to both sides of it, so that the ends of a run tell whether
+// any of it is beyond the clear middle.
+void darkenCorners(const Stage& stage, const CornerBlock& block, PixelRun& run) {
+  const int32_t row = block.rowTerms()[run.y];
+  const int16_t* columns = block.rowTerms() + stage.inHeight + run.x;
+  if (row + std::max(columns[0], columns[run.count - 1]) <= kClear) return;
+  simd::toneRows().falloff(row, columns, run.r, run.g, run.b, run.count);
+}
+
+void darkenCornersInModeOne(const Stage& stage, const CornerBlock& block, PixelRun& run) {
+  if (block.mode == 1) darkenCorners(stage, block, run);
+}
+
+void tonedCorners(const Stage& stage, PixelRun& run) {
+  const auto& block = blockOf<CornerBlock>(stage);
+  applyTone(block.tone, run);
+  darkenCorners(stage, block, run);
+}
+
+void nostalgic(const Stage& stage, PixelRun& run) {
+  const auto& block = blockOf<CornerBlock>(stage);
+  applyDuotone(block.tone, run);
+  darkenCornersInModeOne(stage, block, run);
+}
+
+void vintage(const Stage& stage, PixelRun& run) {
+  const auto& block = blockOf<CornerBlock>(stage);
+  applyTone(block.tone, run);
+  saturate(-38, run);
+  darkenCornersInModeOne(stage, block, run);
+}
+
+void deepQuite(const Stage& stage, PixelRun& run) {
+  const auto& block = blockOf<CornerBlock>(stage);
+  applyTone(block.tone, run);
+  darkenCornersInModeOne(stage, block, run);
+}
+
+bool knownMode(const Stage& stage) {
+  const int32_t mode = blockOf<CornerBlock>(stage).mode;
+  return mode == 0 || mode == 1;
+}
+
+void gothic(const Stage& stage, PixelRun& run) {
+  const auto& block = blockOf<CornerBlock>(stage);
+  applyTone(block.tone, run);
+  saturate(55, run);
+  darkenCorners(stage, block, run);
+}
+
+// Sepia toned albumen prints: umber shadows, ochre midtones, cream paper.
+constexpr ChannelCurves kNostalgicCurves = {{{0, 36}, {64, 92}, {128, 160}, {192, 219}, {255, 252}},
+                                            {{0, 26}, {64, 68}, {128, 129}, {192, 194}, {255, 241}},
+                                            {{0, 28}, {64, 54}, {128, 97}, {192, 152}, {255, 208}}};
+
+// A print of the seventies: blacks washed out and bluish, whites turned to cream.
+constexpr ChannelCurves kVintageCurves = {{{0, 34}, {64, 80}, {128, 150}, {192, 211}, {255, 246}},
+                                          {{0, 28}, {64, 74}, {128, 140}, {192, 202}, {255, 239}},
+                                          {{0, 56}, {64, 88}, {128, 128}, {192, 170}, {255, 208}}};
+
+// Late light in a still room: everything lower, shadows a deep teal, no glaring white.
+constexpr ChannelCurves kDeepQuiteCurves = {
+    {{0, 0}, {64, 34}, {128, 94}, {192, 160}, {255, 222}},
+    {{0, 6}, {64, 46}, {128, 106}, {192, 169}, {255, 226}},
+    {{0, 18}, {64, 60}, {128, 114}, {192, 168}, {255, 218}}};
+
+// Winter light: blue shadows, pale blue lights.
+constexpr ChannelCurves kColdBlueCurves = {{{0, 0}, {64, 40}, {128, 98}, {192, 170}, {255, 236}},
+                                           {{0, 6}, {64, 60}, {128, 126}, {192, 196}, {255, 249}},
+                                           {{0, 38}, {64, 96}, {128, 162}, {192, 221}, {255, 255}}};
+
+// Moonlit stone: hard contrast, shadows to blue ink, lights no whiter than a clouded moon. Colours
+// that are left glow, since saturation rises behind the curves.
+constexpr ChannelCurves kGothicCurves = {{{0, 0}, {64, 28}, {128, 86}, {192, 162}, {255, 226}},
+                                         {{0, 0}, {64, 31}, {128, 90}, {192, 165}, {255, 228}},
+                                         {{0, 10}, {64, 44}, {128, 99}, {192, 165}, {255, 220}}};
+
+// Dusk in lilac: green gives way, more in the shadows than in the lights.
+constexpr ChannelCurves kPurpleCurves = {{{0, 24}, {64, 74}, {128, 144}, {192, 209}, {255, 250}},
+                                         {{0, 2}, {64, 42}, {128, 106}, {192, 180}, {255, 240}},
+                                         {{0, 50}, {64, 106}, {128, 168}, {192, 220}, {255, 252}}};
+
+// A contact print kept in a drawer: soft blacks, paper no longer white. All channels alike.
+constexpr CurvePoint kOldPrint[5] = {{0, 20}, {56, 52}, {128, 130}, {204, 206}, {255, 236}};
+
+}  // namespace
+
+int32_t setUpNostalgic(Stage& stage, QPXBand&) {
+  return setUpWithMode(stage, kNostalgicCurves, kDeepCorners);
+}
+
+int32_t setUpVintage(Stage& stage, QPXBand&) {
+  return setUpWithMode(stage, kVintageCurves, kDeepCorners);
+}
+
+int32_t setUpDeepQuite(Stage& stage, QPXBand&) {
+  return setUpCorners(stage, kDeepQuiteCurves, kDeepCorners);
+}
+
+int32_t setUpColdBlue(Stage& stage, QPXBand&) {
+  return setUpCorners(stage, kColdBlueCurves, kSoftCorners);
+}
+
+int32_t setUpGothic(Stage& stage, QPXBand&) {
+  return setUpCorners(stage, kGothicCurves, kHeavyCorners);
+}
+
+int32_t setUpPurple(Stage& stage, QPXBand&) {
+  return setUpCorners(stage, kPurpleCurves, kSoftCorners);
+}
+
+int32_t setUpVintageBlackWhite(Stage& stage, QPXBand&) {
+  ChannelCurves curves;
+  for (auto* channel : {&curves.red, &curves.green, &curves.blue}) {
+    std::memcpy(*channel, kOldPrint, sizeof kOldPrint);
+  }
+  return setUpWithMode(stage, curves, kDeepCorners);
+}
+
+constinit const Look kNostalgic = {nostalgic, hasCornerBlock};
+constinit const Look kVintage = {vintage, hasCornerBlock};
+constinit const Look kDeepQuite = {deepQuite, hasCornerBlock, knownMode};
+constinit const Look kColdBlue = {tonedCorners, hasCornerBlock};
+constinit const Look kGothic = {gothic, hasCornerBlock};
+constinit const Look kPurple = {tonedCorners, hasCornerBlock};
+constinit const Look kVintageBlackWhite = {nostalgic, hasCornerBlock};
+
+}  // namespace qpx

@@ -1,0 +1,79 @@
+// The parameter records of the native looks, described for hosts and tools.
+#pragma once
+
+#include <cstddef>
+
+#include "engine/effect_row.h"
+
+namespace qpx::curves {
+
+constexpr QPXParamInfo intParam(const char* name, const char* summary, const char* unit,
+                                size_t offset, double minimum, double maximum, double initial) {
+  return {name,    summary, unit,   QPX_PARAM_INT32, static_cast<int32_t>(offset),
+          minimum, maximum, initial};
+}
+
+constexpr QPXParamInfo byteParam(const char* name, const char* summary, const char* unit,
+                                 size_t offset, double maximum, double initial) {
+  return {name, summary, unit, QPX_PARAM_UINT8, static_cast<int32_t>(offset), 0, maximum, initial};
+}
+
+static_assert(sizeof(QPXCornerLookParam) == 20);
+
+inline constexpr QPXParamInfo kMode = intParam("mode", "0: tones alone; 1: darkened corners too.",
+                                               "", offsetof(QPXCornerLookParam, mode), 0, 1, 1);
+inline constexpr QPXParamInfo kCorners =
+    intParam("corners", "How much more than usual the corners darken.", "percent",
+             offsetof(QPXCornerLookParam, corners), -100, 100, 0);
+inline constexpr QPXParamInfo kReach =
+    intParam("reach", "How far the darkening reaches towards the centre.", "percent",
+             offsetof(QPXCornerLookParam, reach), -100, 100, 0);
+inline constexpr QPXParamInfo kCenterX =
+    intParam("centerX", "Moves the clear middle right.", "percent of half the width",
+             offsetof(QPXCornerLookParam, centerX), -100, 100, 0);
+inline constexpr QPXParamInfo kCenterY =
+    intParam("centerY", "Moves the clear middle down.", "percent of half the height",
+             offsetof(QPXCornerLookParam, centerY), -100, 100, 0);
+
+inline constexpr QPXParamInfo kModeParams[] = {kMode, kCorners, kReach, kCenterX, kCenterY};
+inline constexpr QPXParamInfo kCornerParams[] = {kCorners, kReach, kCenterX, kCenterY};
+
+static_assert(sizeof(QPXSingleColorParam) == 7);
+
+inline constexpr QPXParamInfo kSingleColorParams[] = {
+    byteParam("red", "Red of the midtones; no colour at all stands for Prussian blue.", "",
+              offsetof(QPXSingleColorParam, red), 255, 0),
+    byteParam("green", "Green of the midtones.", "", offsetof(QPXSingleColorParam, green), 255, 0),
+    byteParam("blue", "Blue of the midtones.", "", offsetof(QPXSingleColorParam, blue), 255, 0),
+    byteParam("fade", "How much of the colour gives way to grey.", "percent",
+              offsetof(QPXSingleColorParam, fade), 100, 0),
+    byteParam("shadows", "How much of the colour black takes.", "percent",
+              offsetof(QPXSingleColorParam, shadows), 100, 25),
+    byteParam("highlights", "How much of the colour white takes.", "percent",
+              offsetof(QPXSingleColorParam, highlights), 100, 0),
+    byteParam("contrast", "Steepens tones about mid grey.", "percent",
+              offsetof(QPXSingleColorParam, contrast), 100, 20)};
+
+inline constexpr QPXParamInfo kColorGradientParams[] = {
+    intParam("hue", "Turns the colours of the gradient.", "degrees",
+             offsetof(QPXColorGradientParam, hue), -180, 180, 0)};
+
+inline constexpr QPXParamInfo kCurveBrightnessParams[] = {
+    intParam("brightness", "Lighter or darker midtones; black and white stay.", "",
+             offsetof(QPXCurveBrightnessParam, brightness), -100, 100, 40)};
+
+static_assert(sizeof(QPXReversalFilmParam) == 20);
+
+inline constexpr QPXParamInfo kReversalFilmParams[] = {
+    intParam("greenGain", "Strength of green in its dye; 234 is the film's own.", "1/256",
+             offsetof(QPXReversalFilmParam, greenGain), 128, 384, 234),
+    intParam("blueGain", "Strength of blue in its dye; 234 is the film's own.", "1/256",
+             offsetof(QPXReversalFilmParam, blueGain), 128, 384, 234),
+    intParam("exposure", "More or less light on the film.", "percent of a stop",
+             offsetof(QPXReversalFilmParam, exposure), -100, 100, 0),
+    intParam("contrast", "How much more than usual the film's curve does.", "percent",
+             offsetof(QPXReversalFilmParam, contrast), -100, 100, 0),
+    intParam("warmth", "Turns lights amber, or blue.", "percent",
+             offsetof(QPXReversalFilmParam, warmth), -100, 100, 0)};
+
+}  // namespace qpx::curves

@@ -1,0 +1,30 @@
+// Looks that exist natively in YUV: one recipe on R, G and B for every format.
+//
+// The YUV formats convert with constants of this family (simd::ToneRows), whatever colorimetry the
+// format has, so that a preview and a saved picture of it look alike. Every pixel is converted by
+// itself with the chroma of its block, and the block's top-left pixel alone gives its chroma back.
+#pragma once
+
+#include "toolkit/pixel_run.h"
+
+namespace qpx {
+
+// What recipes line their scratch rows up with, as PixelRun does its samples: vectors of the widest
+// targets fill a cache line, and half a line off costs twice the time.
+inline constexpr size_t kRunAlignment = 64;
+
+struct Look {
+  Recipe recipe;
+  bool (*ready)(const Stage&) = nullptr;    // the stage holds what the recipe reads; 2 otherwise
+  bool (*applies)(const Stage&) = nullptr;  // otherwise nothing is written, which is no error
+};
+
+// Over all formats that runs know, and packed 4:2:2 in the order Y, U, Y, V.
+int32_t runLook(const Frame& frame, const Look& look);
+
+template <const Look& look>
+int32_t overLook(const Frame& frame) {
+  return runLook(frame, look);
+}
+
+}  // namespace qpx

@@ -1,0 +1,171 @@
+#include <algorithm>
+
+#include "simd/rows.h"
+#include "simd/tone_rows.h"
+
+namespace qpx::simd {
+namespace {
+
+uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
+
+struct Color {
+  uint8_t r, g, b;
+};
+
+Color colorOf(int32_t y, int32_t u, int32_t v) {
+  const int32_t light = y * 1024 + 512;
+  const int32_t du = u - 128, dv = v - 128;
+  return {clampByte((light + 1436 * dv) >> 10), clampByte((light - 352 * du - 731 * dv) >> 10),
+          clampByte((light + 1815 * du) >> 10)};
+}
+
+uint8_t uOf(int32_t r, int32_t g, int32_t b) {
+  return static_cast<uint8_t>(((-173 * r - 339 * g + 512 * b) >> 10) + 128);
+}
+
+uint8_t vOf(int32_t r, int32_t g, int32_t b) {
+  return static_cast<uint8_t>(((512 * r - 428 * g - 83 * b) >> 10) + 128);
+}
+
+void halvesToRgb(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* r, uint8_t* g,
+                 uint8_t* b, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const Color color = colorOf(y[i], u[i / 2], v[i / 2]);
+    r[i] = color.r;
+    g[i] = color.g;
+    b[i] = color.b;
+  }
+}
+
+void pairsToRgb(const uint8_t* y, const uint8_t* pairs, bool vFirst, uint8_t* r, uint8_t* g,
+                uint8_t* b, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const uint8_t* pair = pairs + i / 2 * 2;
+    const Color color = colorOf(y[i], pair[vFirst ? 1 : 0], pair[vFirst ? 0 : 1]);
+    r[i] = color.r;
+    g[i] = color.g;
+    b[i] = color.b;
+  }
+}
+
+void rgbToLuma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* y, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    y[i] = static_cast<uint8_t>((306 * r[i] + 601 * g[i] + 117 * b[i]) >> 10);
+  }
+}
+
+void rgbToHalves(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* u, uint8_t* v,
+                 ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; i += 2) {
+    u[i / 2] = uOf(r[i], g[i], b[i]);
+    v[i / 2] = vOf(r[i], g[i], b[i]);
+  }
+}
+
+void rgbToPairs(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* pairs, bool vFirst,
+                ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; i += 2) {
+    pairs[i + (vFirst ? 1 : 0)] = uOf(r[i], g[i], b[i]);
+    pairs[i + (vFirst ? 0 : 1)] = vOf(r[i], g[i], b[i]);
+  }
+}
+
+void extremesMean(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                  ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const auto [least, most] = std::minmax({r[i], g[i], b[i]});
+    dst[i] = static_cast<uint8_t>((least + most) >> 1);
+  }
+}
+
+void weightedGrey(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                  ptrdiff_t count, const GreyWeights& weights) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t sum = weights.red * r[i] + weights.green * g[i] + weights.blue * b[i];
+    dst[i] = static_cast<uint8_t>((sum + 128) >> 8);
+  }
+}
+
+void sortToSepia(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const auto [least, most] = std::minmax({r[i], g[i], b[i]});
+    r[i] = most;
+    g[i] = static_cast<uint8_t>((197 * least + 59 * most) >> 8);
+    b[i] = least;
+  }
+}
+
+void saturate(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
+              int32_t amount) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    dst[i] = clampByte(src[i] + (((src[i] - grey[i]) * amount) >> 7));
+  }
+}
+
+void lean(const uint8_t* src, const uint8_t* light, const uint8_t* up, const uint8_t* down,
+          uint8_t* dst, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t weight = light[i] > 128 ? up[i] : down[i];
+    dst[i] = clampByte(src[i] + ((weight * (light[i] - 128)) >> 7));
+  }
+}
+
+void overlay(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t c = src[i], t = tone[i];
+    const int32_t mixed =
+        c < 129 ? c * 52 + ((c * t) >> 7) * 204 : c * 256 + (((255 - c) * (t - 128)) >> 7) * 204;
+    dst[i] = static_cast<uint8_t>(mixed >> 8);
+  }
+}
+
+int32_t enrichGain(int32_t least, int32_t most) {
+  const int32_t sum = least + most;
+  const int32_t saturation = (most - least) * 1024 / (sum < 256 ? sum + 1 : 511 - sum);
+  return saturation < 820 ? 253 : 0x100000 / (saturation + 1) - 1024;
+}
+
+void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const auto [least, most] = std::minmax({r[i], g[i], b[i]});
+    const int32_t mean = (least + most) >> 1;
+    const int32_t gain = enrichGain(least, most);
+    for (uint8_t* c : {r + i, g + i, b + i}) *c = clampByte(*c + (((*c - mean) * gain) >> 10));
+  }
+}
+
+void falloff(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
+             ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t s = rowTerm + colTerms[i];
+    if (s < 129) continue;
+    const int32_t behind = s - 128;
+    const int32_t w = std::max(512 - ((behind * behind) >> 10), 0);
+    for (uint8_t* c : {r + i, g + i, b + i}) *c = static_cast<uint8_t>(*c * w >> 9);
+  }
+}
+
+}  // namespace
+
+const ToneRows& plainToneRows() {
+  static constexpr ToneRows kRows = {
+      .halvesToRgb = halvesToRgb,
+      .pairsToRgb = pairsToRgb,
+      .rgbToLuma = rgbToLuma,
+      .rgbToHalves = rgbToHalves,
+      .rgbToPairs = rgbToPairs,
+      .extremesMean = extremesMean,
+      .weightedGrey = weightedGrey,
+      .sortToSepia = sortToSepia,
+      .saturate = saturate,
+      .lean = lean,
+      .overlay = overlay,
+      .enrich = enrich,
+      .falloff = falloff,
+  };
+  return kRows;
+}
+
+const ToneRows& toneRows() { return plainForms() ? plainToneRows() : vectorToneRows(); }
+
+}  // namespace qpx::simd

@@ -1,0 +1,239 @@
+// Greys of planar colours, colours moved about them, light laid on by weights and by the distance
+// from a place. Included once per target.
+#if defined(QPX_SIMD_TONE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef QPX_SIMD_TONE_INL_H_
+#undef QPX_SIMD_TONE_INL_H_
+#else
+#define QPX_SIMD_TONE_INL_H_
+#endif
+
+#include <hwy/highway.h>
+
+#include "simd/chroma-inl.h"
+#include "simd/tone_rows.h"
+
+// A target without vectors runs the plain forms.
+#if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
+
+HWY_BEFORE_NAMESPACE();
+namespace qpx::simd {
+namespace HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+HWY_INLINE V8 largest(const Bytes3& v) { return hn::Max(hn::Max(v.a, v.b), v.c); }
+HWY_INLINE V8 smallest(const Bytes3& v) { return hn::Min(hn::Min(v.a, v.b), v.c); }
+
+// The mean of two bytes, cut: what they share and half of what they do not.
+HWY_INLINE V8 cutMean(V8 a, V8 b) {
+  const V16 half = hn::ShiftRight<1>(hn::BitCast(D16(), hn::Xor(a, b)));
+  return hn::Add(hn::And(a, b), hn::BitCast(D8(), hn::And(half, word(0x7F7F))));
+}
+
+void extremesMean(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                  ptrdiff_t count) {
+  const auto op = [](V8 r8, V8 g8, V8 b8) HWY_ATTR {
+    const Bytes3 colors = {r8, g8, b8};
+    return cutMean(largest(colors), smallest(colors));
+  };
+  if (!mapRow(op, dst, count, r, g, b)) plainToneRows().extremesMean(r, g, b, dst, count);
+}
+
+// Weights that are 256 together keep the sum in 16 bits.
+void weightedGrey(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                  ptrdiff_t count, const GreyWeights& weights) {
+  const V16 wr = word(weights.red), wg = word(weights.green), wb = word(weights.blue);
+  const auto half = [=](V16 r16, V16 g16, V16 b16) HWY_ATTR {
+    const V16 sum = hn::Add(hn::Add(hn::Mul(r16, wr), hn::Mul(g16, wg)), hn::Mul(b16, wb));
+    return hn::ShiftRight<8>(hn::Add(sum, word(128)));
+  };
+  const auto op = [=](V8 r8, V8 g8, V8 b8) HWY_ATTR {
+    const Halves red = widen(r8), green = widen(g8), blue = widen(b8);
+    return narrow({half(red.even, green.even, blue.even), half(red.odd, green.odd, blue.odd)});
+  };
+  if (!mapRow(op, dst, count, r, g, b)) {
+    plainToneRows().weightedGrey(r, g, b, dst, count, weights);
+  }
+}
+
+// The three channels of whole vectors through op, in place; false if the row is shorter than one.
+template <class Op>
+HWY_INLINE bool mapColors(const Op& op, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  const auto make = [=](ptrdiff_t i) HWY_ATTR {
+    return op(Bytes3{loadBytes(r + i), loadBytes(g + i), loadBytes(b + i)});
+  };
+  const auto store = [=](const Bytes3& colors, ptrdiff_t i) HWY_ATTR {
+    storeBytes(colors.a, r + i);
+    storeBytes(colors.b, g + i);
+    storeBytes(colors.c, b + i);
+  };
+  return eachVector(byteLanes(), count, make, store);
+}
+
+void sortToSepia(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  const auto mixed = [](V16 least, V16 most) HWY_ATTR {
+    return hn::ShiftRight<8>(hn::Add(hn::Mul(least, word(197)), hn::Mul(most, word(59))));
+  };
+  const auto op = [=](const Bytes3& colors) HWY_ATTR {
+    const V8 most = largest(colors), least = smallest(colors);
+    const Halves m = widen(most), l = widen(least);
+    return Bytes3{most, narrow({mixed(l.even, m.even), mixed(l.odd, m.odd)}), least};
+  };
+  if (!mapColors(op, r, g, b, count)) plainToneRows().sortToSepia(r, g, b, count);
+}
+
+// c + ((distance * weight) >> kBits), whose product fits 16 bits.
+template <int kBits>
+HWY_INLINE V16 moved(V16 c, VS distance, VS weight) {
+  return clampWord(hn::Add(hn::BitCast(DS(), c), hn::ShiftRight<kBits>(hn::Mul(distance, weight))));
+}
+
+HWY_INLINE VS difference(V16 a, V16 b) { return hn::BitCast(DS(), hn::Sub(a, b)); }
+
+void saturate(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
+              int32_t amount) {
+  const VS weight = signedWord(amount);
+  const auto op = [=](V8 c8, V8 m8) HWY_ATTR {
+    const Halves c = widen(c8), m = widen(m8);
+    return narrow({moved<7>(c.even, difference(c.even, m.even), weight),
+                   moved<7>(c.odd, difference(c.odd, m.odd), weight)});
+  };
+  if (!mapRow(op, dst, count, src, grey)) plainToneRows().saturate(src, grey, dst, count, amount);
+}
+
+void lean(const uint8_t* src, const uint8_t* light, const uint8_t* up, const uint8_t* down,
+          uint8_t* dst, ptrdiff_t count) {
+  const auto half = [](V16 c, V16 l, V16 w) HWY_ATTR {
+    return moved<7>(c, difference(l, word(128)), hn::BitCast(DS(), w));
+  };
+  const auto op = [=](V8 c8, V8 l8, V8 up8, V8 down8) HWY_ATTR {
+    const D8 d;
+    const V8 above = hn::SaturatedSub(l8, hn::Set(d, 128));
+    const auto darker = hn::Eq(above, hn::Zero(d));
+    const Halves c = widen(c8), l = widen(l8), w = widen(hn::IfThenElse(darker, down8, up8));
+    return narrow({half(c.even, l.even, w.even), half(c.odd, l.odd, w.odd)});
+  };
+  if (!mapRow(op, dst, count, src, light, up, down)) {
+    plainToneRows().lean(src, light, up, down, dst, count);
+  }
+}
+
+// Of the darker form both products fit 16 bits without a sign, of the lighter one with a sign;
+// src * 256 passes the last shift as it is.
+HWY_INLINE V16 overlayHalf(V16 c, V16 t) {
+  const V16 shadow =
+      hn::Add(hn::Mul(c, word(52)), hn::Mul(hn::ShiftRight<7>(hn::Mul(c, t)), word(204)));
+  const V16 lean16 = arithmeticShift<7>(hn::Mul(hn::Sub(word(255), c), hn::Sub(t, word(128))));
+  const V16 lit = hn::Add(c, arithmeticShift<8>(hn::Mul(lean16, word(204))));
+  const auto dark = hn::Lt(hn::BitCast(DS(), c), signedWord(129));
+  return hn::IfThenElse(hn::RebindMask(D16(), dark), hn::ShiftRight<8>(shadow), lit);
+}
+
+void overlay(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t count) {
+  const auto op = [](V8 c8, V8 t8) HWY_ATTR {
+    const Halves c = widen(c8), t = widen(t8);
+    return narrow({overlayHalf(c.even, t.even), overlayHalf(c.odd, t.odd)});
+  };
+  if (!mapRow(op, dst, count, src, tone)) plainToneRows().overlay(src, tone, dst, count);
+}
+
+#if HWY_ARCH_ARM_V7
+// Divisions must be exact.
+void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  plainToneRows().enrich(r, g, b, count);
+}
+#else
+using D32 = hn::Repartition<int32_t, D8>;
+using DF = hn::RebindToFloat<D32>;
+using V32 = hn::Vec<D32>;
+
+// Quotients of whole numbers below 2^21 by divisors below 2^11 are never rounded up to the next
+// whole number: it is farther away than a step of the float.
+HWY_INLINE V32 quotient(V32 a, V32 b) {
+  return hn::ConvertTo(D32(), hn::Div(hn::ConvertTo(DF(), a), hn::ConvertTo(DF(), b)));
+}
+
+template <class Narrow>
+HWY_INLINE hn::Vec<hn::Rebind<int16_t, D32> > strongGain(Narrow span, Narrow base) {
+  const D32 d;
+  const V32 saturation =
+      quotient(hn::ShiftLeft<10>(hn::PromoteTo(d, span)), hn::PromoteTo(d, base));
+  const V32 full = quotient(hn::Set(d, 0x100000), hn::Add(saturation, hn::Set(d, 1)));
+  return hn::DemoteTo(hn::Rebind<int16_t, D32>(), hn::Sub(full, hn::Set(d, 1024)));
+}
+
+// span * 1024 / base is below 820 if and only if span * 256 < 205 * base; both fit 16 bits without
+// a sign.
+HWY_INLINE VS gainOf(V16 least, V16 most) {
+  const D16 d;
+  const V16 sum = hn::Add(least, most), span = hn::Sub(most, least);
+  const V16 base = hn::Min(hn::Add(sum, word(1)), hn::Sub(word(511), sum));
+  const V16 excess = hn::SaturatedSub(hn::Mul(base, word(205)), hn::ShiftLeft<8>(span));
+  const auto strong = hn::RebindMask(DS(), hn::Eq(excess, hn::Zero(d)));
+  const VS usual = signedWord(253);
+  if (hn::AllFalse(DS(), strong)) return usual;
+  const hn::Half<D16> dh;
+  const auto low = strongGain(hn::LowerHalf(dh, span), hn::LowerHalf(dh, base));
+  const auto high = strongGain(hn::UpperHalf(dh, span), hn::UpperHalf(dh, base));
+  return hn::IfThenElse(strong, hn::Combine(DS(), high, low), usual);
+}
+
+void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  const auto op = [](const Bytes3& colors) HWY_ATTR {
+    const V8 most8 = largest(colors), least8 = smallest(colors);
+    const Halves most = widen(most8), least = widen(least8), mean = widen(cutMean(most8, least8));
+    const VS even = gainOf(least.even, most.even), odd = gainOf(least.odd, most.odd);
+    const auto enriched = [&](V8 c8) HWY_ATTR {
+      const Halves c = widen(c8);
+      return narrow({moved<10>(c.even, difference(c.even, mean.even), even),
+                     moved<10>(c.odd, difference(c.odd, mean.odd), odd)});
+    };
+    return Bytes3{enriched(colors.a), enriched(colors.b), enriched(colors.c)};
+  };
+  if (!mapColors(op, r, g, b, count)) plainToneRows().enrich(r, g, b, count);
+}
+#endif
+
+struct Dimmed {
+  hn::Vec<DHalf8> r, g, b;
+};
+
+// Nothing changes up to s = 128 and nothing is left from 128 + 724 on, so that a distance of
+// 0..1023 says all. Its square is shifted as the high half of (8 * distance)^2, and c * w >> 9 is
+// the high half of 128 * c * w.
+HWY_INLINE V16 falloffWeight(VS s) {
+  const VS behind = hn::Min(hn::Max(hn::Sub(s, signedWord(128)), hn::Zero(DS())), signedWord(1023));
+  const V16 eightfold = hn::BitCast(D16(), hn::ShiftLeft<3>(behind));
+  return hn::SaturatedSub(word(512), hn::MulHigh(eightfold, eightfold));
+}
+
+void falloff(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
+             ptrdiff_t count) {
+  const VS row = signedWord(rowTerm);
+  const auto dimmed = [](const uint8_t* c, V16 weight) HWY_ATTR {
+    const V16 wide = hn::ShiftLeft<7>(hn::PromoteTo(D16(), hn::LoadU(DHalf8(), c)));
+    return hn::DemoteTo(DHalf8(), hn::BitCast(DS(), hn::MulHigh(wide, weight)));
+  };
+  const auto make = [=](ptrdiff_t i) HWY_ATTR {
+    const V16 weight = falloffWeight(hn::Add(row, hn::LoadU(DS(), colTerms + i)));
+    return Dimmed{dimmed(r + i, weight), dimmed(g + i, weight), dimmed(b + i, weight)};
+  };
+  const auto store = [=](const Dimmed& colors, ptrdiff_t i) HWY_ATTR {
+    hn::StoreU(colors.r, DHalf8(), r + i);
+    hn::StoreU(colors.g, DHalf8(), g + i);
+    hn::StoreU(colors.b, DHalf8(), b + i);
+  };
+  if (!eachVector(byteLanes() / 2, count, make, store)) {
+    plainToneRows().falloff(rowTerm, colTerms, r, g, b, count);
+  }
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace qpx::simd
+HWY_AFTER_NAMESPACE();
+
+#endif  // HWY_TARGET
+
+#endif  // per target

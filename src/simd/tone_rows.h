@@ -1,0 +1,85 @@
+// The steps of the looks that exist natively in YUV, as a table of row functions beside Rows and
+// under the same rules: no alignment needed, nothing outside [0, count) touched, plain form and
+// vector form of the same bytes.
+#ifndef QPX_SIMD_TONE_ROWS_H_
+#define QPX_SIMD_TONE_ROWS_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace qpx::simd {
+
+// Shares of 256 that a grey takes of each channel; together they are 256.
+struct GreyWeights {
+  uint8_t red, green, blue;
+};
+
+struct ToneRows {
+  // Full-range BT.601 in ten fractional bits, rounded to nearest and clamped, from chroma of halved
+  // width: sample i / 2 is that of pixel i.
+  //   r = (1024 * y + 1436 * (v - 128) + 512) >> 10
+  //   g = (1024 * y - 352 * (u - 128) - 731 * (v - 128) + 512) >> 10
+  //   b = (1024 * y + 1815 * (u - 128) + 512) >> 10
+  // Interleaved chroma comes in pairs, V before U or U before V.
+  void (*halvesToRgb)(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* r, uint8_t* g,
+                      uint8_t* b, ptrdiff_t count);
+  void (*pairsToRgb)(const uint8_t* y, const uint8_t* pairs, bool vFirst, uint8_t* r, uint8_t* g,
+                     uint8_t* b, ptrdiff_t count);
+
+  // The way back, which cuts; chroma is that of even pixels. No sum leaves 8 bits.
+  //   y = (306 * r + 601 * g + 117 * b) >> 10
+  //   u = ((-173 * r - 339 * g + 512 * b) >> 10) + 128
+  //   v = ((512 * r - 428 * g - 83 * b) >> 10) + 128
+  void (*rgbToLuma)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* y,
+                    ptrdiff_t count);
+  void (*rgbToHalves)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* u, uint8_t* v,
+                      ptrdiff_t count);
+  void (*rgbToPairs)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* pairs,
+                     bool vFirst, ptrdiff_t count);
+
+  // dst = (max + min) >> 1 of the three channels. In place on any of them.
+  void (*extremesMean)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                       ptrdiff_t count);
+
+  // dst = (weights * channels + 128) >> 8. In place on any of the three.
+  void (*weightedGrey)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
+                       ptrdiff_t count, const GreyWeights& weights);
+
+  // Red takes the largest channel, blue the smallest, green (197 * smallest + 59 * largest) >> 8.
+  void (*sortToSepia)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count);
+
+  // Away from a grey, or towards it: dst = clamp(src + (((src - grey) * amount) >> 7)), |amount| at
+  // most 128. In place on either.
+  void (*saturate)(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
+                   int32_t amount);
+
+  // Lighter where light is above 128, darker where it is below:
+  //   dst = clamp(src + (((light > 128 ? up : down) * (light - 128)) >> 7)). In place on any.
+  void (*lean)(const uint8_t* src, const uint8_t* light, const uint8_t* up, const uint8_t* down,
+               uint8_t* dst, ptrdiff_t count);
+
+  // Overlay of `tone` in 7 bits, at 204 of 256. In place on either.
+  //   src < 129: dst = (src * 52 + ((src * tone) >> 7) * 204) >> 8
+  //   otherwise: dst = (src * 256 + (((255 - src) * (tone - 128)) >> 7) * 204) >> 8
+  void (*overlay)(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t count);
+
+  // Every channel moves away from the mean m of the extremes by ((c - m) * gain) >> 10, clamped.
+  // The gain is 253, or for saturations s of 820/1024 and above what brings them to full,
+  // 2^20 / (s + 1) - 1024; s = (max - min) * 1024 / (sum + 1), of light colours / (511 - sum), sum
+  // being max + min.
+  void (*enrich)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count);
+
+  // Darkens where s = rowTerm + colTerms[i] is above 128: c = c * w >> 9 with
+  // w = max(512 - (((s - 128)^2) >> 10), 0). No sum of terms leaves 16 bits.
+  void (*falloff)(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
+                  ptrdiff_t count);
+};
+
+// As rows(), plainRows() and vectorRows().
+const ToneRows& toneRows();
+const ToneRows& plainToneRows();
+const ToneRows& vectorToneRows();
+
+}  // namespace qpx::simd
+
+#endif  // QPX_SIMD_TONE_ROWS_H_

@@ -1,0 +1,383 @@
+// Rows of the native looks: plain forms against the formulas as written, vector forms against plain
+// ones over whole domains, and what rows leave alone.
+#include "simd/tone_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <vector>
+
+#include "simd/row_cases.h"
+#include "simd/target_test.h"
+
+namespace qpx::simd {
+namespace {
+
+using Ramp = std::array<uint8_t, 256>;
+
+Ramp ramp(uint8_t first = 0) {
+  Ramp values;
+  std::iota(values.begin(), values.end(), first);
+  return values;
+}
+
+Ramp constant(int32_t value) {
+  Ramp values;
+  values.fill(static_cast<uint8_t>(value));
+  return values;
+}
+
+constexpr GreyWeights kWeights[] = {{77, 150, 29}, {64, 160, 32}, {0, 255, 1}, {255, 0, 1}};
+
+class ToneRowsTest : public TargetTest {
+ protected:
+  const ToneRows& plainTone() const { return plainToneRows(); }
+  const ToneRows& vectorTone() const { return vectorToneRows(); }
+};
+QPX_FOR_EACH_TARGET(ToneRowsTest);
+
+struct Colors {
+  Ramp r, g, b;
+  bool operator==(const Colors&) const = default;
+};
+
+// Both forms of a step on every colour.
+template <typename Step>
+void expectSameOnEveryColor(int32_t stride, const Step& step) {
+  for (int32_t r = 0; r < 256; r += stride) {
+    for (int32_t g = 0; g < 256; ++g) {
+      Colors plain = {constant(r), constant(g), ramp()};
+      Colors vector = plain;
+      step(plainToneRows(), plain);
+      step(vectorToneRows(), vector);
+      ASSERT_EQ(plain, vector) << "first " << r << ", second " << g;
+    }
+  }
+}
+
+// Chroma of each pair is one of 65536, luma takes all values in both places of the pair.
+TEST_P(ToneRowsTest, ColorsOfEveryYuv) {
+  const Ramp y = ramp();
+  const Ramp turned = ramp(1);
+  for (int32_t u = 0; u < 256; ++u) {
+    for (int32_t v = 0; v < 256; ++v) {
+      const Ramp us = constant(u), vs = constant(v);
+      Ramp pairs;
+      for (size_t i = 0; i < 256; i += 2) {
+        pairs[i] = static_cast<uint8_t>(v);
+        pairs[i + 1] = static_cast<uint8_t>(u);
+      }
+      for (const Ramp* luma : {&y, &turned}) {
+        Colors plain, planar, interleaved;
+        plainTone().halvesToRgb(luma->data(), us.data(), vs.data(), plain.r.data(), plain.g.data(),
+                                plain.b.data(), 256);
+        vectorTone().halvesToRgb(luma->data(), us.data(), vs.data(), planar.r.data(),
+                                 planar.g.data(), planar.b.data(), 256);
+        vectorTone().pairsToRgb(luma->data(), pairs.data(), true, interleaved.r.data(),
+                                interleaved.g.data(), interleaved.b.data(), 256);
+        ASSERT_EQ(plain, planar) << "u " << u << ", v " << v;
+        ASSERT_EQ(plain, interleaved) << "u " << u << ", v " << v;
+      }
+    }
+  }
+}
+
+TEST_P(ToneRowsTest, YuvOfEveryColor) {
+  expectSameOnEveryColor(1, [](const ToneRows& rows, Colors& c) {
+    Ramp y, pairs, uv = {};
+    rows.rgbToLuma(c.r.data(), c.g.data(), c.b.data(), y.data(), 256);
+    rows.rgbToHalves(c.r.data(), c.g.data(), c.b.data(), uv.data(), uv.data() + 128, 256);
+    rows.rgbToPairs(c.r.data(), c.g.data(), c.b.data(), pairs.data(), true, 256);
+    c.b = pairs;
+    c.r = y;
+    c.g = uv;
+  });
+  // Even places above are even blues; these are the odd ones.
+  expectSameOnEveryColor(1, [](const ToneRows& rows, Colors& c) {
+    Ramp pairs;
+    c.b = ramp(1);
+    rows.rgbToPairs(c.r.data(), c.g.data(), c.b.data(), pairs.data(), false, 256);
+    c.b = pairs;
+  });
+}
+
+TEST_P(ToneRowsTest, GreysOfEveryColor) {
+  expectSameOnEveryColor(1, [](const ToneRows& rows, Colors& c) {
+    Ramp mean, grey;
+    rows.extremesMean(c.r.data(), c.g.data(), c.b.data(), mean.data(), 256);
+    rows.weightedGrey(c.r.data(), c.g.data(), c.b.data(), grey.data(), 256, kWeights[0]);
+    c.r = mean;
+    c.g = grey;
+  });
+  for (const GreyWeights& weights : kWeights) {
+    expectSameOnEveryColor(5, [&](const ToneRows& rows, Colors& c) {
+      rows.weightedGrey(c.r.data(), c.g.data(), c.b.data(), c.b.data(), 256, weights);
+    });
+  }
+}
+
+TEST_P(ToneRowsTest, SepiaAndEnrichedFormsOfEveryColor) {
+  expectSameOnEveryColor(3, [](const ToneRows& rows, Colors& c) {
+    rows.sortToSepia(c.r.data(), c.g.data(), c.b.data(), 256);
+  });
+  expectSameOnEveryColor(3, [](const ToneRows& rows, Colors& c) {
+    rows.enrich(c.r.data(), c.g.data(), c.b.data(), 256);
+  });
+}
+
+TEST_P(ToneRowsTest, SaturationOfEveryPairAtEveryAmount) {
+  const Ramp grey = ramp();
+  Ramp expected, actual;
+  for (int32_t amount = -128; amount <= 128; ++amount) {
+    for (int32_t c = 0; c < 256; ++c) {
+      const Ramp src = constant(c);
+      plainTone().saturate(src.data(), grey.data(), expected.data(), 256, amount);
+      vectorTone().saturate(src.data(), grey.data(), actual.data(), 256, amount);
+      ASSERT_EQ(actual, expected) << "sample " << c << ", amount " << amount;
+    }
+  }
+}
+
+TEST_P(ToneRowsTest, LeaningOfEverySampleUnderEveryLight) {
+  const Ramp light = ramp();
+  Ramp expected, actual;
+  for (int32_t weight = 0; weight < 256; weight += 3) {
+    const Ramp up = constant(weight), down = constant(255 - weight);
+    for (int32_t c = 0; c < 256; ++c) {
+      const Ramp src = constant(c);
+      plainTone().lean(src.data(), light.data(), up.data(), down.data(), expected.data(), 256);
+      vectorTone().lean(src.data(), light.data(), up.data(), down.data(), actual.data(), 256);
+      ASSERT_EQ(actual, expected) << "sample " << c << ", weight " << weight;
+    }
+  }
+}
+
+TEST_P(ToneRowsTest, OverlayOfEveryPair) {
+  const Ramp tone = ramp();
+  Ramp expected, actual;
+  for (int32_t c = 0; c < 256; ++c) {
+    const Ramp src = constant(c);
+    plainTone().overlay(src.data(), tone.data(), expected.data(), 256);
+    vectorTone().overlay(src.data(), tone.data(), actual.data(), 256);
+    ASSERT_EQ(actual, expected) << "sample " << c;
+  }
+}
+
+TEST_P(ToneRowsTest, FalloffOfEverySampleAtEverySum) {
+  std::array<int16_t, 256> terms;
+  for (const int32_t row : {-9000, -200, 0, 128, 400, 660, 8000}) {
+    for (int32_t start = -1024; start <= 1024; start += 256) {
+      std::iota(terms.begin(), terms.end(), static_cast<int16_t>(start));
+      for (int32_t c = 0; c < 256; ++c) {
+        Colors plain = {constant(c), constant(255 - c), constant(c ^ 0x55)};
+        Colors vector = plain;
+        plainTone().falloff(row, terms.data(), plain.r.data(), plain.g.data(), plain.b.data(), 256);
+        vectorTone().falloff(row, terms.data(), vector.r.data(), vector.g.data(), vector.b.data(),
+                             256);
+        ASSERT_EQ(vector, plain) << "row " << row << ", column " << start << ", sample " << c;
+      }
+    }
+  }
+}
+
+// Every row on every count, unaligned, between bytes that must stay: up to three inputs in
+// in[0..2], up to three outputs in out[0..2].
+using Call = void (*)(const ToneRows& rows, uint8_t* const* in, uint8_t* const* out,
+                      ptrdiff_t count);
+
+struct Shape {
+  const char* name;
+  Call call;
+  ptrdiff_t (*inputBytes)(ptrdiff_t count);
+  ptrdiff_t (*outputBytes)(ptrdiff_t count);
+  int32_t outputs;
+};
+
+ptrdiff_t each(ptrdiff_t count) { return count; }
+ptrdiff_t half(ptrdiff_t count) { return (count + 1) / 2; }
+ptrdiff_t pairs(ptrdiff_t count) { return (count + 1) / 2 * 2; }
+
+std::vector<int16_t> columnTerms(ptrdiff_t count) {
+  std::vector<int16_t> terms(static_cast<size_t>(count));
+  for (size_t i = 0; i < terms.size(); ++i) terms[i] = static_cast<int16_t>(i * 37 % 900);
+  return terms;
+}
+
+void copyTo(uint8_t* const* in, uint8_t* const* out, ptrdiff_t count) {
+  for (int k = 0; k < 3; ++k) std::copy_n(in[k], count, out[k]);
+}
+
+using In = uint8_t* const*;
+using Out = uint8_t* const*;
+
+constexpr Shape kShapes[] = {
+    {"halvesToRgb",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       // Rows of chroma are half as long as those of luma: the ends of their blocks.
+       const ptrdiff_t rest = n - (n + 1) / 2;
+       rows.halvesToRgb(in[0], in[1] + rest, in[2] + rest, out[0], out[1], out[2], n);
+     },
+     each, each, 3},
+    {"pairsToRgb, V first",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.pairsToRgb(in[0], in[1], true, out[0], out[1], out[2], n);
+     },
+     pairs, each, 3},
+    {"pairsToRgb, U first",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.pairsToRgb(in[0], in[1], false, out[0], out[1], out[2], n);
+     },
+     pairs, each, 3},
+    {"rgbToLuma",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.rgbToLuma(in[0], in[1], in[2], out[0], n);
+     },
+     each, each, 1},
+    {"rgbToHalves",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.rgbToHalves(in[0], in[1], in[2], out[0], out[1], n);
+     },
+     each, half, 2},
+    {"rgbToPairs, V first",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.rgbToPairs(in[0], in[1], in[2], out[0], true, n);
+     },
+     each, pairs, 1},
+    {"rgbToPairs, U first",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.rgbToPairs(in[0], in[1], in[2], out[0], false, n);
+     },
+     each, pairs, 1},
+    {"extremesMean",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.extremesMean(in[0], in[1], in[2], out[0], n);
+     },
+     each, each, 1},
+    {"weightedGrey in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.weightedGrey(out[0], out[1], out[2], out[1], n, kWeights[1]);
+     },
+     each, each, 3},
+    {"sortToSepia",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.sortToSepia(out[0], out[1], out[2], n);
+     },
+     each, each, 3},
+    {"saturate in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.saturate(out[0], out[1], out[0], n, 55);
+     },
+     each, each, 3},
+    {"lean in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.lean(out[0], out[1], out[2], out[1], out[0], n);
+     },
+     each, each, 3},
+    {"overlay in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.overlay(out[0], out[1], out[0], n);
+     },
+     each, each, 3},
+    {"enrich",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.enrich(out[0], out[1], out[2], n);
+     },
+     each, each, 3},
+    {"falloff",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       const std::vector<int16_t> terms = columnTerms(n);
+       rows.falloff(60, terms.data(), out[0], out[1], out[2], n);
+     },
+     each, each, 3},
+};
+
+constexpr size_t kGuard = 67;
+
+// Blocks of just the bytes that a row may read, so that the address sanitizer sees more.
+struct Blocks {
+  Blocks(ptrdiff_t bytes, size_t offset, uint32_t seed) {
+    for (size_t k = 0; k < 3; ++k) {
+      blocks[k].resize(offset + static_cast<size_t>(bytes));
+      for (size_t i = 0; i < blocks[k].size(); ++i) {
+        blocks[k][i] = noise(static_cast<uint32_t>(i), seed + static_cast<uint32_t>(k));
+      }
+      rows[k] = blocks[k].data() + offset;
+    }
+  }
+
+  std::array<std::vector<uint8_t>, 3> blocks;
+  uint8_t* rows[3];
+};
+
+TEST_P(ToneRowsTest, EveryCountAndAlignmentGivesThePlainBytesAndNoOthers) {
+  for (const Shape& shape : kShapes) {
+    for (ptrdiff_t count = 0; count <= 200; ++count) {
+      const size_t offset = static_cast<size_t>(count) % 5;
+      Blocks in(shape.inputBytes(count), offset, 7);
+      const ptrdiff_t outBytes = shape.outputBytes(count) + ptrdiff_t{kGuard};
+      Blocks expected(outBytes, offset + kGuard, 90);
+      Blocks actual(outBytes, offset + kGuard, 90);
+      shape.call(plainTone(), in.rows, expected.rows, count);
+      shape.call(vectorTone(), in.rows, actual.rows, count);
+      for (size_t k = 0; k < 3; ++k) {
+        ASSERT_EQ(actual.blocks[k], expected.blocks[k])
+            << shape.name << ", count " << count << ", output " << k;
+      }
+      const Blocks untouched(outBytes, offset + kGuard, 90);
+      for (size_t k = 0; k < 3; ++k) {
+        const ptrdiff_t made =
+            static_cast<int32_t>(k) < shape.outputs ? shape.outputBytes(count) : 0;
+        const size_t start = offset + kGuard;
+        const size_t end = start + static_cast<size_t>(made);
+        const auto& now = actual.blocks[k];
+        const auto& then = untouched.blocks[k];
+        ASSERT_TRUE(
+            std::equal(now.begin(), now.begin() + static_cast<ptrdiff_t>(start), then.begin()))
+            << shape.name << " writes before its row";
+        ASSERT_TRUE(std::equal(now.begin() + static_cast<ptrdiff_t>(end), now.end(),
+                               then.begin() + static_cast<ptrdiff_t>(end)))
+            << shape.name << " writes behind its row, count " << count;
+      }
+    }
+  }
+}
+
+// By hand: y 100, u 90, v 180 is 100 + 72.92, 100 + 13.06 - 37.12, 100 - 67.35.
+TEST(PlainToneRows, ConversionRoundsInAndCutsBack) {
+  const uint8_t y[] = {100, 101, 100}, u[] = {90, 128}, v[] = {180, 128};
+  uint8_t r[3], g[3], b[3], back[3], us[2], vs[2];
+  plainToneRows().halvesToRgb(y, u, v, r, g, b, 3);
+  EXPECT_EQ(std::vector<uint8_t>(r, r + 3), (std::vector<uint8_t>{173, 174, 100}));
+  EXPECT_EQ(std::vector<uint8_t>(g, g + 3), (std::vector<uint8_t>{76, 77, 100}));
+  EXPECT_EQ(std::vector<uint8_t>(b, b + 3), (std::vector<uint8_t>{33, 34, 100}));
+  plainToneRows().rgbToLuma(r, g, b, back, 3);
+  EXPECT_EQ(back[0], 100);  // 51.70 + 44.60 + 3.77 = 100.07
+  plainToneRows().rgbToHalves(r, g, b, us, vs, 3);
+  EXPECT_EQ(us[0], 90);   // -29.23 - 25.16 + 16.5 = -37.89, cut to -38
+  EXPECT_EQ(vs[0], 180);  // 86.5 - 31.77 - 2.67 = 52.06, cut to 52
+  EXPECT_EQ(us[1], 128);
+  EXPECT_EQ(vs[1], 128);
+}
+
+TEST(PlainToneRows, PairsComeAndGoInBothOrders) {
+  const uint8_t y[] = {100, 101}, vu[] = {180, 90}, uv[] = {90, 180};
+  for (const bool vFirst : {true, false}) {
+    uint8_t r[2], g[2], b[2], pairs[2];
+    plainToneRows().pairsToRgb(y, vFirst ? vu : uv, vFirst, r, g, b, 2);
+    EXPECT_EQ(r[0], 173);
+    EXPECT_EQ(b[1], 34);
+    plainToneRows().rgbToPairs(r, g, b, pairs, vFirst, 2);
+    EXPECT_EQ(pairs[0], vFirst ? 180 : 90);
+    EXPECT_EQ(pairs[1], vFirst ? 90 : 180);
+  }
+}
+
+}  // namespace
+}  // namespace qpx::simd
