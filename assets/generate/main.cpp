@@ -11,7 +11,7 @@ namespace {
 
 using TableFamily = std::span<const Table> (*)();
 
-constexpr TableFamily kTableFamilies[] = {lookTables, pictureTables};
+constexpr TableFamily kTableFamilies[] = {inverseTables, lookTables, pictureTables, toneTables};
 
 using Family = std::span<const Texture> (*)();
 

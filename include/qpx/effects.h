@@ -190,6 +190,19 @@ typedef struct QPXReversalFilmParam {
   int32_t warmth;    /* percent, -100 ... 100; 0 is neutral, above it lights turn amber */
 } QPXReversalFilmParam;
 
+/* 0xA800, soft reversal film; 0xAC00, Japanese morning. Pictures in packed RGB clamp the strength;
+ * NV21 and YUYV mix beyond the ends, and cut what leaves a sample's range. */
+typedef struct QPXCurveLookParam {
+  int32_t strength; /* percent of the curve, 0 ... 100; 0 leaves the picture as it is but for the
+                       level that the mix takes off */
+} QPXCurveLookParam;
+
+/* 0xA900, warm lomo; 0xAA00, cold lomo; 0xAB00, soft pink. Strengths as in QPXCurveLookParam. */
+typedef struct QPXMaskedLookParam {
+  int32_t curveStrength; /* percent of the tone curve, 0 ... 100 */
+  int32_t maskStrength;  /* percent of the textures and of the tone behind them, 0 ... 100 */
+} QPXMaskedLookParam;
+
 /* The record that about a hundred looks share, 56 bytes on every target. Each reads only some of
  * the fields: QPX_GetEffectInfo tells which. Hosts clear the record first, so that fields added
  * later are neutral. */

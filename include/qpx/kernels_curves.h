@@ -8,9 +8,14 @@
  * with full-range BT.601 in ten fractional bits; a block's chroma is made from its top-left pixel,
  * of YUYV from the first of a pair. In YUV a rectangle's top and left are even.
  *
+ * Looks with strengths, 0xA800 to 0xAC00, read them from the stage's record at every call. Their
+ * textures, and that of 0xA500, are stretched over the picture; the two pixels of a YUYV pair lie
+ * under one texel. The NV21 forms of 0xA500 to 0xAC00 write a line to the log at entry, of debug
+ * priority and with the tag "IP".
+ *
  * The stage is one that QPXCreate made for the effect whose id is given; its tables are only read,
  * so that calls on distinct rectangles may run at the same time in several threads. All return 0,
- * or 2 for a null argument or a stage that holds other tables. */
+ * or 2 for a null argument or a stage that holds other tables, textures or parameters. */
 #ifndef QPX_KERNELS_CURVES_H_
 #define QPX_KERNELS_CURVES_H_
 
@@ -137,6 +142,55 @@ QPX_API int32_t FINEFOOD_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* o
                               QPXRowTable* inRows);
 QPX_API int32_t FINEFOOD_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                               QPXRowTable* inRows);
+
+/* 0xA500. Faded film under a fogged texture. */
+QPX_API int32_t FleetingTime_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                 QPXRowTable* inRows);
+QPX_API int32_t FleetingTime_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                  QPXRowTable* inRows);
+QPX_API int32_t FleetingTime_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                  QPXRowTable* inRows);
+
+/* 0xA800, QPXCurveLookParam. The curve of slide film in the wrong bath. */
+QPX_API int32_t NewReversal_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                QPXRowTable* inRows);
+QPX_API int32_t NewReversal_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                 QPXRowTable* inRows);
+QPX_API int32_t NewReversal_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                 QPXRowTable* inRows);
+
+/* 0xA900, QPXMaskedLookParam. That curve under two textures that darken the border and cast
+ * colours. */
+QPX_API int32_t WarmLomo_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                             QPXRowTable* inRows);
+QPX_API int32_t WarmLomo_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+QPX_API int32_t WarmLomo_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+
+/* 0xAA00, QPXMaskedLookParam. The same textures over a curve of blue shadows and icy lights. */
+QPX_API int32_t ColdLomo_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                             QPXRowTable* inRows);
+QPX_API int32_t ColdLomo_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+QPX_API int32_t ColdLomo_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+
+/* 0xAB00, QPXMaskedLookParam. Soft light and rosy tones under one texture. */
+QPX_API int32_t SoftPink_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                             QPXRowTable* inRows);
+QPX_API int32_t SoftPink_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+QPX_API int32_t SoftPink_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+
+/* 0xAC00, QPXCurveLookParam. An airy, sunlit curve. */
+QPX_API int32_t RIXI_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                         QPXRowTable* inRows);
+QPX_API int32_t RIXI_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                          QPXRowTable* inRows);
+QPX_API int32_t RIXI_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                          QPXRowTable* inRows);
 
 QPX_END_DECLS
 

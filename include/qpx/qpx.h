@@ -10,6 +10,7 @@
 #include <qpx/image.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_curves.h>
+#include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
 #include <qpx/png.h>
 #include <qpx/streams.h>

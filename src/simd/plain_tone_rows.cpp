@@ -119,6 +119,26 @@ void overlay(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t co
   }
 }
 
+void layTexels(const uint8_t* src, const uint8_t* texels, const uint8_t* darker,
+               const uint8_t* lighter, uint8_t* dst, ptrdiff_t count, int32_t share) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int32_t distance = 2 * texels[i] - 255;
+    const int32_t step =
+        distance < 0 ? -((-distance * darker[i] + 510) >> 10) : (distance * lighter[i] + 510) >> 10;
+    const int32_t laid = clampByte(src[i] + step);
+    dst[i] = static_cast<uint8_t>((src[i] * (1024 - share) + laid * share) >> 10);
+  }
+}
+
+void mixPercent(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
+                int32_t percent) {
+  const int64_t share = percent;
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const int64_t sum = share * top[i] + (100 - share) * base[i];
+    dst[i] = static_cast<uint8_t>(std::clamp<int64_t>((sum * 327) >> 15, 0, 255));
+  }
+}
+
 int32_t enrichGain(int32_t least, int32_t most) {
   const int32_t sum = least + most;
   const int32_t saturation = (most - least) * 1024 / (sum < 256 ? sum + 1 : 511 - sum);
@@ -160,6 +180,8 @@ const ToneRows& plainToneRows() {
       .saturate = saturate,
       .lean = lean,
       .overlay = overlay,
+      .layTexels = layTexels,
+      .mixPercent = mixPercent,
       .enrich = enrich,
       .falloff = falloff,
   };

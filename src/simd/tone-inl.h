@@ -138,6 +138,54 @@ void overlay(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t co
   if (!mapRow(op, dst, count, src, tone)) plainToneRows().overlay(src, tone, dst, count);
 }
 
+// Products of a distance and a weight, and the 510 beside them, just fit 16 bits; what is left of
+// them is below 64, so that 64 times a step fits with a sign.
+void layTexels(const uint8_t* src, const uint8_t* texels, const uint8_t* darker,
+               const uint8_t* lighter, uint8_t* dst, ptrdiff_t count, int32_t share) {
+  const VS share16 = signedWord(share);
+  const auto stepHalf = [](V16 texel, V16 weight) HWY_ATTR {
+    const V16 distance = hn::Add(hn::Add(texel, texel), word(1));
+    return hn::ShiftRight<10>(hn::Add(hn::Mul(distance, weight), word(510)));
+  };
+  const auto mixHalf = [=](V16 c, V16 laid) HWY_ATTR {
+    const VS step = hn::ShiftLeft<6>(difference(laid, c));
+    return hn::Add(c, hn::BitCast(D16(), hn::MulHigh(step, share16)));
+  };
+  const auto op = [=](V8 c8, V8 t8, V8 darker8, V8 lighter8) HWY_ATTR {
+    const D8 d;
+    const auto dark = hn::Lt(t8, hn::Set(d, 128));
+    const V8 behind8 = hn::Xor(t8, hn::IfThenElse(dark, hn::Set(d, 0x7F), hn::Set(d, 0x80)));
+    const Halves behind = widen(behind8), w = widen(hn::IfThenElse(dark, darker8, lighter8));
+    const V8 step8 = narrow({stepHalf(behind.even, w.even), stepHalf(behind.odd, w.odd)});
+    const V8 laid8 = hn::IfThenElse(dark, hn::SaturatedSub(c8, step8), hn::SaturatedAdd(c8, step8));
+    const Halves c = widen(c8), laid = widen(laid8);
+    return narrow({mixHalf(c.even, laid.even), mixHalf(c.odd, laid.odd)});
+  };
+  if (!mapRow(op, dst, count, src, texels, darker, lighter)) {
+    plainToneRows().layTexels(src, texels, darker, lighter, dst, count, share);
+  }
+}
+
+// Sums of up to 25500 are doubled, so that the high half of a product is its shift by 15.
+void mixPercent(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
+                int32_t percent) {
+  if (percent < 0 || percent > 100) {
+    plainToneRows().mixPercent(base, top, dst, count, percent);
+    return;
+  }
+  const V16 ofTop = word(2 * percent), ofBase = word(2 * (100 - percent));
+  const auto half = [=](V16 b, V16 t) HWY_ATTR {
+    return hn::MulHigh(hn::Add(hn::Mul(t, ofTop), hn::Mul(b, ofBase)), word(327));
+  };
+  const auto op = [=](V8 b8, V8 t8) HWY_ATTR {
+    const Halves b = widen(b8), t = widen(t8);
+    return narrow({half(b.even, t.even), half(b.odd, t.odd)});
+  };
+  if (!mapRow(op, dst, count, base, top)) {
+    plainToneRows().mixPercent(base, top, dst, count, percent);
+  }
+}
+
 #if HWY_ARCH_ARM_V7
 // Divisions must be exact.
 void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {

@@ -63,6 +63,21 @@ struct ToneRows {
   //   otherwise: dst = (src * 256 + (((255 - src) * (tone - 128)) >> 7) * 204) >> 8
   void (*overlay)(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t count);
 
+  // A texture over samples: texels below the middle darken, texels above it lighten, in proportion
+  // to their distance d = |2 * texel - 255| from it. `darker` and `lighter` are what the farthest
+  // texels do to each sample, in 1024ths of 255.
+  //   laid = texel < 128 ? src - ((d * darker + 510) >> 10) : src + ((d * lighter + 510) >> 10)
+  //   dst = (src * (1024 - share) + laid * share) >> 10, laid being clamped and share in 0..1024
+  // In place on any.
+  void (*layTexels)(const uint8_t* src, const uint8_t* texels, const uint8_t* darker,
+                    const uint8_t* lighter, uint8_t* dst, ptrdiff_t count, int32_t share);
+
+  // The family's mix by percent, whose 327 / 2^15 is a little less than a hundredth:
+  //   dst = clamp(((top * percent + base * (100 - percent)) * 327) >> 15)
+  // Any percent; sums do not wrap. In place on either.
+  void (*mixPercent)(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
+                     int32_t percent);
+
   // Every channel moves away from the mean m of the extremes by ((c - m) * gain) >> 10, clamped.
   // The gain is 253, or for saturations s of 820/1024 and above what brings them to full,
   // 2^20 / (s + 1) - 1024; s = (max - min) * 1024 / (sum + 1), of light colours / (511 - sum), sum

@@ -29,6 +29,8 @@ const ToneRows& bestToneRows() {
       .saturate = saturate,
       .lean = lean,
       .overlay = overlay,
+      .layTexels = layTexels,
+      .mixPercent = mixPercent,
       .enrich = enrich,
       .falloff = falloff,
   };

@@ -17,8 +17,18 @@ struct Unclamped {
   const char* reason;
 };
 
+constexpr const char* kMixesBeyond = "previews mix beyond the ends of the range";
+
 constexpr Unclamped kUnclamped[] = {
     {0x6000, "mode", "hosts switch the effect off by a mode that it does not know"},
+    {0xA800, "strength", kMixesBeyond},
+    {0xA900, "curveStrength", kMixesBeyond},
+    {0xA900, "maskStrength", kMixesBeyond},
+    {0xAA00, "curveStrength", kMixesBeyond},
+    {0xAA00, "maskStrength", kMixesBeyond},
+    {0xAB00, "curveStrength", kMixesBeyond},
+    {0xAB00, "maskStrength", kMixesBeyond},
+    {0xAC00, "strength", kMixesBeyond},
 };
 
 // Puts what is excepted back inside the range.

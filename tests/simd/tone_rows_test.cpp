@@ -163,6 +163,67 @@ TEST_P(ToneRowsTest, OverlayOfEveryPair) {
   }
 }
 
+TEST_P(ToneRowsTest, TexelsOverEverySample) {
+  const Ramp texels = ramp();
+  Ramp expected, actual;
+  for (const int32_t share : {0, 1, 307, 410, 1023, 1024}) {
+    for (int32_t c = 0; c < 256; ++c) {
+      const Ramp src = constant(c);
+      for (int32_t weight = 0; weight < 256; weight += 17) {
+        const Ramp darker = constant(weight), lighter = constant(255 - weight);
+        plainTone().layTexels(src.data(), texels.data(), darker.data(), lighter.data(),
+                              expected.data(), 256, share);
+        vectorTone().layTexels(src.data(), texels.data(), darker.data(), lighter.data(),
+                               actual.data(), 256, share);
+        ASSERT_EQ(actual, expected) << "sample " << c << ", weight " << weight << ", " << share;
+      }
+    }
+  }
+}
+
+// By hand: 100 under texel 0 is 255 * 200 / 1024 = 49.8 + 510 / 1024 lower, under texel 255 25.4 +
+// 510 / 1024 higher; 307 of 1024 parts of the way to 50 is 15.0 short of 100, floored.
+TEST_P(ToneRowsTest, TexelsDarkenBelowTheMiddleAndLightenAbove) {
+  const Ramp src = constant(100), darker = constant(200), lighter = constant(102);
+  Ramp texels = constant(0), laid;
+  texels[1] = 255;
+  texels[2] = 127;
+  texels[3] = 128;
+  vectorTone().layTexels(src.data(), texels.data(), darker.data(), lighter.data(), laid.data(), 256,
+                         1024);
+  EXPECT_EQ(laid[0], 50);
+  EXPECT_EQ(laid[1], 125);
+  EXPECT_EQ(laid[2], 100);
+  EXPECT_EQ(laid[3], 100);
+  vectorTone().layTexels(src.data(), texels.data(), darker.data(), lighter.data(), laid.data(), 256,
+                         307);
+  EXPECT_EQ(laid[0], 85);   // (100 * 717 + 50 * 307) >> 10 = 85.009
+  EXPECT_EQ(laid[1], 107);  // (100 * 717 + 125 * 307) >> 10 = 107.49
+}
+
+TEST_P(ToneRowsTest, MixByPercentOfEveryPair) {
+  const Ramp base = ramp();
+  Ramp expected, actual;
+  for (int32_t percent = -3; percent <= 103; ++percent) {
+    for (int32_t c = 0; c < 256; ++c) {
+      const Ramp top = constant(c);
+      vectorTone().mixPercent(base.data(), top.data(), actual.data(), 256, percent);
+      for (int32_t b = 0; b < 256; ++b) {
+        const int32_t mixed = ((percent * c + (100 - percent) * b) * 327) >> 15;
+        expected[static_cast<size_t>(b)] = static_cast<uint8_t>(std::clamp(mixed, 0, 255));
+      }
+      ASSERT_EQ(actual, expected) << "top " << c << ", percent " << percent;
+    }
+  }
+  for (const int32_t percent : {INT32_MIN, -1000000, 1000000, INT32_MAX}) {
+    const Ramp top = constant(100);
+    vectorTone().mixPercent(base.data(), top.data(), actual.data(), 256, percent);
+    EXPECT_EQ(actual[99], percent > 0 ? 255 : 0);
+    EXPECT_EQ(actual[101], percent > 0 ? 0 : 255);
+    EXPECT_EQ(actual[100], 99) << "of two equal samples, whatever the percent";
+  }
+}
+
 TEST_P(ToneRowsTest, FalloffOfEverySampleAtEverySum) {
   std::array<int16_t, 256> terms;
   for (const int32_t row : {-9000, -200, 0, 128, 400, 660, 8000}) {
@@ -283,6 +344,28 @@ constexpr Shape kShapes[] = {
        rows.overlay(out[0], out[1], out[0], n);
      },
      each, each, 3},
+    {"layTexels",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.layTexels(in[0], in[1], in[2], in[0], out[0], n, 410);
+     },
+     each, each, 1},
+    {"layTexels in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.layTexels(out[0], out[1], out[2], out[1], out[0], n, 307);
+     },
+     each, each, 3},
+    {"mixPercent in place",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       copyTo(in, out, n);
+       rows.mixPercent(out[0], out[1], out[0], n, 68);
+     },
+     each, each, 3},
+    {"mixPercent beyond its range",
+     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
+       rows.mixPercent(in[0], in[1], out[0], n, 268);
+     },
+     each, each, 1},
     {"enrich",
      [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
        copyTo(in, out, n);

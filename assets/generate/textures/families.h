@@ -50,7 +50,9 @@ std::span<const Texture> shardTextures();
 std::span<const Texture> surfaceTextures();
 
 // One function for each file of tables/.
+std::span<const Table> inverseTables();
 std::span<const Table> lookTables();
 std::span<const Table> pictureTables();
+std::span<const Table> toneTables();
 
 }  // namespace qpx::drawing

@@ -76,4 +76,16 @@ inline constexpr QPXParamInfo kReversalFilmParams[] = {
     intParam("warmth", "Turns lights amber, or blue.", "percent",
              offsetof(QPXReversalFilmParam, warmth), -100, 100, 0)};
 
+static_assert(sizeof(QPXCurveLookParam) == 4 && sizeof(QPXMaskedLookParam) == 8);
+
+inline constexpr QPXParamInfo kCurveLookParams[] = {
+    intParam("strength", "How much of the curve is mixed in.", "percent",
+             offsetof(QPXCurveLookParam, strength), 0, 100, 100)};
+
+inline constexpr QPXParamInfo kMaskedLookParams[] = {
+    intParam("curveStrength", "How much of the tone curve is mixed in.", "percent",
+             offsetof(QPXMaskedLookParam, curveStrength), 0, 100, 100),
+    intParam("maskStrength", "How much of the textures is mixed in.", "percent",
+             offsetof(QPXMaskedLookParam, maskStrength), 0, 100, 100)};
+
 }  // namespace qpx::curves

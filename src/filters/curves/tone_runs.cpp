@@ -118,13 +118,13 @@ class PackedRuns {
 // Rows from the bottom up, so that input and output may be one picture: chroma is written with the
 // first row of its block, behind all others that read it. Runs end with a pair.
 template <typename Layout>
-int32_t runHalved(const Frame& frame, Recipe recipe, const Layout& layout, int32_t right) {
+int32_t runHalved(const Frame& frame, RunBody body, const Layout& layout, int32_t right) {
   PixelRun run;
   for (run.y = frame.rect.bottom - 1; run.y >= frame.rect.top; --run.y) {
     for (run.x = frame.rect.left; run.x < right; run.x += run.count) {
       run.count = std::min(right - run.x, kRunLength - run.x % 2);
       layout.load(frame.in, run);
-      recipe(frame.stage, run);
+      body(run);
       layout.store(run, frame.out);
     }
   }
@@ -159,38 +159,55 @@ void convert(const int32_t (&matrix)[3][4], const PixelRun& from, PixelRun& to) 
   to.count = from.count;
 }
 
-int32_t runPlanar(const Frame& frame, Recipe recipe) {
+int32_t runPlanar(const Frame& frame, RunBody body) {
   const RunFormat format(frame.stage);
   PixelRun colors;
   forEachRun(format, frame.rect, [&](PixelRun& run) {
     format.loadComponents(frame.in, run);
     convert(kToRgb, run, colors);
-    recipe(frame.stage, colors);
+    body(colors);
     convert(kToYuv, colors, run);
     format.storeComponents(run, frame.in, frame.out);
   });
   return QPX_OK;
 }
 
-int32_t runYuv(const Frame& frame, Recipe recipe) {
+int32_t runYuv(const Frame& frame, RunBody body) {
   const Stage& stage = frame.stage;
   const int32_t right = frame.rect.right;
-  if (isSemiPlanar(stage.pix)) return runHalved(frame, recipe, SemiPlanarRuns(stage), right);
-  if (stage.pix.xSampling[1] == 2) return runHalved(frame, recipe, PlanarRuns(stage), right);
-  return runPlanar(frame, recipe);
+  if (isSemiPlanar(stage.pix)) return runHalved(frame, body, SemiPlanarRuns(stage), right);
+  if (stage.pix.xSampling[1] == 2) return runHalved(frame, body, PlanarRuns(stage), right);
+  return runPlanar(frame, body);
+}
+
+int32_t runPacked(const Frame& frame, RunBody body) {
+  const RunFormat format(frame.stage);
+  if (!format.known()) return QPX_UNSUPPORTED;
+  forEachRun(format, frame.rect, [&](PixelRun& run) {
+    format.load(frame.in, run);
+    body(run);
+    format.store(run, frame.in, frame.out);
+  });
+  return QPX_OK;
 }
 
 }  // namespace
+
+int32_t runBody(const Frame& frame, RunBody body) {
+  const Stage& stage = frame.stage;
+  if (stage.pix.format == QPX_FORMAT_YUYV) {
+    return runHalved(frame, body, PackedRuns(), packedRight(frame));
+  }
+  if (stage.pix.family == kFamilyYuyv) return QPX_UNSUPPORTED;
+  return isYuv(stage.pix) ? runYuv(frame, body) : runPacked(frame, body);
+}
 
 int32_t runLook(const Frame& frame, const Look& look) {
   const Stage& stage = frame.stage;
   if (look.ready != nullptr && !look.ready(stage)) return QPX_BAD_PARAM;
   if (look.applies != nullptr && !look.applies(stage)) return QPX_OK;
-  if (stage.pix.format == QPX_FORMAT_YUYV) {
-    return runHalved(frame, look.recipe, PackedRuns(), packedRight(frame));
-  }
-  if (stage.pix.family == kFamilyYuyv) return QPX_UNSUPPORTED;
-  return isYuv(stage.pix) ? runYuv(frame, look.recipe) : runRecipe(frame, look.recipe);
+  auto recipe = [&](PixelRun& run) { look.recipe(stage, run); };
+  return runBody(frame, RunBody(recipe));
 }
 
 }  // namespace qpx

@@ -19,8 +19,23 @@ struct Look {
   bool (*applies)(const Stage&) = nullptr;  // otherwise nothing is written, which is no error
 };
 
+// A recipe that keeps what its call prepared: any callable that takes a run and outlives the call.
+class RunBody {
+ public:
+  template <typename Body>
+  explicit RunBody(Body& body)
+      : body_(&body), call_([](void* made, PixelRun& run) { (*static_cast<Body*>(made))(run); }) {}
+
+  void operator()(PixelRun& run) const { call_(body_, run); }
+
+ private:
+  void* body_;
+  void (*call_)(void*, PixelRun&);
+};
+
 // Over all formats that runs know, and packed 4:2:2 in the order Y, U, Y, V.
 int32_t runLook(const Frame& frame, const Look& look);
+int32_t runBody(const Frame& frame, RunBody body);
 
 template <const Look& look>
 int32_t overLook(const Frame& frame) {
