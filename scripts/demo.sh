@@ -57,6 +57,9 @@ look solarised-half Fx2100 --strength 50
 look grey-negative Fx1700 Fx1800 --format rgb565 --band 37
 look exposure-rgba Fx4700 --format rgba32 --band 128
 
+"$qpx" sheet "$photo" out/demo/sheet.png
+echo "  out/demo/sheet.png: every effect side by side"
+
 echo
 echo "Compare them with the photo in out/demo. '$qpx list' shows all effects,"
 echo "'$qpx apply --help' how to use them."

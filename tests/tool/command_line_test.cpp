@@ -56,8 +56,11 @@ class CommandLineTest : public ToolTest {
 };
 
 TEST_F(CommandLineTest, EveryExampleOfTheHelpRuns) {
-  for (const Words& call :
-       {Words{"--help"}, {"apply", "--help"}, {"list", "--help"}, {"sample", "--help"}}) {
+  for (const Words& call : {Words{"--help"},
+                            {"apply", "--help"},
+                            {"list", "--help"},
+                            {"sample", "--help"},
+                            {"sheet", "--help"}}) {
     const Words examples = examplesIn(run(call).out);
     EXPECT_FALSE(examples.empty()) << call.front();
     for (const std::string& example : examples) {
@@ -110,7 +113,7 @@ TEST_F(CommandLineTest, NamesLikeOptionsGetAHint) {
 TEST_F(CommandLineTest, AMisspeltCommandIsNamed) {
   EXPECT_TRUE(
       failedWith(run({"aply", "Fx1300"}), 2, "unknown command 'aply' (did you mean apply?)"));
-  EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2, "'photo.jpg': use one of apply, list, sample"));
+  EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2, "'photo.jpg': use one of apply, list, sheet"));
   EXPECT_TRUE(failedWith(run({"--plain"}), 2, "qpx --help"));
 }
 

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "apply_plan.h"
@@ -16,6 +15,7 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "image_file.h"
+#include "parallel.h"
 #include "progress.h"
 #include "text.h"
 
@@ -45,22 +45,15 @@ void runJob(const Job& job, const Plan& plan, const RunOptions& options, int qua
 // Every file is tried, whatever becomes of the others. Returns how many failed.
 int runAll(const Plan& plan, const RunOptions& options, int workers, int quality,
            Progress& progress) {
-  std::atomic<size_t> next{0};
   std::atomic<int> failed{0};
-  const auto work = [&] {
-    for (size_t i = next++; i < plan.jobs.size(); i = next++) {
-      try {
-        runJob(plan.jobs[i], plan, options, quality, progress);
-      } catch (const std::exception& error) {
-        ++failed;
-        printError(error.what());
-      }
+  forEachInThreads(plan.jobs.size(), workers, [&](size_t i) {
+    try {
+      runJob(plan.jobs[i], plan, options, quality, progress);
+    } catch (const std::exception& error) {
+      ++failed;
+      printError(error.what());
     }
-  };
-  std::vector<std::jthread> threads;
-  for (int i = 1; i < workers; ++i) threads.emplace_back(work);
-  work();
-  threads.clear();  // joins
+  });
   return failed;
 }
 
@@ -80,8 +73,7 @@ void apply(const ApplyArguments& arguments) {
   options.strength = arguments.strength;
   options.level = arguments.level;
   options.forceThreads = arguments.threads > 0;
-  const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-  const int threads = arguments.threads > 0 ? arguments.threads : processors;
+  const int threads = arguments.threads > 0 ? arguments.threads : defaultThreads();
   const int workers = std::min(threads, static_cast<int>(plan.jobs.size()));
   options.threads = plan.jobs.size() > 1 ? 1 : threads;
 

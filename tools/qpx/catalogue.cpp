@@ -53,6 +53,26 @@ std::vector<std::string> familyNames() {
   return names;
 }
 
+std::string familyByName(std::string_view name) {
+  const std::vector<std::string> families = familyNames();
+  for (const std::string& family : families) {
+    if (sameName(family, name)) return family;
+  }
+  throw UsageError("unknown family '" + std::string(name) + "'" + suggestion(name, families) +
+                   ": choose one of " + joined(families, ", "));
+}
+
+std::vector<const QPXEffectInfo*> effectsWhere(
+    const std::function<bool(const QPXEffectInfo&)>& wanted) {
+  std::vector<const QPXEffectInfo*> effects;
+  for (const QPXEffectInfo& effect : catalogue()) {
+    if (wanted(effect)) effects.push_back(&effect);
+  }
+  std::sort(effects.begin(), effects.end(),
+            [](const QPXEffectInfo* a, const QPXEffectInfo* b) { return a->id < b->id; });
+  return effects;
+}
+
 std::string idText(uint32_t id) {
   std::array<char, 12> text{};
   std::snprintf(text.data(), text.size(), "0x%04X", static_cast<unsigned>(id));

@@ -3,6 +3,7 @@
 
 #include <qpx/effects.h>
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +33,14 @@ const QPXEffectInfo* findEffect(std::string_view name);
 const QPXEffectInfo& effectByName(std::string_view name);
 
 std::vector<std::string> familyNames();
+
+// As the catalogue spells it, case ignored. Throws UsageError, which names the families.
+std::string familyByName(std::string_view name);
+
+// Those that `wanted` says yes to, by ascending ids.
+std::vector<const QPXEffectInfo*> effectsWhere(
+    const std::function<bool(const QPXEffectInfo&)>& wanted);
+
 std::string idText(uint32_t id);
 
 // The pixel formats that an effect runs in, by name.

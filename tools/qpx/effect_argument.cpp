@@ -78,6 +78,15 @@ double parseValue(const QPXEffectInfo& effect, const QPXParamInfo& param, const 
                    rangeText(param));
 }
 
+template <typename T>
+void store(std::vector<uint8_t>& record, int32_t offset, T value) {
+  const auto place = static_cast<size_t>(offset);
+  if (offset < 0 || record.size() < sizeof value || place > record.size() - sizeof value) return;
+  std::memcpy(record.data() + place, &value, sizeof value);
+}
+
+}  // namespace
+
 size_t paramIndex(const QPXEffectInfo& effect, const std::string& name) {
   const std::span<const QPXParamInfo> params = paramsOf(effect);
   std::vector<std::string> names;
@@ -89,15 +98,6 @@ size_t paramIndex(const QPXEffectInfo& effect, const std::string& name) {
                    suggestion(name, names) + ": " +
                    (names.empty() ? "it takes none" : "it takes " + joined(names, ", ")));
 }
-
-template <typename T>
-void store(std::vector<uint8_t>& record, int32_t offset, T value) {
-  const auto place = static_cast<size_t>(offset);
-  if (offset < 0 || record.size() < sizeof value || place > record.size() - sizeof value) return;
-  std::memcpy(record.data() + place, &value, sizeof value);
-}
-
-}  // namespace
 
 uint32_t parseColor(std::string_view text) {
   std::optional<uint32_t> value;

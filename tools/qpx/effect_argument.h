@@ -29,6 +29,10 @@ bool namesEffect(std::string_view argument);
 // effect or parameter and for a value that is none or out of range, naming what would do.
 EffectCall parseEffect(std::string_view argument);
 
+// Where a parameter stands in the catalogue's order, case ignored. Throws UsageError, which
+// suggests the nearest name.
+size_t paramIndex(const QPXEffectInfo& effect, const std::string& name);
+
 // 0xRRGGBB from "#rrggbb", "#rgb", "0xRRGGBB" or a colour name. Throws UsageError.
 uint32_t parseColor(std::string_view text);
 

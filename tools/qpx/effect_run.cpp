@@ -53,8 +53,7 @@ void checkWantedFormat(Chain chain, const PixelFormat& format) {
 
 void checkSecond(Chain chain, const RunOptions& options) {
   const bool any = std::any_of(chain.begin(), chain.end(), takesSecond);
-  const bool overlay = std::any_of(chain.begin(), chain.end(), mayTakeOverlay);
-  if (options.second && !any && !overlay) {
+  if (options.second && std::none_of(chain.begin(), chain.end(), mayTakeSecond)) {
     throw UsageError("no effect of the chain takes a second picture: leave --second out");
   }
   if (options.mask && any && chain.size() > 1) {
@@ -88,16 +87,18 @@ std::string namesOf(Chain chain) {
 
 [[noreturn]] void fail(Chain chain, int32_t code, const Frame& frame, bool overlayMissing) {
   const std::string what = namesOf(chain) + ": ";
-  if (code == QPX_NO_MEMORY) throw RunError(what + "not enough memory: use a smaller picture");
+  if (code == QPX_NO_MEMORY)
+    throw EngineError(code, what + "not enough memory: use a smaller picture");
   if (code == QPX_UNSUPPORTED) {
-    throw RunError(what + "the engine does not run it in " + frame.format().name +
-                   ": try another --format");
+    throw EngineError(code, what + "the engine does not run it in " + frame.format().name +
+                                ": try another --format");
   }
-  throw RunError(what + "the engine refuses it (code " + std::to_string(code) + ") for " +
-                 std::to_string(frame.width()) + "x" + std::to_string(frame.height()) +
-                 (overlayMissing
-                      ? " pixels: effects that lay a picture over the source need --second"
-                      : " pixels: try other parameters"));
+  throw EngineError(
+      code,
+      what + "the engine refuses it (code " + std::to_string(code) + ") for " +
+          std::to_string(frame.width()) + "x" + std::to_string(frame.height()) +
+          (overlayMissing ? " pixels: effects that lay a picture over the source need --second"
+                          : " pixels: try other parameters"));
 }
 
 // What the groups of a chain have in common.
@@ -173,6 +174,8 @@ class ChainRun {
 };
 
 }  // namespace
+
+bool mayTakeSecond(const EffectCall& call) { return takesSecond(call) || mayTakeOverlay(call); }
 
 void checkChain(const std::vector<EffectCall>& chain, const RunOptions& options) {
   for (const EffectCall& call : chain) {

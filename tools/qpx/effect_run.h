@@ -29,6 +29,10 @@ constexpr int64_t kEffectSteps = 500;
 constexpr int64_t kWriteSteps = 250;
 constexpr int64_t kPictureSteps = kReadSteps + kEffectSteps + kWriteSteps;
 
+// Effects that take a second picture, and those that might: they ignore one that they have no use
+// for.
+bool mayTakeSecond(const EffectCall& call);
+
 // Everything that is known to be wrong before a picture is read: effects that are not built or do
 // not run in the format, a second picture that none takes. Throws UsageError.
 void checkChain(const std::vector<EffectCall>& chain, const RunOptions& options);

@@ -84,6 +84,13 @@ Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
 
 }  // namespace
 
+std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to) {
+  if (!to.empty()) return to == "png" ? FileKind::png : FileKind::jpeg;
+  if (path == "-") return std::nullopt;
+  if (const std::optional<FileKind> kind = kindByName(path)) return kind;
+  throw UsageError(path + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
+}
+
 std::string displayName(const std::string& path, bool input) {
   if (path != "-") return path;
   return input ? "standard input" : "standard output";

@@ -31,6 +31,10 @@ std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);
 
+// The format wanted by --to ("png", "jpeg", "jpg" or empty), else that of the name; nothing for
+// standard output without a wish. Throws UsageError for a name that says nothing.
+std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to);
+
 // How a path is called in messages.
 std::string displayName(const std::string& path, bool input);
 

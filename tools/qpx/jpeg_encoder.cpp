@@ -127,14 +127,6 @@ class Encoder {
   Destination destination_{};
 };
 
-void layOnWhite(const uint8_t* rgba, int32_t width, uint8_t* rgb) {
-  for (int32_t x = 0; x < width; ++x, rgba += 4, rgb += 3) {
-    for (int c = 0; c < 3; ++c) {
-      rgb[c] = static_cast<uint8_t>((rgba[c] * rgba[3] + 255 * (255 - rgba[3]) + 127) / 255);
-    }
-  }
-}
-
 static_assert(kMaxJpegSide == JPEG_MAX_DIMENSION);
 
 constexpr size_t kMaxSegment = 65533;

@@ -101,27 +101,13 @@ std::vector<const QPXEffectInfo*> selected(const ListArguments& arguments) {
     }
     return {&effectByName(arguments.name)};
   }
-  const std::vector<std::string> families = familyNames();
-  const bool known = std::any_of(families.begin(), families.end(), [&](const std::string& family) {
-    return sameName(family, arguments.family);
-  });
-  if (!arguments.family.empty() && !known) {
-    throw UsageError("unknown family '" + arguments.family + "'" +
-                     suggestion(arguments.family, families) + ": choose one of " +
-                     joined(families, ", "));
-  }
+  const std::string family = arguments.family.empty() ? "" : familyByName(arguments.family);
   const PixelFormat* format =
       arguments.format.empty() ? nullptr : &pixelFormatByName(arguments.format);
-  std::vector<const QPXEffectInfo*> effects;
-  for (const QPXEffectInfo& effect : catalogue()) {
-    if (!arguments.family.empty() && !sameName(effect.family, arguments.family)) continue;
-    if (format && !takes(effect, *format)) continue;
-    if (arguments.built && !isBuilt(effect)) continue;
-    effects.push_back(&effect);
-  }
-  std::sort(effects.begin(), effects.end(),
-            [](const QPXEffectInfo* a, const QPXEffectInfo* b) { return a->id < b->id; });
-  return effects;
+  return effectsWhere([&](const QPXEffectInfo& effect) {
+    return (family.empty() || family == effect.family) && (!format || takes(effect, *format)) &&
+           (!arguments.built || isBuilt(effect));
+  });
 }
 
 void printTable(const std::vector<const QPXEffectInfo*>& effects) {

@@ -68,6 +68,7 @@ int main(int argc, char** argv) {
       "  qpx apply Fx4800 scene.png warm.jpg");
   addApplyCommand(app);
   addListCommand(app);
+  addSheetCommand(app);
   addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {

@@ -116,6 +116,14 @@ Picture scaledDown(const Picture& from, int32_t height) {
   return to;
 }
 
+// Everything but the samples.
+void takeMetadata(Picture& to, Picture&& from) {
+  to.kind = from.kind;
+  to.exif = std::move(from.exif);
+  to.icc = std::move(from.icc);
+  to.density = from.density;
+}
+
 }  // namespace
 
 void checkSize(int64_t width, int64_t height, int channels) {
@@ -172,12 +180,27 @@ Picture turned(Picture picture, int orientation) {
       turnTile(picture, result, orientation, left, top);
     }
   }
-  result.kind = picture.kind;
-  result.exif = std::move(picture.exif);
-  result.icc = std::move(picture.icc);
-  result.density = picture.density;
+  takeMetadata(result, std::move(picture));
   if (onItsSide) std::swap(result.density.across, result.density.down);
   return result;
+}
+
+void layOnWhite(const uint8_t* rgba, int32_t width, uint8_t* rgb) {
+  for (int32_t x = 0; x < width; ++x, rgba += 4, rgb += 3) {
+    for (int c = 0; c < 3; ++c) {
+      rgb[c] = static_cast<uint8_t>((rgba[c] * rgba[3] + 255 * (255 - rgba[3]) + 127) / 255);
+    }
+  }
+}
+
+Picture onWhite(Picture picture) {
+  if (!picture.hasAlpha()) return picture;
+  Picture opaque(picture.width(), picture.height(), 3);
+  for (int32_t y = 0; y < picture.height(); ++y) {
+    layOnWhite(picture.row(y), picture.width(), opaque.row(y));
+  }
+  takeMetadata(opaque, std::move(picture));
+  return opaque;
 }
 
 Picture scaled(const Picture& picture, int32_t width, int32_t height) {

@@ -64,6 +64,12 @@ Picture copyOf(const Picture& picture);
 // and profile come along unchanged.
 Picture turned(Picture picture, int orientation);
 
+// RGB over white from a row of RGBA.
+void layOnWhite(const uint8_t* rgba, int32_t width, uint8_t* rgb);
+
+// Without transparency, and with the metadata. A picture that has no alpha stays as it is.
+Picture onWhite(Picture picture);
+
 // Scaled to another size with a triangle filter that widens when it shrinks.
 Picture scaled(const Picture& picture, int32_t width, int32_t height);
 

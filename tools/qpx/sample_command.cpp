@@ -45,16 +45,9 @@ Size parseSize(const std::string& text) {
                    "megapixels");
 }
 
-FileKind kindFor(const SampleArguments& arguments) {
-  if (!arguments.to.empty()) return arguments.to == "png" ? FileKind::png : FileKind::jpeg;
-  if (arguments.out == "-") return FileKind::png;
-  if (const std::optional<FileKind> kind = kindByName(arguments.out)) return *kind;
-  throw UsageError(arguments.out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
-}
-
 void sample(const SampleArguments& arguments) {
   const Size size = parseSize(arguments.size);
-  const FileKind kind = kindFor(arguments);
+  const FileKind kind = kindOfOutput(arguments.out, arguments.to).value_or(FileKind::png);
   const std::string problem = sizeProblem(kind, size.width, size.height);
   if (!problem.empty()) throw UsageError(displayName(arguments.out, false) + ": " + problem);
   refuseTerminal(arguments.out, isatty(STDOUT_FILENO) != 0);
