@@ -31,7 +31,8 @@ constexpr Kernels kernelsFor(uint32_t formats) {
 }
 
 constexpr RecordLayout kCurveRecord = {sizeof(QPXCurveLookParam), kCurveLookParams};
-constexpr RecordLayout kMaskedRecord = {sizeof(QPXMaskedLookParam), kMaskedLookParams};
+constexpr RecordLayout kLomoRecord = {sizeof(QPXMaskedLookParam), kLomoParams};
+constexpr RecordLayout kSoftPinkRecord = {sizeof(QPXMaskedLookParam), kSoftPinkParams};
 constexpr RecordLayout kModeRecord = {sizeof(QPXCornerLookParam), kModeParams};
 constexpr RecordLayout kCornerRecord = {sizeof(QPXCornerLookParam), kCornerParams};
 
@@ -143,7 +144,7 @@ constexpr EffectRow kEffects[] = {
      .name = "WarmLomo",
      .title = "Warm lomo",
      .summary = "Slide film curve under two soft-light textures that darken the border.",
-     .record = kMaskedRecord,
+     .record = kLomoRecord,
      .flags = kSetsUpYuyv,
      .setup = setUpLomo,
      .kernels = {{{kRgbAndPreview, warmLomo}}}},
@@ -151,7 +152,7 @@ constexpr EffectRow kEffects[] = {
      .name = "ColdLomo",
      .title = "Cold lomo",
      .summary = "Cool curve under two soft-light textures that darken the border.",
-     .record = kMaskedRecord,
+     .record = kLomoRecord,
      .flags = kSetsUpYuyv,
      .setup = setUpLomo,
      .kernels = {{{kRgbAndPreview, coldLomo}}}},
@@ -159,7 +160,7 @@ constexpr EffectRow kEffects[] = {
      .name = "SoftPink",
      .title = "Soft pink",
      .summary = "Soft curve under a pink soft-light texture.",
-     .record = kMaskedRecord,
+     .record = kSoftPinkRecord,
      .flags = kSetsUpYuyv,
      .setup = setUpSoftPink,
      .kernels = {{{kRgbAndPreview, softPink}}}},

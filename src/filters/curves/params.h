@@ -1,6 +1,7 @@
 // The parameter records of the native looks, described for hosts and tools.
 #pragma once
 
+#include <array>
 #include <cstddef>
 
 #include "engine/effect_row.h"
@@ -82,10 +83,16 @@ inline constexpr QPXParamInfo kCurveLookParams[] = {
     intParam("strength", "How much of the curve is mixed in.", "percent",
              offsetof(QPXCurveLookParam, strength), 0, 100, 100)};
 
-inline constexpr QPXParamInfo kMaskedLookParams[] = {
-    intParam("curveStrength", "How much of the tone curve is mixed in.", "percent",
-             offsetof(QPXMaskedLookParam, curveStrength), 0, 100, 100),
-    intParam("maskStrength", "How much of the textures is mixed in.", "percent",
-             offsetof(QPXMaskedLookParam, maskStrength), 0, 100, 100)};
+// The strengths that a look is meant to have, which are also those that its undoing takes for
+// granted.
+constexpr std::array<QPXParamInfo, 2> maskedLookParams(double maskStrength) {
+  return {intParam("curveStrength", "How much of the tone curve is mixed in.", "percent",
+                   offsetof(QPXMaskedLookParam, curveStrength), 0, 100, 100),
+          intParam("maskStrength", "How much of the textures is mixed in.", "percent",
+                   offsetof(QPXMaskedLookParam, maskStrength), 0, 100, maskStrength)};
+}
+
+inline constexpr auto kLomoParams = maskedLookParams(68);
+inline constexpr auto kSoftPinkParams = maskedLookParams(100);
 
 }  // namespace qpx::curves
