@@ -2,13 +2,9 @@
 // length of the chain, in plain and in vector forms, in bands and in one call. One thread; CPU
 // time.
 //
-// Arguments are those of Google Benchmark; without any, repetitions are interleaved so that a slow
-// moment of the machine falls on all subjects alike.
 #include <benchmark/benchmark.h>
 
-#include <map>
 #include <string>
-#include <vector>
 
 #include "bench_report.h"
 #include "subjects.h"
@@ -18,21 +14,6 @@ namespace {
 
 constexpr uint32_t kOneTable = 0x1300;
 constexpr uint32_t kThreeTables = 0x4800;
-
-constexpr Frame kFull = {0, 1920, 1080};
-constexpr Frame kPhoto = {0, 4000, 3000};
-
-struct NamedFormat {
-  uint32_t format;
-  const char* name;
-};
-constexpr NamedFormat kBgr24 = {QPX_FORMAT_BGR24, "BGR24"};
-constexpr NamedFormat kRgba32 = {QPX_FORMAT_RGBA32, "RGBA32"};
-constexpr NamedFormat kNv21 = {QPX_FORMAT_NV21, "NV21"};
-
-std::string sizeName(const Frame& frame) {
-  return std::to_string(frame.width) + "x" + std::to_string(frame.height);
-}
 
 class Suite {
  public:
@@ -54,23 +35,18 @@ class Suite {
   }
 
  private:
-  // Sources and targets of one format and size are shared: there are tens of millions of pixels.
   PicturesPtr pictures(const NamedFormat& format, const Frame& size) {
-    const Frame frame = {format.format, size.width, size.height};
-    PicturesPtr& made = pictures_[format.name + sizeName(frame)];
-    if (made == nullptr) made = std::make_shared<Pictures>(frame);
-    return made;
+    return album_.pictures(format, size);
   }
 
   void add(const std::string& group, const std::string& workload, const std::string& name,
            const PicturesPtr& on, const Body& body, bool plain = false) {
-    const std::string benchmarkName = group + "/" + workload + "/" + name;
-    report_->add(benchmarkName, {group, workload, name, on->source.frame().pixels()});
-    benchmark::RegisterBenchmark(benchmarkName.c_str(), [body, plain](benchmark::State& state) {
-      QPX_UsePlainForms(plain);
-      for (auto _ : state) body();
-      QPX_UsePlainForms(0);
-    });
+    report_->add({group, workload, name, on->source.frame().pixels()},
+                 [body, plain](benchmark::State& state) {
+                   QPX_UsePlainForms(plain);
+                   for (auto _ : state) body();
+                   QPX_UsePlainForms(0);
+                 });
   }
 
   void addTables(const Frame& size, const NamedFormat& format, uint32_t effect,
@@ -131,28 +107,15 @@ class Suite {
   }
 
   Report* report_;
-  std::map<std::string, PicturesPtr> pictures_;
+  Album album_;
 };
 
 }  // namespace
 }  // namespace qpx::bench
 
 int main(int argc, char** argv) {
-  // Arguments of the call come last and win.
-  std::vector<std::string> texts = {argv[0], "--benchmark_repetitions=9",
-                                    "--benchmark_min_time=0.02",
-                                    "--benchmark_enable_random_interleaving=true"};
-  texts.insert(texts.end(), argv + 1, argv + argc);
-  std::vector<char*> arguments;
-  for (std::string& text : texts) arguments.push_back(text.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-
   qpx::bench::Report report;
   qpx::bench::Suite suite(&report);
   suite.addAll();
-  benchmark::RunSpecifiedBenchmarks(&report);
-  benchmark::Shutdown();
-  return 0;
+  return qpx::bench::run(argc, argv, report);
 }

@@ -6,9 +6,11 @@
 
 namespace qpx::bench {
 
-void Report::add(const std::string& benchmarkName, Subject subject) {
-  places_[benchmarkName] = rows_.size();
-  rows_.push_back({benchmarkName, std::move(subject), {}});
+void Report::add(Subject subject, std::function<void(benchmark::State&)> body) {
+  const std::string name = subject.group + "/" + subject.workload + "/" + subject.name;
+  places_[name] = rows_.size();
+  rows_.push_back({std::move(subject), {}});
+  benchmark::RegisterBenchmark(name.c_str(), std::move(body));
 }
 
 double Report::Row::median() const {
@@ -68,6 +70,22 @@ void Report::Finalize() {
     printRow(row);
   }
   std::printf("\nMedian, least and most CPU time of interleaved repetitions.\n");
+}
+
+int run(int argc, char** argv, Report& report) {
+  // Arguments of the call come last and win.
+  std::vector<std::string> texts = {argv[0], "--benchmark_repetitions=9",
+                                    "--benchmark_min_time=0.02", "--benchmark_min_warmup_time=0.01",
+                                    "--benchmark_enable_random_interleaving=true"};
+  texts.insert(texts.end(), argv + 1, argv + argc);
+  std::vector<char*> arguments;
+  for (std::string& text : texts) arguments.push_back(text.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  benchmark::RunSpecifiedBenchmarks(&report);
+  benchmark::Shutdown();
+  return 0;
 }
 
 }  // namespace qpx::bench

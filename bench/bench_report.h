@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,15 +15,15 @@ namespace qpx::bench {
 // other subjects that do the same to the same bytes.
 struct Subject {
   std::string group;     // "Tone tables, 1920x1080"
-  std::string workload;  // "0x1300 BGR24"
+  std::string workload;  // "BGR24, one table"
   std::string name;      // "qpx", "memcpy", "cv::LUT"
-  int64_t pixels;
+  int64_t pixels;        // of one turn
 };
 
-// Names of benchmarks in the order of their table.
 class Report : public benchmark::BenchmarkReporter {
  public:
-  void add(const std::string& benchmarkName, Subject subject);
+  // Registers a benchmark. Rows of the table stand in the order in which they are added.
+  void add(Subject subject, std::function<void(benchmark::State&)> body);
 
   bool ReportContext(const Context& context) override;
   void ReportRuns(const std::vector<Run>& runs) override;
@@ -30,7 +31,6 @@ class Report : public benchmark::BenchmarkReporter {
 
  private:
   struct Row {
-    std::string benchmarkName;
     Subject subject;
     std::vector<double> nanoseconds;  // a pixel, one entry for each repetition
     double median() const;
@@ -43,5 +43,10 @@ class Report : public benchmark::BenchmarkReporter {
   std::vector<Row> rows_;
   std::map<std::string, size_t> places_;
 };
+
+// Runs what was added. Arguments are those of Google Benchmark; without any, repetitions are
+// interleaved so that a slow moment of the machine falls on all subjects alike. Returns the exit
+// code.
+int run(int argc, char** argv, Report& report);
 
 }  // namespace qpx::bench

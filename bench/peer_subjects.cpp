@@ -28,12 +28,24 @@ cv::Mat tableFor(int channels, int tables) {
   return table;
 }
 
+int channelsOf(uint32_t format) {
+  switch (format) {
+    case QPX_FORMAT_NV21:
+    case QPX_FORMAT_I420:
+      return 1;
+    case QPX_FORMAT_YUYV:
+      return 2;
+    default:
+      return UTIL_GetPixelBytesEX(format);
+  }
+}
+
 }  // namespace
 
 Body openCvBody(PicturesPtr pictures, int tables) {
   cv::setNumThreads(1);
   const Frame& frame = pictures->source.frame();
-  const int channels = frame.format == QPX_FORMAT_NV21 ? 1 : UTIL_GetPixelBytesEX(frame.format);
+  const int channels = channelsOf(frame.format);
   const auto wrapped = [&](Pixels& pixels) {
     return cv::Mat(frame.height, frame.width, CV_8UC(channels), pixels.data());
   };

@@ -1,8 +1,29 @@
 #!/usr/bin/env bash
-# Builds the benchmarks and runs them; each prints a table with its ratios. Arguments go to every
-# benchmark, for instance --benchmark_filter=NV21.
+# Builds the benchmarks and runs them; each prints a table with its ratios.
+#
+#   scripts/bench.sh [engine|looks|rows ...] [--benchmark_filter=NV21 ...]
+#
+# engine: point effects beside memcpy, OpenCV and libyuv. looks: looks beside memcpy and OpenCV, and
+# the setup times of all effects. rows: plain beside vector forms. Without a name: all three. Options
+# go to every benchmark.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+names=()
+options=()
+for argument in "$@"; do
+  case $argument in
+    engine | looks | rows) names+=("$argument") ;;
+    -*) options+=("$argument") ;;
+    *)
+      echo "bench.sh: no benchmark named $argument; there are engine, looks and rows" >&2
+      exit 2
+      ;;
+  esac
+done
+if ((${#names[@]} == 0)); then
+  names=(engine looks rows)
+fi
 
 scripts/install-deps.sh build tool bench
 mkdir -p build/logs
@@ -12,9 +33,8 @@ if ! { cmake --preset bench && cmake --build --preset bench; } >build/logs/bench
   exit 1
 fi
 
-mapfile -t benchmarks < <(find build/bench/bench -maxdepth 1 -type f -executable -name 'bench_*' | sort)
-for benchmark in "${benchmarks[@]}"; do
+for name in "${names[@]}"; do
   echo
-  echo "${benchmark##*/}"
-  "$benchmark" "$@"
+  echo "$name"
+  "build/bench/bench/bench_$name" "${options[@]}"
 done

@@ -11,8 +11,8 @@
 
 #include <cstring>
 
+#include "simd/blend_rows.h"
 #include "simd/byte_vectors-inl.h"
-#include "simd/plain_blend_rows.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128

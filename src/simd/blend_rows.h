@@ -1,13 +1,13 @@
 // The steps of the layered looks as a second table of row functions, beside Rows and under the same
 // rules: no alignment needed, nothing outside [0, count) touched, plain form and vector form of the
 // same bytes. All of them work in place: an output may be the very same row as any input.
-#ifndef QPX_SIMD_BLEND_ROWS_H_
-#define QPX_SIMD_BLEND_ROWS_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "simd/blend_math.h"
+#include "simd/row_forms.h"
 
 namespace qpx::simd {
 
@@ -66,11 +66,27 @@ struct BlendRows {
                     ptrdiff_t count, int32_t amount);
 };
 
-// As rows(), plainRows() and vectorRows() of rows.h.
-const BlendRows& blendRows();
-const BlendRows& plainBlendRows();
-const BlendRows& vectorBlendRows();
+#define QPX_BLEND_ROWS(ROW, Table) \
+  ROW(Table, layNormal)            \
+  ROW(Table, layScreen)            \
+  ROW(Table, layOverlay)           \
+  ROW(Table, laySoft)              \
+  ROW(Table, layMultiply)          \
+  ROW(Table, multiplyShift)        \
+  ROW(Table, lighten)              \
+  ROW(Table, darken)               \
+  ROW(Table, lightness)            \
+  ROW(Table, weighedLuma)          \
+  ROW(Table, hueGrey)              \
+  ROW(Table, chalkBoardGrey)       \
+  ROW(Table, moveApart)            \
+  ROW(Table, drawTogether)         \
+  ROW(Table, falloffWeights)       \
+  ROW(Table, scaleByFalloff)       \
+  ROW(Table, cornerWeights)        \
+  ROW(Table, mixCorner)
+QPX_DECLARE_ROWS(BlendRows, QPX_BLEND_ROWS)
+
+inline const BlendRows& blendRows() { return chosenForm<BlendRows>(); }
 
 }  // namespace qpx::simd
-
-#endif  // QPX_SIMD_BLEND_ROWS_H_

@@ -21,6 +21,9 @@ using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::Repartition<uint16_t, D8>;
 using V8 = hn::Vec<D8>;
 using V16 = hn::Vec<D16>;
+using DS = hn::RebindToSigned<D16>;
+using VS = hn::Vec<DS>;
+using DHalf8 = hn::Rebind<uint8_t, D16>;  // as many bytes as a vector has 16-bit lanes
 
 // Bytes as two vectors of 16-bit lanes, those at even and those at odd places: two instructions
 // apart and two together, without crossing lanes.
@@ -41,25 +44,59 @@ HWY_INLINE V8 narrow(const Halves& h) {
 
 HWY_INLINE V16 word(int32_t value) { return hn::Set(D16(), static_cast<uint16_t>(value)); }
 
-template <int kBits>
-HWY_INLINE V16 arithmeticShift(V16 v) {
-  return hn::BitCast(D16(), hn::ShiftRight<kBits>(hn::BitCast(hn::RebindToSigned<D16>(), v)));
+HWY_INLINE VS signedWord(int32_t value) { return hn::Set(DS(), static_cast<int16_t>(value)); }
+
+HWY_INLINE VS difference(V16 a, V16 b) { return hn::BitCast(DS(), hn::Sub(a, b)); }
+
+HWY_INLINE V16 clampWord(VS v) {
+  return hn::BitCast(D16(), hn::Min(hn::Max(v, hn::Zero(DS())), signedWord(255)));
 }
 
-// dst = op(inputs...) on whole vectors; false if the row is shorter than one. The vector that ends
-// the row may overlap the one before it. Its result is worked out before anything is stored and
-// stored last, which keeps a row that is its own output right.
-template <class Op, class... Inputs>
-HWY_INLINE bool mapRow(const Op& op, uint8_t* dst, ptrdiff_t count, Inputs... inputs) {
-  const D8 d;
-  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
+template <int kBits>
+HWY_INLINE V16 arithmeticShift(V16 v) {
+  return hn::BitCast(D16(), hn::ShiftRight<kBits>(hn::BitCast(DS(), v)));
+}
+
+// The mean of two bytes, cut: what they share and half of what they do not.
+HWY_INLINE V8 cutMean(V8 a, V8 b) {
+  const V16 half = hn::ShiftRight<1>(hn::BitCast(D16(), hn::Xor(a, b)));
+  return hn::Add(hn::And(a, b), hn::BitCast(D8(), hn::And(half, word(0x7F7F))));
+}
+
+// Calls make(i), which returns what whole vectors of `length` samples become, and store(result, i);
+// false if the row is shorter than one. The last vector may overlap the one before it, is made
+// before anything is stored and stored last, which keeps rows that are their own outputs right.
+template <class Make, class Store>
+HWY_INLINE bool eachVector(ptrdiff_t length, ptrdiff_t count, const Make& make,
+                           const Store& store) {
   const ptrdiff_t end = count - length;
   if (end < 0) return false;
-  const V8 last = op(hn::LoadU(d, inputs + end)...);
-  for (ptrdiff_t i = 0; i < end; i += length)
-    hn::StoreU(op(hn::LoadU(d, inputs + i)...), d, dst + i);
-  hn::StoreU(last, d, dst + end);
+  const auto last = make(end);
+  for (ptrdiff_t i = 0; i < end; i += length) store(make(i), i);
+  store(last, end);
   return true;
+}
+
+HWY_INLINE ptrdiff_t byteLanes() { return static_cast<ptrdiff_t>(hn::Lanes(D8())); }
+HWY_INLINE V8 loadBytes(const uint8_t* from) { return hn::LoadU(D8(), from); }
+HWY_INLINE void storeBytes(V8 v, uint8_t* to) { hn::StoreU(v, D8(), to); }
+
+struct Bytes3 {
+  V8 a, b, c;
+};
+
+HWY_INLINE void storeColors(const Bytes3& colors, uint8_t* r, uint8_t* g, uint8_t* b) {
+  storeBytes(colors.a, r);
+  storeBytes(colors.b, g);
+  storeBytes(colors.c, b);
+}
+
+// dst = op(inputs...) on whole vectors; false if the row is shorter than one.
+template <class Op, class... Inputs>
+HWY_INLINE bool mapRow(const Op& op, uint8_t* dst, ptrdiff_t count, Inputs... inputs) {
+  const auto make = [&](ptrdiff_t i) HWY_ATTR { return op(loadBytes(inputs + i)...); };
+  const auto store = [=](V8 v, ptrdiff_t i) HWY_ATTR { storeBytes(v, dst + i); };
+  return eachVector(byteLanes(), count, make, store);
 }
 
 }  // namespace HWY_NAMESPACE

@@ -8,7 +8,9 @@
 
 #include <hwy/highway.h>
 
-#include "simd/plain_rows.h"
+#include <algorithm>
+
+#include "simd/rows.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -29,6 +31,25 @@ HWY_INLINE bool forVectors(ptrdiff_t pixels, const Step& step) {
   for (ptrdiff_t i = 0; i < pixels - length; i += length) step(i);
   step(pixels - length);
   return true;
+}
+
+void deinterleave2(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    auto v0 = hn::Zero(d), v1 = v0;
+    hn::LoadInterleaved2(d, src + 2 * i, v0, v1);
+    hn::StoreU(v0, d, p0 + i);
+    hn::StoreU(v1, d, p1 + i);
+  };
+  if (!forVectors(pixels, step)) plain::deinterleave2(src, pixels, p0, p1);
+}
+
+void interleave2(const uint8_t* p0, const uint8_t* p1, ptrdiff_t pixels, uint8_t* dst) {
+  const hn::ScalableTag<uint8_t> d;
+  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+    hn::StoreInterleaved2(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), d, dst + 2 * i);
+  };
+  if (!forVectors(pixels, step)) plain::interleave2(p0, p1, pixels, dst);
 }
 
 void deinterleave3(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2) {
@@ -75,6 +96,32 @@ void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const 
                           hn::LoadU(d, p3 + i), d, dst + 4 * i);
   };
   if (!forVectors(pixels, step)) plain::interleave4(p0, p1, p2, p3, pixels, dst);
+}
+
+// A vector's pixels at a time out of one window of as many, where they all lie in it.
+void gather4(const uint8_t* src, ptrdiff_t texels, const int32_t* places, ptrdiff_t count,
+             uint8_t* dst) {
+  const hn::ScalableTag<uint32_t> d;
+  const hn::RebindToSigned<decltype(d)> ds;
+  const hn::Repartition<uint8_t, decltype(d)> bytes;
+  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  const auto size = hn::Set(d, static_cast<uint32_t>(length));
+  const ptrdiff_t lastWindow = texels - length;
+  ptrdiff_t i = 0;
+  for (; lastWindow >= 0 && i <= count - length; i += length) {
+    const ptrdiff_t lower = std::min(places[i], places[i + length - 1]);
+    const ptrdiff_t window = std::min(lower, lastWindow);
+    const auto origin = hn::Set(d, static_cast<uint32_t>(window));
+    const auto lanes = hn::Sub(hn::BitCast(d, hn::LoadU(ds, places + i)), origin);
+    if (hn::AllTrue(d, hn::Lt(lanes, size))) {
+      const auto pixels = hn::BitCast(d, hn::LoadU(bytes, src + 4 * window));
+      const auto picked = hn::TableLookupLanes(pixels, hn::IndicesFromVec(d, lanes));
+      hn::StoreU(hn::BitCast(bytes, picked), bytes, dst + 4 * i);
+    } else {
+      plain::gather4(src, texels, places + i, length, dst + 4 * i);
+    }
+  }
+  plain::gather4(src, texels, places + i, count - i, dst + 4 * i);
 }
 
 }  // namespace HWY_NAMESPACE

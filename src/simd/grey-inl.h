@@ -9,9 +9,10 @@
 #include <hwy/highway.h>
 
 #include <cmath>
+#include <cstdlib>
 
 #include "simd/blend-inl.h"
-#include "simd/plain_blend_rows.h"
+#include "simd/blend_rows.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -22,15 +23,10 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The mean of two bytes, cut: what they share and half of what they do not.
 class Lightness {
  public:
   HWY_INLINE V8 operator()(V8 r, V8 g, V8 b) const {
-    const V8 most = hn::Max(hn::Max(r, g), b), least = hn::Min(hn::Min(r, g), b);
-    const D16 d;
-    const auto half = hn::BitCast(
-        D8(), hn::And(hn::ShiftRight<1>(hn::BitCast(d, hn::Xor(most, least))), word(0x7F7F)));
-    return hn::Add(hn::And(most, least), half);
+    return cutMean(hn::Max(hn::Max(r, g), b), hn::Min(hn::Min(r, g), b));
   }
 };
 
@@ -176,71 +172,37 @@ void chalkBoardGrey(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_
 }
 
 // (amount * distance) >> 10 is the high half of 64 * amount * distance.
+constexpr int32_t kFarthestMove = 511;
+
+template <bool kApart>
 class Moved {
  public:
-  explicit Moved(int32_t amount) : amount_(hn::Set(DS(), static_cast<int16_t>(64 * amount))) {}
+  explicit Moved(int32_t amount) : amount_(signedWord(64 * amount)) {}
 
- protected:
-  using DS = hn::RebindToSigned<D16>;
-  using VS = hn::Vec<DS>;
-
-  static bool fits(int32_t amount) { return amount >= -511 && amount <= 511; }
-
-  HWY_INLINE VS step(V16 c, V16 centre) const {
-    return hn::MulHigh(hn::BitCast(DS(), hn::Sub(c, centre)), amount_);
-  }
-
-  HWY_INLINE static V16 clampWord(VS v) {
-    const DS d;
-    return hn::BitCast(D16(), hn::Min(hn::Max(v, hn::Zero(d)), hn::Set(d, int16_t{255})));
+  HWY_INLINE V8 operator()(V8 c, V8 centre) const {
+    const Halves x = widen(c), m = widen(centre);
+    return narrow({half(x.even, m.even), half(x.odd, m.odd)});
   }
 
  private:
+  HWY_INLINE V16 half(V16 c, V16 centre) const {
+    const VS from = hn::BitCast(DS(), c), step = hn::MulHigh(difference(c, centre), amount_);
+    return clampWord(kApart ? hn::Add(from, step) : hn::Sub(from, step));
+  }
+
   VS amount_;
-};
-
-class MovedApart : Moved {
- public:
-  using Moved::fits;
-  using Moved::Moved;
-
-  HWY_INLINE V8 operator()(V8 c, V8 centre) const {
-    const Halves x = widen(c), m = widen(centre);
-    return narrow({half(x.even, m.even), half(x.odd, m.odd)});
-  }
-
- private:
-  HWY_INLINE V16 half(V16 c, V16 centre) const {
-    return clampWord(hn::Add(hn::BitCast(DS(), c), step(c, centre)));
-  }
-};
-
-class DrawnTogether : Moved {
- public:
-  using Moved::fits;
-  using Moved::Moved;
-
-  HWY_INLINE V8 operator()(V8 c, V8 centre) const {
-    const Halves x = widen(c), m = widen(centre);
-    return narrow({half(x.even, m.even), half(x.odd, m.odd)});
-  }
-
- private:
-  HWY_INLINE V16 half(V16 c, V16 centre) const {
-    return clampWord(hn::Sub(hn::BitCast(DS(), c), step(c, centre)));
-  }
 };
 
 void moveApart(const uint8_t* src, const uint8_t* centre, uint8_t* dst, ptrdiff_t count,
                int32_t amount) {
-  if (!MovedApart::fits(amount)) return plain::moveApart(src, centre, dst, count, amount);
-  mapRowPadded(MovedApart(amount), dst, count, src, centre);
+  if (std::abs(amount) > kFarthestMove) return plain::moveApart(src, centre, dst, count, amount);
+  mapRowPadded(Moved<true>(amount), dst, count, src, centre);
 }
 
 void drawTogether(const uint8_t* src, const uint8_t* centre, uint8_t* dst, ptrdiff_t count,
                   int32_t amount) {
-  if (!DrawnTogether::fits(amount)) return plain::drawTogether(src, centre, dst, count, amount);
-  mapRowPadded(DrawnTogether(amount), dst, count, src, centre);
+  if (std::abs(amount) > kFarthestMove) return plain::drawTogether(src, centre, dst, count, amount);
+  mapRowPadded(Moved<false>(amount), dst, count, src, centre);
 }
 
 }  // namespace HWY_NAMESPACE

@@ -8,7 +8,7 @@
 
 #include <hwy/highway.h>
 
-#include "simd/plain_rows.h"
+#include "simd/rows.h"
 
 #if HWY_ARCH_ARM_A64
 

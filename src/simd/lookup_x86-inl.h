@@ -10,7 +10,7 @@
 #include <hwy/highway.h>
 
 #include "simd/byte_table-inl.h"
-#include "simd/plain_rows.h"
+#include "simd/rows.h"
 
 #if HWY_TARGET <= HWY_AVX2
 

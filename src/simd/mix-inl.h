@@ -9,7 +9,7 @@
 #include <hwy/highway.h>
 
 #include "simd/byte_vectors-inl.h"
-#include "simd/plain_rows.h"
+#include "simd/rows.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128

@@ -1,6 +1,4 @@
-#include "simd/plain_blend_rows.h"
-
-#include "simd/rows.h"
+#include "simd/blend_rows.h"
 
 namespace qpx::simd {
 namespace plain {
@@ -111,30 +109,6 @@ void mixCorner(const uint8_t* src, const uint8_t* tone, const int32_t* weights, 
 
 }  // namespace plain
 
-const BlendRows& plainBlendRows() {
-  static constexpr BlendRows kRows = {
-      .layNormal = plain::layNormal,
-      .layScreen = plain::layScreen,
-      .layOverlay = plain::layOverlay,
-      .laySoft = plain::laySoft,
-      .layMultiply = plain::layMultiply,
-      .multiplyShift = plain::multiplyShift,
-      .lighten = plain::lighten,
-      .darken = plain::darken,
-      .lightness = plain::lightness,
-      .weighedLuma = plain::weighedLuma,
-      .hueGrey = plain::hueGrey,
-      .chalkBoardGrey = plain::chalkBoardGrey,
-      .moveApart = plain::moveApart,
-      .drawTogether = plain::drawTogether,
-      .falloffWeights = plain::falloffWeights,
-      .scaleByFalloff = plain::scaleByFalloff,
-      .cornerWeights = plain::cornerWeights,
-      .mixCorner = plain::mixCorner,
-  };
-  return kRows;
-}
-
-const BlendRows& blendRows() { return plainForms() ? plainBlendRows() : vectorBlendRows(); }
+QPX_DEFINE_PLAIN_FORM(BlendRows, QPX_BLEND_ROWS)
 
 }  // namespace qpx::simd

@@ -1,6 +1,5 @@
-#include "simd/plain_rows.h"
-
 #include <algorithm>
+#include <cstring>
 
 #include "simd/rows.h"
 
@@ -27,6 +26,20 @@ void lookup4(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* 
     dst[1] = t1[src[1]];
     dst[2] = t2[src[2]];
     dst[3] = src[3];
+  }
+}
+
+void deinterleave2(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1) {
+  for (ptrdiff_t i = 0; i < pixels; ++i) {
+    p0[i] = src[2 * i];
+    p1[i] = src[2 * i + 1];
+  }
+}
+
+void interleave2(const uint8_t* p0, const uint8_t* p1, ptrdiff_t pixels, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i) {
+    dst[2 * i] = p0[i];
+    dst[2 * i + 1] = p1[i];
   }
 }
 
@@ -65,6 +78,10 @@ void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const 
     dst[2] = p2[i];
     dst[3] = p3[i];
   }
+}
+
+void gather4(const uint8_t* src, ptrdiff_t, const int32_t* places, ptrdiff_t count, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < count; ++i) std::memcpy(dst + 4 * i, src + ptrdiff_t{4} * places[i], 4);
 }
 
 void luma(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst, ptrdiff_t count) {
@@ -108,23 +125,6 @@ void complement256(const uint8_t* src, uint8_t* dst, ptrdiff_t count) {
 
 }  // namespace plain
 
-const Rows& plainRows() {
-  static constexpr Rows kRows = {
-      .lookup = plain::lookup,
-      .lookup3 = plain::lookup3,
-      .lookup4 = plain::lookup4,
-      .deinterleave3 = plain::deinterleave3,
-      .interleave3 = plain::interleave3,
-      .deinterleave4 = plain::deinterleave4,
-      .interleave4 = plain::interleave4,
-      .luma = plain::luma,
-      .weightedSum = plain::weightedSum,
-      .mixOpaque = plain::mixOpaque,
-      .mixColor = plain::mixColor,
-      .mixMasked = plain::mixMasked,
-      .complement256 = plain::complement256,
-  };
-  return kRows;
-}
+QPX_DEFINE_PLAIN_FORM(Rows, QPX_ROWS)
 
 }  // namespace qpx::simd

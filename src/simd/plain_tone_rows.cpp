@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "simd/rows.h"
 #include "simd/tone_rows.h"
 
 namespace qpx::simd {
+namespace plain {
 namespace {
 
 uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
@@ -26,6 +26,14 @@ uint8_t uOf(int32_t r, int32_t g, int32_t b) {
 uint8_t vOf(int32_t r, int32_t g, int32_t b) {
   return static_cast<uint8_t>(((512 * r - 428 * g - 83 * b) >> 10) + 128);
 }
+
+int32_t enrichGain(int32_t least, int32_t most) {
+  const int32_t sum = least + most;
+  const int32_t saturation = (most - least) * 1024 / (sum < 256 ? sum + 1 : 511 - sum);
+  return saturation < 820 ? 253 : 0x100000 / (saturation + 1) - 1024;
+}
+
+}  // namespace
 
 void halvesToRgb(const uint8_t* y, const uint8_t* u, const uint8_t* v, uint8_t* r, uint8_t* g,
                  uint8_t* b, ptrdiff_t count) {
@@ -70,35 +78,12 @@ void rgbToPairs(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* p
   }
 }
 
-void extremesMean(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                  ptrdiff_t count) {
-  for (ptrdiff_t i = 0; i < count; ++i) {
-    const auto [least, most] = std::minmax({r[i], g[i], b[i]});
-    dst[i] = static_cast<uint8_t>((least + most) >> 1);
-  }
-}
-
-void weightedGrey(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                  ptrdiff_t count, const GreyWeights& weights) {
-  for (ptrdiff_t i = 0; i < count; ++i) {
-    const int32_t sum = weights.red * r[i] + weights.green * g[i] + weights.blue * b[i];
-    dst[i] = static_cast<uint8_t>((sum + 128) >> 8);
-  }
-}
-
 void sortToSepia(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
   for (ptrdiff_t i = 0; i < count; ++i) {
     const auto [least, most] = std::minmax({r[i], g[i], b[i]});
     r[i] = most;
     g[i] = static_cast<uint8_t>((197 * least + 59 * most) >> 8);
     b[i] = least;
-  }
-}
-
-void saturate(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
-              int32_t amount) {
-  for (ptrdiff_t i = 0; i < count; ++i) {
-    dst[i] = clampByte(src[i] + (((src[i] - grey[i]) * amount) >> 7));
   }
 }
 
@@ -139,12 +124,6 @@ void mixPercent(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t
   }
 }
 
-int32_t enrichGain(int32_t least, int32_t most) {
-  const int32_t sum = least + most;
-  const int32_t saturation = (most - least) * 1024 / (sum < 256 ? sum + 1 : 511 - sum);
-  return saturation < 820 ? 253 : 0x100000 / (saturation + 1) - 1024;
-}
-
 void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
   for (ptrdiff_t i = 0; i < count; ++i) {
     const auto [least, most] = std::minmax({r[i], g[i], b[i]});
@@ -154,40 +133,8 @@ void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
   }
 }
 
-void falloff(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
-             ptrdiff_t count) {
-  for (ptrdiff_t i = 0; i < count; ++i) {
-    const int32_t s = rowTerm + colTerms[i];
-    if (s < 129) continue;
-    const int32_t behind = s - 128;
-    const int32_t w = std::max(512 - ((behind * behind) >> 10), 0);
-    for (uint8_t* c : {r + i, g + i, b + i}) *c = static_cast<uint8_t>(*c * w >> 9);
-  }
-}
+}  // namespace plain
 
-}  // namespace
-
-const ToneRows& plainToneRows() {
-  static constexpr ToneRows kRows = {
-      .halvesToRgb = halvesToRgb,
-      .pairsToRgb = pairsToRgb,
-      .rgbToLuma = rgbToLuma,
-      .rgbToHalves = rgbToHalves,
-      .rgbToPairs = rgbToPairs,
-      .extremesMean = extremesMean,
-      .weightedGrey = weightedGrey,
-      .sortToSepia = sortToSepia,
-      .saturate = saturate,
-      .lean = lean,
-      .overlay = overlay,
-      .layTexels = layTexels,
-      .mixPercent = mixPercent,
-      .enrich = enrich,
-      .falloff = falloff,
-  };
-  return kRows;
-}
-
-const ToneRows& toneRows() { return plainForms() ? plainToneRows() : vectorToneRows(); }
+QPX_DEFINE_PLAIN_FORM(ToneRows, QPX_TONE_ROWS)
 
 }  // namespace qpx::simd

@@ -10,7 +10,7 @@
 #include <hwy/highway.h>
 
 #include "simd/blend-inl.h"
-#include "simd/plain_blend_rows.h"
+#include "simd/blend_rows.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -21,18 +21,9 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Calls make(i), which returns a vector, and store(vector, i) for whole vectors; false if the row
-// is shorter than one. The last vector may overlap the one before it, is made before anything is
-// stored and stored last.
-template <class D, class Make, class Store>
-HWY_INLINE bool forOverlapped(D d, ptrdiff_t count, const Make& make, const Store& store) {
-  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d));
-  const ptrdiff_t end = count - length;
-  if (end < 0) return false;
-  const auto last = make(end);
-  for (ptrdiff_t i = 0; i < end; i += length) store(make(i), i);
-  store(last, end);
-  return true;
+template <class D>
+HWY_INLINE ptrdiff_t lanesOf(D d) {
+  return static_cast<ptrdiff_t>(hn::Lanes(d));
 }
 
 // Columns are clamped far outside what any row of the usual size could make up for, so that the sum
@@ -53,7 +44,7 @@ void falloffWeights(int32_t rowTerm, const int32_t* colTerms, uint16_t* weights,
     return hn::DemoteTo(d16, hn::Max(hn::Sub(hn::Set(d, 512), lost), zero));
   };
   const auto store = [=](auto v, ptrdiff_t i) HWY_ATTR { hn::StoreU(v, d16, weights + i); };
-  if (!forOverlapped(d, count, make, store)) {
+  if (!eachVector(lanesOf(d), count, make, store)) {
     plain::falloffWeights(rowTerm, colTerms, weights, count);
   }
 }
@@ -68,7 +59,7 @@ void scaleByFalloff(const uint8_t* src, const uint16_t* weights, uint8_t* dst, p
     return hn::DemoteTo(d8, hn::BitCast(ds, hn::MulHigh(c, hn::LoadU(d, weights + i))));
   };
   const auto store = [=](auto v, ptrdiff_t i) HWY_ATTR { hn::StoreU(v, d8, dst + i); };
-  if (!forOverlapped(d, count, make, store)) plain::scaleByFalloff(src, weights, dst, count);
+  if (!eachVector(lanesOf(d), count, make, store)) plain::scaleByFalloff(src, weights, dst, count);
 }
 
 #if HWY_ARCH_ARM_V7
@@ -94,7 +85,7 @@ void cornerWeights(const CornerRow& row, int32_t* weights, ptrdiff_t count) {
     return hn::IfThenElseZero(hn::Gt(distance, inner), hn::Mul(t, t));
   };
   const auto store = [=](V32 v, ptrdiff_t i) HWY_ATTR { hn::StoreU(v, d, weights + i); };
-  if (!forOverlapped(d, count, make, store)) plain::cornerWeights(row, weights, count);
+  if (!eachVector(lanesOf(d), count, make, store)) plain::cornerWeights(row, weights, count);
 }
 #endif
 
@@ -112,7 +103,7 @@ void mixCorner(const uint8_t* src, const uint8_t* tone, const int32_t* weights, 
     return hn::DemoteTo(d8, hn::ShiftRight<10>(hn::Add(sum, half)));
   };
   const auto store = [=](auto v, ptrdiff_t i) HWY_ATTR { hn::StoreU(v, d8, dst + i); };
-  if (!forOverlapped(d, count, make, store)) {
+  if (!eachVector(lanesOf(d), count, make, store)) {
     plain::mixCorner(src, tone, weights, dst, count, amount);
   }
 }

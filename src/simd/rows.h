@@ -15,6 +15,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "simd/row_forms.h"
+
 namespace qpx::simd {
 
 struct Rows {
@@ -30,6 +32,10 @@ struct Rows {
   void (*lookup4)(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels, const uint8_t* t0,
                   const uint8_t* t1, const uint8_t* t2);
 
+  // pk[i] = src[2 * i + k], and back.
+  void (*deinterleave2)(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1);
+  void (*interleave2)(const uint8_t* p0, const uint8_t* p1, ptrdiff_t pixels, uint8_t* dst);
+
   // pk[i] = src[3 * i + k], and back.
   void (*deinterleave3)(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1,
                         uint8_t* p2);
@@ -41,6 +47,11 @@ struct Rows {
                         uint8_t* p3);
   void (*interleave4)(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
                       ptrdiff_t pixels, uint8_t* dst);
+
+  // Pixels of 4 bytes by their places, each 0 ... texels - 1, in any order: pixel i is src's pixel
+  // places[i]. Fastest where neighbours lie close together, as in a picture that is enlarged.
+  void (*gather4)(const uint8_t* src, ptrdiff_t texels, const int32_t* places, ptrdiff_t count,
+                  uint8_t* dst);
 
   // Full-range luma of planar rows, 0..255, in place on any of the three:
   //   dst = 0.299 * r + 0.587 * g + 0.114 * b, as (9798 * r + 19235 * g + 3735 * b) >> 15.
@@ -73,17 +84,25 @@ struct Rows {
   void (*complement256)(const uint8_t* src, uint8_t* dst, ptrdiff_t count);
 };
 
-// Whether the host asked for the plain forms by QPX_UsePlainForms. Process-wide, any thread.
-bool plainForms();
+#define QPX_ROWS(ROW, Table) \
+  ROW(Table, lookup)         \
+  ROW(Table, lookup3)        \
+  ROW(Table, lookup4)        \
+  ROW(Table, deinterleave2)  \
+  ROW(Table, interleave2)    \
+  ROW(Table, deinterleave3)  \
+  ROW(Table, interleave3)    \
+  ROW(Table, deinterleave4)  \
+  ROW(Table, interleave4)    \
+  ROW(Table, gather4)        \
+  ROW(Table, luma)           \
+  ROW(Table, weightedSum)    \
+  ROW(Table, mixOpaque)      \
+  ROW(Table, mixColor)       \
+  ROW(Table, mixMasked)      \
+  ROW(Table, complement256)
+QPX_DECLARE_ROWS(Rows, QPX_ROWS)
 
-// The plain forms if the host asked for them, otherwise the best that this processor runs. Any
-// thread; the reference stays good for the life of the process.
-const Rows& rows();
-
-// The definitions, whatever the host asked for.
-const Rows& plainRows();
-
-// The best vector forms, whatever the host asked for: what tests and benchmarks compare.
-const Rows& vectorRows();
+inline const Rows& rows() { return chosenForm<Rows>(); }
 
 }  // namespace qpx::simd

@@ -1,5 +1,4 @@
-// Greys of planar colours, colours moved about them, light laid on by weights and by the distance
-// from a place. Included once per target.
+// Colours sorted and enriched, light laid on by weights. Included once per target.
 #if defined(QPX_SIMD_TONE_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef QPX_SIMD_TONE_INL_H_
 #undef QPX_SIMD_TONE_INL_H_
@@ -9,7 +8,7 @@
 
 #include <hwy/highway.h>
 
-#include "simd/chroma-inl.h"
+#include "simd/byte_vectors-inl.h"
 #include "simd/tone_rows.h"
 
 // A target without vectors runs the plain forms.
@@ -25,49 +24,14 @@ namespace hn = hwy::HWY_NAMESPACE;
 HWY_INLINE V8 largest(const Bytes3& v) { return hn::Max(hn::Max(v.a, v.b), v.c); }
 HWY_INLINE V8 smallest(const Bytes3& v) { return hn::Min(hn::Min(v.a, v.b), v.c); }
 
-// The mean of two bytes, cut: what they share and half of what they do not.
-HWY_INLINE V8 cutMean(V8 a, V8 b) {
-  const V16 half = hn::ShiftRight<1>(hn::BitCast(D16(), hn::Xor(a, b)));
-  return hn::Add(hn::And(a, b), hn::BitCast(D8(), hn::And(half, word(0x7F7F))));
-}
-
-void extremesMean(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                  ptrdiff_t count) {
-  const auto op = [](V8 r8, V8 g8, V8 b8) HWY_ATTR {
-    const Bytes3 colors = {r8, g8, b8};
-    return cutMean(largest(colors), smallest(colors));
-  };
-  if (!mapRow(op, dst, count, r, g, b)) plainToneRows().extremesMean(r, g, b, dst, count);
-}
-
-// Weights that are 256 together keep the sum in 16 bits.
-void weightedGrey(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                  ptrdiff_t count, const GreyWeights& weights) {
-  const V16 wr = word(weights.red), wg = word(weights.green), wb = word(weights.blue);
-  const auto half = [=](V16 r16, V16 g16, V16 b16) HWY_ATTR {
-    const V16 sum = hn::Add(hn::Add(hn::Mul(r16, wr), hn::Mul(g16, wg)), hn::Mul(b16, wb));
-    return hn::ShiftRight<8>(hn::Add(sum, word(128)));
-  };
-  const auto op = [=](V8 r8, V8 g8, V8 b8) HWY_ATTR {
-    const Halves red = widen(r8), green = widen(g8), blue = widen(b8);
-    return narrow({half(red.even, green.even, blue.even), half(red.odd, green.odd, blue.odd)});
-  };
-  if (!mapRow(op, dst, count, r, g, b)) {
-    plainToneRows().weightedGrey(r, g, b, dst, count, weights);
-  }
-}
-
 // The three channels of whole vectors through op, in place; false if the row is shorter than one.
 template <class Op>
 HWY_INLINE bool mapColors(const Op& op, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
   const auto make = [=](ptrdiff_t i) HWY_ATTR {
     return op(Bytes3{loadBytes(r + i), loadBytes(g + i), loadBytes(b + i)});
   };
-  const auto store = [=](const Bytes3& colors, ptrdiff_t i) HWY_ATTR {
-    storeBytes(colors.a, r + i);
-    storeBytes(colors.b, g + i);
-    storeBytes(colors.c, b + i);
-  };
+  const auto store = [=](const Bytes3& colors, ptrdiff_t i)
+                         HWY_ATTR { storeColors(colors, r + i, g + i, b + i); };
   return eachVector(byteLanes(), count, make, store);
 }
 
@@ -80,26 +44,13 @@ void sortToSepia(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
     const Halves m = widen(most), l = widen(least);
     return Bytes3{most, narrow({mixed(l.even, m.even), mixed(l.odd, m.odd)}), least};
   };
-  if (!mapColors(op, r, g, b, count)) plainToneRows().sortToSepia(r, g, b, count);
+  if (!mapColors(op, r, g, b, count)) plain::sortToSepia(r, g, b, count);
 }
 
 // c + ((distance * weight) >> kBits), whose product fits 16 bits.
 template <int kBits>
 HWY_INLINE V16 moved(V16 c, VS distance, VS weight) {
   return clampWord(hn::Add(hn::BitCast(DS(), c), hn::ShiftRight<kBits>(hn::Mul(distance, weight))));
-}
-
-HWY_INLINE VS difference(V16 a, V16 b) { return hn::BitCast(DS(), hn::Sub(a, b)); }
-
-void saturate(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
-              int32_t amount) {
-  const VS weight = signedWord(amount);
-  const auto op = [=](V8 c8, V8 m8) HWY_ATTR {
-    const Halves c = widen(c8), m = widen(m8);
-    return narrow({moved<7>(c.even, difference(c.even, m.even), weight),
-                   moved<7>(c.odd, difference(c.odd, m.odd), weight)});
-  };
-  if (!mapRow(op, dst, count, src, grey)) plainToneRows().saturate(src, grey, dst, count, amount);
 }
 
 void lean(const uint8_t* src, const uint8_t* light, const uint8_t* up, const uint8_t* down,
@@ -115,7 +66,7 @@ void lean(const uint8_t* src, const uint8_t* light, const uint8_t* up, const uin
     return narrow({half(c.even, l.even, w.even), half(c.odd, l.odd, w.odd)});
   };
   if (!mapRow(op, dst, count, src, light, up, down)) {
-    plainToneRows().lean(src, light, up, down, dst, count);
+    plain::lean(src, light, up, down, dst, count);
   }
 }
 
@@ -135,7 +86,7 @@ void overlay(const uint8_t* src, const uint8_t* tone, uint8_t* dst, ptrdiff_t co
     const Halves c = widen(c8), t = widen(t8);
     return narrow({overlayHalf(c.even, t.even), overlayHalf(c.odd, t.odd)});
   };
-  if (!mapRow(op, dst, count, src, tone)) plainToneRows().overlay(src, tone, dst, count);
+  if (!mapRow(op, dst, count, src, tone)) plain::overlay(src, tone, dst, count);
 }
 
 // Products of a distance and a weight, and the 510 beside them, just fit 16 bits; what is left of
@@ -162,7 +113,7 @@ void layTexels(const uint8_t* src, const uint8_t* texels, const uint8_t* darker,
     return narrow({mixHalf(c.even, laid.even), mixHalf(c.odd, laid.odd)});
   };
   if (!mapRow(op, dst, count, src, texels, darker, lighter)) {
-    plainToneRows().layTexels(src, texels, darker, lighter, dst, count, share);
+    plain::layTexels(src, texels, darker, lighter, dst, count, share);
   }
 }
 
@@ -170,7 +121,7 @@ void layTexels(const uint8_t* src, const uint8_t* texels, const uint8_t* darker,
 void mixPercent(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t count,
                 int32_t percent) {
   if (percent < 0 || percent > 100) {
-    plainToneRows().mixPercent(base, top, dst, count, percent);
+    plain::mixPercent(base, top, dst, count, percent);
     return;
   }
   const V16 ofTop = word(2 * percent), ofBase = word(2 * (100 - percent));
@@ -182,15 +133,13 @@ void mixPercent(const uint8_t* base, const uint8_t* top, uint8_t* dst, ptrdiff_t
     return narrow({half(b.even, t.even), half(b.odd, t.odd)});
   };
   if (!mapRow(op, dst, count, base, top)) {
-    plainToneRows().mixPercent(base, top, dst, count, percent);
+    plain::mixPercent(base, top, dst, count, percent);
   }
 }
 
 #if HWY_ARCH_ARM_V7
 // Divisions must be exact.
-void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
-  plainToneRows().enrich(r, g, b, count);
-}
+void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) { plain::enrich(r, g, b, count); }
 #else
 using D32 = hn::Repartition<int32_t, D8>;
 using DF = hn::RebindToFloat<D32>;
@@ -239,43 +188,9 @@ void enrich(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
     };
     return Bytes3{enriched(colors.a), enriched(colors.b), enriched(colors.c)};
   };
-  if (!mapColors(op, r, g, b, count)) plainToneRows().enrich(r, g, b, count);
+  if (!mapColors(op, r, g, b, count)) plain::enrich(r, g, b, count);
 }
 #endif
-
-struct Dimmed {
-  hn::Vec<DHalf8> r, g, b;
-};
-
-// Nothing changes up to s = 128 and nothing is left from 128 + 724 on, so that a distance of
-// 0..1023 says all. Its square is shifted as the high half of (8 * distance)^2, and c * w >> 9 is
-// the high half of 128 * c * w.
-HWY_INLINE V16 falloffWeight(VS s) {
-  const VS behind = hn::Min(hn::Max(hn::Sub(s, signedWord(128)), hn::Zero(DS())), signedWord(1023));
-  const V16 eightfold = hn::BitCast(D16(), hn::ShiftLeft<3>(behind));
-  return hn::SaturatedSub(word(512), hn::MulHigh(eightfold, eightfold));
-}
-
-void falloff(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
-             ptrdiff_t count) {
-  const VS row = signedWord(rowTerm);
-  const auto dimmed = [](const uint8_t* c, V16 weight) HWY_ATTR {
-    const V16 wide = hn::ShiftLeft<7>(hn::PromoteTo(D16(), hn::LoadU(DHalf8(), c)));
-    return hn::DemoteTo(DHalf8(), hn::BitCast(DS(), hn::MulHigh(wide, weight)));
-  };
-  const auto make = [=](ptrdiff_t i) HWY_ATTR {
-    const V16 weight = falloffWeight(hn::Add(row, hn::LoadU(DS(), colTerms + i)));
-    return Dimmed{dimmed(r + i, weight), dimmed(g + i, weight), dimmed(b + i, weight)};
-  };
-  const auto store = [=](const Dimmed& colors, ptrdiff_t i) HWY_ATTR {
-    hn::StoreU(colors.r, DHalf8(), r + i);
-    hn::StoreU(colors.g, DHalf8(), g + i);
-    hn::StoreU(colors.b, DHalf8(), b + i);
-  };
-  if (!eachVector(byteLanes() / 2, count, make, store)) {
-    plainToneRows().falloff(rowTerm, colTerms, r, g, b, count);
-  }
-}
 
 }  // namespace
 }  // namespace HWY_NAMESPACE

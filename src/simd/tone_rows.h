@@ -1,18 +1,14 @@
 // The steps of the looks that exist natively in YUV, as a table of row functions beside Rows and
 // under the same rules: no alignment needed, nothing outside [0, count) touched, plain form and
 // vector form of the same bytes.
-#ifndef QPX_SIMD_TONE_ROWS_H_
-#define QPX_SIMD_TONE_ROWS_H_
+#pragma once
 
 #include <stddef.h>
 #include <stdint.h>
 
-namespace qpx::simd {
+#include "simd/row_forms.h"
 
-// Shares of 256 that a grey takes of each channel; together they are 256.
-struct GreyWeights {
-  uint8_t red, green, blue;
-};
+namespace qpx::simd {
 
 struct ToneRows {
   // Full-range BT.601 in ten fractional bits, rounded to nearest and clamped, from chroma of halved
@@ -37,21 +33,8 @@ struct ToneRows {
   void (*rgbToPairs)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* pairs,
                      bool vFirst, ptrdiff_t count);
 
-  // dst = (max + min) >> 1 of the three channels. In place on any of them.
-  void (*extremesMean)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                       ptrdiff_t count);
-
-  // dst = (weights * channels + 128) >> 8. In place on any of the three.
-  void (*weightedGrey)(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* dst,
-                       ptrdiff_t count, const GreyWeights& weights);
-
   // Red takes the largest channel, blue the smallest, green (197 * smallest + 59 * largest) >> 8.
   void (*sortToSepia)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count);
-
-  // Away from a grey, or towards it: dst = clamp(src + (((src - grey) * amount) >> 7)), |amount| at
-  // most 128. In place on either.
-  void (*saturate)(const uint8_t* src, const uint8_t* grey, uint8_t* dst, ptrdiff_t count,
-                   int32_t amount);
 
   // Lighter where light is above 128, darker where it is below:
   //   dst = clamp(src + (((light > 128 ? up : down) * (light - 128)) >> 7)). In place on any.
@@ -83,18 +66,22 @@ struct ToneRows {
   // 2^20 / (s + 1) - 1024; s = (max - min) * 1024 / (sum + 1), of light colours / (511 - sum), sum
   // being max + min.
   void (*enrich)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count);
-
-  // Darkens where s = rowTerm + colTerms[i] is above 128: c = c * w >> 9 with
-  // w = max(512 - (((s - 128)^2) >> 10), 0). No sum of terms leaves 16 bits.
-  void (*falloff)(int32_t rowTerm, const int16_t* colTerms, uint8_t* r, uint8_t* g, uint8_t* b,
-                  ptrdiff_t count);
 };
 
-// As rows(), plainRows() and vectorRows().
-const ToneRows& toneRows();
-const ToneRows& plainToneRows();
-const ToneRows& vectorToneRows();
+#define QPX_TONE_ROWS(ROW, Table) \
+  ROW(Table, halvesToRgb)         \
+  ROW(Table, pairsToRgb)          \
+  ROW(Table, rgbToLuma)           \
+  ROW(Table, rgbToHalves)         \
+  ROW(Table, rgbToPairs)          \
+  ROW(Table, sortToSepia)         \
+  ROW(Table, lean)                \
+  ROW(Table, overlay)             \
+  ROW(Table, layTexels)           \
+  ROW(Table, mixPercent)          \
+  ROW(Table, enrich)
+QPX_DECLARE_ROWS(ToneRows, QPX_TONE_ROWS)
+
+inline const ToneRows& toneRows() { return chosenForm<ToneRows>(); }
 
 }  // namespace qpx::simd
-
-#endif  // QPX_SIMD_TONE_ROWS_H_

@@ -50,8 +50,8 @@ CornerTerms::CornerTerms(const QPXDarkCornerParam& param, int32_t width, int32_t
 void darkenCorners(PixelRun& run, const CornerTerms& terms, const uint8_t* tone) {
   const simd::Rows& rows = simd::rows();
   const simd::BlendRows& blends = simd::blendRows();
-  alignas(64) int32_t weights[kRunLength];
-  alignas(64) uint8_t toned[kRunLength];
+  alignas(kRunAlignment) int32_t weights[kRunLength];
+  alignas(kRunAlignment) uint8_t toned[kRunLength];
   blends.cornerWeights({.dx = int64_t{run.x} - terms.centerX,
                         .dy = int64_t{run.y} - terms.centerY,
                         .inner = terms.inner,

@@ -40,7 +40,7 @@ void loadAndPair(PixelRun& run, const TextureLayer& layer, simd::BlendRows::Pair
 }
 
 void moveAboutLightness(PixelRun& run, int32_t amount, simd::BlendRows::Move move) {
-  alignas(64) uint8_t centre[kRunLength];
+  alignas(kRunAlignment) uint8_t centre[kRunLength];
   lightnessGrey(run, centre);
   for (uint8_t* channel : {run.r, run.g, run.b}) move(channel, centre, channel, run.count, amount);
 }
@@ -126,13 +126,13 @@ void colorizeGrey(PixelRun& run, const uint8_t* grey, const ColorTables& tables)
 }
 
 void tintByHues(PixelRun& run, const HueWeights<double>& weights, const ColorTables& tint) {
-  alignas(64) uint8_t grey[kRunLength];
+  alignas(kRunAlignment) uint8_t grey[kRunLength];
   hueGrey(run, weights, grey);
   colorizeGrey(run, grey, tint);
 }
 
 void tintByLuma(PixelRun& run, const ColorTables& tint) {
-  alignas(64) uint8_t grey[kRunLength];
+  alignas(kRunAlignment) uint8_t grey[kRunLength];
   lumaGrey(run, kTintLuma, grey);
   colorizeGrey(run, grey, tint);
 }
@@ -147,7 +147,7 @@ void desaturate(PixelRun& run, int32_t amount) {
 
 void radialFalloff(PixelRun& run, const FalloffTerms& terms) {
   const simd::BlendRows& rows = simd::blendRows();
-  alignas(64) uint16_t weights[kRunLength];
+  alignas(kRunAlignment) uint16_t weights[kRunLength];
   rows.falloffWeights(terms.rows[run.y], terms.columns + run.x, weights, run.count);
   for (uint8_t* channel : {run.r, run.g, run.b}) {
     rows.scaleByFalloff(channel, weights, channel, run.count);

@@ -9,6 +9,11 @@ namespace qpx {
 namespace {
 
 constexpr int kFraction = 20;
+
+// Sides up to this are divided by sums: what kRunLength of them lose is less than half a pixel's
+// part of 2^32.
+constexpr int32_t kMostDivided = 1 << 22;
+static_assert(int64_t{kRunLength + 1} * 2 * kMostDivided < int64_t{1} << 32);
 constexpr uint32_t kRedFirst = 0x1000;  // of format codes
 
 struct Planes {
@@ -24,13 +29,12 @@ int32_t texelBytes(const MBitmap& texture) {
   return bytes == 2 ? 0 : bytes;
 }
 
-void gather32(const uint8_t* row, const int32_t* columns, int32_t count, const Planes& to,
-              uint8_t* alpha) {
-  alignas(64) uint8_t packed[4 * kRunLength];
-  for (int32_t i = 0; i < count; ++i) {
-    std::memcpy(packed + ptrdiff_t{4} * i, row + ptrdiff_t{4} * columns[i], 4);
-  }
-  simd::rows().deinterleave4(packed, count, to.red, to.green, to.blue, alpha);
+void gather32(const uint8_t* row, int32_t texels, const int32_t* columns, int32_t count,
+              const Planes& to, uint8_t* alpha) {
+  const simd::Rows& rows = simd::rows();
+  alignas(kRunAlignment) uint8_t packed[4 * kRunLength];
+  rows.gather4(row, texels, columns, count, packed);
+  rows.deinterleave4(packed, count, to.red, to.green, to.blue, alpha);
 }
 
 void gather24(const uint8_t* row, const int32_t* columns, int32_t count, const Planes& to) {
@@ -70,24 +74,46 @@ int32_t TextureLayer::Axis::place(int32_t at) const {
 }
 
 // Texels follow one another in one direction, so that none of them needs clamping if the ends do
-// not. Sums then fit 32 bits but for huge textures, which is twice as fast.
+// not.
 void TextureLayer::Axis::places(int32_t at, int32_t count, int32_t* to) const {
-  const int64_t start = at * step;
-  const int64_t end = start + step * (count - 1);
-  const auto inside = [this](int64_t sum) {
-    const int64_t texel = sum >> kFraction;
-    return texel >= 0 && texel < shown;
-  };
-  if (!stepped || end > INT32_MAX || !inside(start) || !inside(end)) {
+  const auto shows = [this](int64_t texel) { return texel >= 0 && texel < shown; };
+  const int32_t last = at + count - 1;
+  if (stepped && shows((at * step) >> kFraction) && shows((last * step) >> kFraction) &&
+      last * step <= INT32_MAX) {
+    steppedPlaces(at, count, to);
+  } else if (!stepped && !inFloat && at >= 0 && pixels <= kMostDivided &&
+             shows(int64_t{last} * shown / pixels)) {
+    dividedPlaces(at, count, to);
+  } else {
     for (int32_t i = 0; i < count; ++i) to[i] = place(at + i);
-    return;
   }
-  uint32_t sum = static_cast<uint32_t>(start);
+}
+
+// Sums that fit 32 bits are twice as fast.
+void TextureLayer::Axis::steppedPlaces(int32_t at, int32_t count, int32_t* to) const {
+  uint32_t sum = static_cast<uint32_t>(at * step);
   const uint32_t each = static_cast<uint32_t>(step);
   const int32_t origin = turned ? first + shown - 1 : first;
   const int32_t sign = turned ? -1 : 1;
   for (int32_t i = 0; i < count; ++i, sum += each) {
     to[i] = origin + sign * static_cast<int32_t>(sum >> kFraction);
+  }
+}
+
+// at * shown / pixels from place to place in 32 fractional bits. A fraction is a whole number of
+// parts of `pixels`; the sum begins half a part above it, which is more than it falls short of by
+// the end of a run, and never reaches the next one.
+void TextureLayer::Axis::dividedPlaces(int32_t at, int32_t count, int32_t* to) const {
+  const int64_t exact = int64_t{at} * shown;
+  const uint64_t divisor = static_cast<uint64_t>(pixels);
+  const uint64_t rest = static_cast<uint64_t>(exact % pixels);
+  uint64_t sum = ((2 * rest + 1) << 31) / divisor;
+  const uint64_t each = (static_cast<uint64_t>(shown) << 32) / divisor;
+  const int32_t texel = static_cast<int32_t>(exact / pixels);
+  const int32_t origin = turned ? first + shown - 1 - texel : first + texel;
+  const int32_t sign = turned ? -1 : 1;
+  for (int32_t i = 0; i < count; ++i, sum += each) {
+    to[i] = origin + sign * static_cast<int32_t>(sum >> 32);
   }
 }
 
@@ -162,12 +188,14 @@ void TextureLayer::load(int32_t x, int32_t y, int32_t count, TextureRun& texels)
     for (uint8_t* plane : {texels.r, texels.g, texels.b, texels.a}) std::memset(plane, 0, bytes);
     return;
   }
-  int32_t columns[kRunLength];
+  alignas(kRunAlignment) int32_t columns[kRunLength];
   columns_.places(x, count, columns);
   const uint8_t* row = texture_.plane[0] + ptrdiff_t{rowAt(y)} * texture_.pitch[0];
   const bool redFirst = (texture_.format & kRedFirst) != 0;
   const Planes planes = {redFirst ? texels.r : texels.b, texels.g, redFirst ? texels.b : texels.r};
-  if (texelSize == 4) return gather32(row, columns, count, planes, texels.a);
+  if (texelSize == 4) {
+    return gather32(row, texture_.width, columns, count, planes, texels.a);
+  }
   if (texelSize == 3) {
     gather24(row, columns, count, planes);
   } else {

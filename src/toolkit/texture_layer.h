@@ -34,10 +34,10 @@ Mirror mirrorOf(const Stage& stage);
 
 // Planar texels of the pixels of a run. Formats without alpha have 255 there, grey has r = g = b.
 struct TextureRun {
-  alignas(64) uint8_t r[kRunLength];
-  alignas(64) uint8_t g[kRunLength];
-  alignas(64) uint8_t b[kRunLength];
-  alignas(64) uint8_t a[kRunLength];
+  alignas(kRunAlignment) uint8_t r[kRunLength];
+  alignas(kRunAlignment) uint8_t g[kRunLength];
+  alignas(kRunAlignment) uint8_t b[kRunLength];
+  alignas(kRunAlignment) uint8_t a[kRunLength];
 };
 
 class TextureLayer {
@@ -67,6 +67,8 @@ class TextureLayer {
     Axis(int32_t textureSize, int32_t pictureSize, bool turn);
     int32_t place(int32_t at) const;
     void places(int32_t at, int32_t count, int32_t* to) const;
+    void steppedPlaces(int32_t at, int32_t count, int32_t* to) const;
+    void dividedPlaces(int32_t at, int32_t count, int32_t* to) const;
     int32_t clampTurned(int64_t texel) const;
   };
 

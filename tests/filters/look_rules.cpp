@@ -58,8 +58,8 @@ int overlaid(int c, int t) {
 }  // namespace
 
 int rowTerm(const Stage& stage, int32_t y) {
-  int16_t term;
-  std::memcpy(&term, stage.lut + kCornerTerms + 2 * ptrdiff_t{y}, 2);
+  int32_t term;
+  std::memcpy(&term, stage.lut + kCornerTerms + 4 * ptrdiff_t{y}, 4);
   return term;
 }
 

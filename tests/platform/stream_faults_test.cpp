@@ -12,14 +12,8 @@ namespace {
 
 using qpx::testing::FailingMemory;
 
-class StreamFaults : public qpx::testing::TemporaryFolder {
+class StreamFaults : public qpx::testing::StreamFolder {
  protected:
-  void SetUp() override {
-    FailingMemory::reset();
-    blocks_ = FailingMemory::liveBlocks();
-    descriptors_ = openDescriptors();
-  }
-
   // Runs body with the n-th allocation failing, alone and with all behind it; after each run
   // nothing may be left open or allocated. Returns the number of allocations that were made to
   // fail.
@@ -29,17 +23,12 @@ class StreamFaults : public qpx::testing::TemporaryFolder {
     for (const bool firstOnly : {true, false}) {
       count = FailingMemory::forEachFailure(firstOnly, [&] {
         body();
-        EXPECT_EQ(FailingMemory::liveBlocks(), blocks_);
-        EXPECT_EQ(openDescriptors(), descriptors_);
+        expectAllGivenBack();
         EXPECT_EQ(FailingMemory::doubleFrees() + FailingMemory::foreignFrees(), 0);
       });
     }
     return count;
   }
-
- private:
-  int64_t blocks_ = 0;
-  int64_t descriptors_ = 0;
 };
 
 bool refused() { return FailingMemory::failures() > 0; }

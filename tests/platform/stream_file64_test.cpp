@@ -4,27 +4,13 @@
 
 #include "platform/stream_record.h"
 #include "platform/temporary_folder.h"
-#include "support/failing_memory.h"
 
 namespace {
 
-constexpr int32_t kStart = 0;
-constexpr int32_t kEnd = 1;
-constexpr int32_t kCurrent = 2;
 constexpr int64_t kGiB = int64_t{1} << 30;
 
-class StreamFile64 : public qpx::testing::TemporaryFolder {
+class StreamFile64 : public qpx::testing::StreamFolder {
  protected:
-  void SetUp() override {
-    qpx::testing::FailingMemory::reset();
-    blocks_ = qpx::testing::FailingMemory::liveBlocks();
-    descriptors_ = openDescriptors();
-  }
-  void TearDown() override {
-    EXPECT_EQ(qpx::testing::FailingMemory::liveBlocks(), blocks_);
-    EXPECT_EQ(openDescriptors(), descriptors_);
-  }
-
   std::string describe(int32_t mode) {
     std::string story;
     for (const bool exists : {true, false}) {
@@ -47,10 +33,6 @@ class StreamFile64 : public qpx::testing::TemporaryFolder {
     }
     return story;
   }
-
- private:
-  int64_t blocks_ = 0;
-  int64_t descriptors_ = 0;
 };
 
 TEST_F(StreamFile64, EachModeOpensItsWayAndAppendStartsAtTheEnd) {

@@ -4,26 +4,11 @@
 #include <string>
 
 #include "platform/temporary_folder.h"
-#include "support/failing_memory.h"
 
 namespace {
 
-constexpr int32_t kStart = 0;
-constexpr int32_t kEnd = 1;
-constexpr int32_t kCurrent = 2;
-
-class StreamFile : public qpx::testing::TemporaryFolder {
+class StreamFile : public qpx::testing::StreamFolder {
  protected:
-  void SetUp() override {
-    qpx::testing::FailingMemory::reset();
-    blocks_ = qpx::testing::FailingMemory::liveBlocks();
-    descriptors_ = openDescriptors();
-  }
-  void TearDown() override {
-    EXPECT_EQ(qpx::testing::FailingMemory::liveBlocks(), blocks_);
-    EXPECT_EQ(openDescriptors(), descriptors_);
-  }
-
   // What a mode does to a file of "old" and to no file, as one line.
   std::string describe(int32_t mode) {
     std::string story;
@@ -45,10 +30,6 @@ class StreamFile : public qpx::testing::TemporaryFolder {
     }
     return story;
   }
-
- private:
-  int64_t blocks_ = 0;
-  int64_t descriptors_ = 0;
 };
 
 TEST_F(StreamFile, EachModeOpensItsWay) {

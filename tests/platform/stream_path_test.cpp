@@ -6,14 +6,7 @@
 
 namespace {
 
-class StreamPath : public qpx::testing::TemporaryFolder {
- protected:
-  void SetUp() override { descriptors_ = openDescriptors(); }
-  void TearDown() override { EXPECT_EQ(openDescriptors(), descriptors_); }
-
- private:
-  int64_t descriptors_ = 0;
-};
+using StreamPath = qpx::testing::StreamFolder;
 
 TEST_F(StreamPath, SizesOfFiles) {
   const std::string file = fileWith("f", "abcde");

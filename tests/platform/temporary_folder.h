@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_memory.h"
+
 namespace qpx::testing {
 
 // A folder of its own for each test, gone with it.
@@ -46,6 +48,30 @@ class TemporaryFolder : public ::testing::Test {
 
  private:
   std::filesystem::path folder_;
+};
+
+// Streams that give back every block and descriptor they took.
+class StreamFolder : public TemporaryFolder {
+ protected:
+  static constexpr int32_t kStart = 0;
+  static constexpr int32_t kEnd = 1;
+  static constexpr int32_t kCurrent = 2;
+
+  void SetUp() override {
+    FailingMemory::reset();
+    blocks_ = FailingMemory::liveBlocks();
+    descriptors_ = openDescriptors();
+  }
+  void TearDown() override { expectAllGivenBack(); }
+
+  void expectAllGivenBack() const {
+    EXPECT_EQ(FailingMemory::liveBlocks(), blocks_);
+    EXPECT_EQ(openDescriptors(), descriptors_);
+  }
+
+ private:
+  int64_t blocks_ = 0;
+  int64_t descriptors_ = 0;
 };
 
 }  // namespace qpx::testing

@@ -70,8 +70,8 @@ testing::AssertionResult sameRows(const std::vector<uint8_t>& expected,
 
 class BlendRowTest : public TargetTest {
  protected:
-  static const BlendRows& vectorForm() { return vectorBlendRows(); }
-  static const BlendRows& plainForm() { return plainBlendRows(); }
+  static const BlendRows& vectorForm() { return simd::vectorForm<BlendRows>(); }
+  static const BlendRows& plainForm() { return simd::plainForm<BlendRows>(); }
 };
 QPX_FOR_EACH_TARGET(BlendRowTest);
 
@@ -167,8 +167,8 @@ TEST_P(BlendRowTest, GreysOfAllColors) {
       (vectorForm().*row)(r, g, blue.data(), actual.data(), kAll);
       ASSERT_TRUE(sameRows(expected, actual)) << "blue " << b;
     }
-    for (const LumaWeights& weights :
-         {kTintLuma, kLooksLuma, LumaWeights{256, 0, 0}, LumaWeights{64, 160, 32}}) {
+    for (const LumaWeights& weights : {kTintLuma, kLooksLuma, LumaWeights{256, 0, 0},
+                                       LumaWeights{64, 160, 32}, LumaWeights{0, 255, 1}}) {
       plainForm().weighedLuma(r, g, blue.data(), expected.data(), kAll, weights);
       vectorForm().weighedLuma(r, g, blue.data(), actual.data(), kAll, weights);
       ASSERT_TRUE(sameRows(expected, actual)) << "blue " << b << ", weight " << weights.red;
@@ -381,12 +381,12 @@ TEST_P(BlendRowTest, RowThatIsItsOwnOutputGivesThePlainBytes) {
 }
 
 TEST(BlendRows, PlainFormsAreChosenOnDemand) {
-  EXPECT_EQ(&blendRows(), &vectorBlendRows());
-  EXPECT_NE(vectorBlendRows().layScreen, plainBlendRows().layScreen);
+  EXPECT_EQ(&blendRows(), &vectorForm<BlendRows>());
+  EXPECT_NE(vectorForm<BlendRows>().layScreen, plainForm<BlendRows>().layScreen);
   QPX_UsePlainForms(1);
-  EXPECT_EQ(&blendRows(), &plainBlendRows());
+  EXPECT_EQ(&blendRows(), &plainForm<BlendRows>());
   QPX_UsePlainForms(0);
-  EXPECT_EQ(&blendRows(), &vectorBlendRows());
+  EXPECT_EQ(&blendRows(), &vectorForm<BlendRows>());
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ struct Sample {
       expected[k].reset(rowCase.outputBytes * count, 0);
       out[k] = expected[k].data();
     }
-    rowCase.call(plainRows(), in, out, count);
+    rowCase.call(plainForm<Rows>(), in, out, count);
   }
 
   GuardedRow inputs[kMaxRows];

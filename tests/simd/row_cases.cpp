@@ -36,6 +36,14 @@ void lookup4TwoTables(const Rows& rows, In in, Out out, ptrdiff_t count) {
   rows.lookup4(in[0], out[0], count, table(2), table(2), table(0));
 }
 
+void deinterleave2(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  rows.deinterleave2(in[0], count, out[0], out[1]);
+}
+
+void interleave2(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  rows.interleave2(in[0], in[1], count, out[0]);
+}
+
 void deinterleave3(const Rows& rows, In in, Out out, ptrdiff_t count) {
   rows.deinterleave3(in[0], count, out[0], out[1], out[2]);
 }
@@ -50,6 +58,27 @@ void deinterleave4(const Rows& rows, In in, Out out, ptrdiff_t count) {
 
 void interleave4(const Rows& rows, In in, Out out, ptrdiff_t count) {
   rows.interleave4(in[0], in[1], in[2], in[3], count, out[0]);
+}
+
+// As many texels as there are pixels: each twice, each third one from the end, and in no order.
+void gather4(const Rows& rows, In in, Out out, ptrdiff_t count,
+             int32_t (*place)(int32_t, int32_t)) {
+  std::vector<int32_t> places;
+  const int32_t texels = static_cast<int32_t>(count);
+  for (int32_t i = 0; i < texels; ++i) places.push_back(place(i, texels));
+  rows.gather4(in[0], count, places.data(), count, out[0]);
+}
+
+void gather4Doubled(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  gather4(rows, in, out, count, [](int32_t i, int32_t texels) { return (texels - 1 + i) / 2; });
+}
+
+void gather4Backwards(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  gather4(rows, in, out, count, [](int32_t i, int32_t texels) { return texels - 1 - i / 3 * 3; });
+}
+
+void gather4Scattered(const Rows& rows, In in, Out out, ptrdiff_t count) {
+  gather4(rows, in, out, count, [](int32_t i, int32_t texels) { return i * 37 % texels; });
 }
 
 void luma(const Rows& rows, In in, Out out, ptrdiff_t count) {
@@ -88,10 +117,15 @@ const std::vector<RowCase>& rowCases() {
       {"lookup4", 1, 4, 1, 4, true, lookup4},
       {"lookup4 with one table", 1, 4, 1, 4, true, lookup4OneTable},
       {"lookup4 with two tables", 1, 4, 1, 4, true, lookup4TwoTables},
+      {"deinterleave2", 1, 2, 2, 1, false, deinterleave2},
+      {"interleave2", 2, 1, 1, 2, false, interleave2},
       {"deinterleave3", 1, 3, 3, 1, false, deinterleave3},
       {"interleave3", 3, 1, 1, 3, false, interleave3},
       {"deinterleave4", 1, 4, 4, 1, false, deinterleave4},
       {"interleave4", 4, 1, 1, 4, false, interleave4},
+      {"gather4 of doubled pixels", 1, 4, 1, 4, false, gather4Doubled},
+      {"gather4 backwards", 1, 4, 1, 4, false, gather4Backwards},
+      {"gather4 of scattered pixels", 1, 4, 1, 4, false, gather4Scattered},
       {"luma", 3, 1, 1, 1, true, luma},
       {"weightedSum", 3, 1, 1, 1, true, weightedSum},
       {"mixOpaque", 2, 1, 1, 1, true, mixOpaque},

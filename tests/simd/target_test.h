@@ -30,8 +30,8 @@ class TargetTest : public testing::TestWithParam<int64_t> {
   void SetUp() override { choose(GetParam()); }
   void TearDown() override { choose(0); }
 
-  const Rows& vector() const { return vectorRows(); }
-  const Rows& plain() const { return plainRows(); }
+  const Rows& vector() const { return vectorForm<Rows>(); }
+  const Rows& plain() const { return plainForm<Rows>(); }
 
  private:
   // With a single target there is nothing to choose, and no Highway library to ask.

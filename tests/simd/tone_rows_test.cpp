@@ -27,12 +27,10 @@ Ramp constant(int32_t value) {
   return values;
 }
 
-constexpr GreyWeights kWeights[] = {{77, 150, 29}, {64, 160, 32}, {0, 255, 1}, {255, 0, 1}};
-
 class ToneRowsTest : public TargetTest {
  protected:
-  const ToneRows& plainTone() const { return plainToneRows(); }
-  const ToneRows& vectorTone() const { return vectorToneRows(); }
+  const ToneRows& plainTone() const { return plainForm<ToneRows>(); }
+  const ToneRows& vectorTone() const { return vectorForm<ToneRows>(); }
 };
 QPX_FOR_EACH_TARGET(ToneRowsTest);
 
@@ -48,8 +46,8 @@ void expectSameOnEveryColor(int32_t stride, const Step& step) {
     for (int32_t g = 0; g < 256; ++g) {
       Colors plain = {constant(r), constant(g), ramp()};
       Colors vector = plain;
-      step(plainToneRows(), plain);
-      step(vectorToneRows(), vector);
+      step(plainForm<ToneRows>(), plain);
+      step(vectorForm<ToneRows>(), vector);
       ASSERT_EQ(plain, vector) << "first " << r << ", second " << g;
     }
   }
@@ -101,21 +99,6 @@ TEST_P(ToneRowsTest, YuvOfEveryColor) {
   });
 }
 
-TEST_P(ToneRowsTest, GreysOfEveryColor) {
-  expectSameOnEveryColor(1, [](const ToneRows& rows, Colors& c) {
-    Ramp mean, grey;
-    rows.extremesMean(c.r.data(), c.g.data(), c.b.data(), mean.data(), 256);
-    rows.weightedGrey(c.r.data(), c.g.data(), c.b.data(), grey.data(), 256, kWeights[0]);
-    c.r = mean;
-    c.g = grey;
-  });
-  for (const GreyWeights& weights : kWeights) {
-    expectSameOnEveryColor(5, [&](const ToneRows& rows, Colors& c) {
-      rows.weightedGrey(c.r.data(), c.g.data(), c.b.data(), c.b.data(), 256, weights);
-    });
-  }
-}
-
 TEST_P(ToneRowsTest, SepiaAndEnrichedFormsOfEveryColor) {
   expectSameOnEveryColor(3, [](const ToneRows& rows, Colors& c) {
     rows.sortToSepia(c.r.data(), c.g.data(), c.b.data(), 256);
@@ -123,19 +106,6 @@ TEST_P(ToneRowsTest, SepiaAndEnrichedFormsOfEveryColor) {
   expectSameOnEveryColor(3, [](const ToneRows& rows, Colors& c) {
     rows.enrich(c.r.data(), c.g.data(), c.b.data(), 256);
   });
-}
-
-TEST_P(ToneRowsTest, SaturationOfEveryPairAtEveryAmount) {
-  const Ramp grey = ramp();
-  Ramp expected, actual;
-  for (int32_t amount = -128; amount <= 128; ++amount) {
-    for (int32_t c = 0; c < 256; ++c) {
-      const Ramp src = constant(c);
-      plainTone().saturate(src.data(), grey.data(), expected.data(), 256, amount);
-      vectorTone().saturate(src.data(), grey.data(), actual.data(), 256, amount);
-      ASSERT_EQ(actual, expected) << "sample " << c << ", amount " << amount;
-    }
-  }
 }
 
 TEST_P(ToneRowsTest, LeaningOfEverySampleUnderEveryLight) {
@@ -224,23 +194,6 @@ TEST_P(ToneRowsTest, MixByPercentOfEveryPair) {
   }
 }
 
-TEST_P(ToneRowsTest, FalloffOfEverySampleAtEverySum) {
-  std::array<int16_t, 256> terms;
-  for (const int32_t row : {-9000, -200, 0, 128, 400, 660, 8000}) {
-    for (int32_t start = -1024; start <= 1024; start += 256) {
-      std::iota(terms.begin(), terms.end(), static_cast<int16_t>(start));
-      for (int32_t c = 0; c < 256; ++c) {
-        Colors plain = {constant(c), constant(255 - c), constant(c ^ 0x55)};
-        Colors vector = plain;
-        plainTone().falloff(row, terms.data(), plain.r.data(), plain.g.data(), plain.b.data(), 256);
-        vectorTone().falloff(row, terms.data(), vector.r.data(), vector.g.data(), vector.b.data(),
-                             256);
-        ASSERT_EQ(vector, plain) << "row " << row << ", column " << start << ", sample " << c;
-      }
-    }
-  }
-}
-
 // Every row on every count, unaligned, between bytes that must stay: up to three inputs in
 // in[0..2], up to three outputs in out[0..2].
 using Call = void (*)(const ToneRows& rows, uint8_t* const* in, uint8_t* const* out,
@@ -257,12 +210,6 @@ struct Shape {
 ptrdiff_t each(ptrdiff_t count) { return count; }
 ptrdiff_t half(ptrdiff_t count) { return (count + 1) / 2; }
 ptrdiff_t pairs(ptrdiff_t count) { return (count + 1) / 2 * 2; }
-
-std::vector<int16_t> columnTerms(ptrdiff_t count) {
-  std::vector<int16_t> terms(static_cast<size_t>(count));
-  for (size_t i = 0; i < terms.size(); ++i) terms[i] = static_cast<int16_t>(i * 37 % 900);
-  return terms;
-}
 
 void copyTo(uint8_t* const* in, uint8_t* const* out, ptrdiff_t count) {
   for (int k = 0; k < 3; ++k) std::copy_n(in[k], count, out[k]);
@@ -309,27 +256,10 @@ constexpr Shape kShapes[] = {
        rows.rgbToPairs(in[0], in[1], in[2], out[0], false, n);
      },
      each, pairs, 1},
-    {"extremesMean",
-     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
-       rows.extremesMean(in[0], in[1], in[2], out[0], n);
-     },
-     each, each, 1},
-    {"weightedGrey in place",
-     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
-       copyTo(in, out, n);
-       rows.weightedGrey(out[0], out[1], out[2], out[1], n, kWeights[1]);
-     },
-     each, each, 3},
     {"sortToSepia",
      [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
        copyTo(in, out, n);
        rows.sortToSepia(out[0], out[1], out[2], n);
-     },
-     each, each, 3},
-    {"saturate in place",
-     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
-       copyTo(in, out, n);
-       rows.saturate(out[0], out[1], out[0], n, 55);
      },
      each, each, 3},
     {"lean in place",
@@ -370,13 +300,6 @@ constexpr Shape kShapes[] = {
      [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
        copyTo(in, out, n);
        rows.enrich(out[0], out[1], out[2], n);
-     },
-     each, each, 3},
-    {"falloff",
-     [](const ToneRows& rows, In in, Out out, ptrdiff_t n) {
-       copyTo(in, out, n);
-       const std::vector<int16_t> terms = columnTerms(n);
-       rows.falloff(60, terms.data(), out[0], out[1], out[2], n);
      },
      each, each, 3},
 };
@@ -436,13 +359,13 @@ TEST_P(ToneRowsTest, EveryCountAndAlignmentGivesThePlainBytesAndNoOthers) {
 TEST(PlainToneRows, ConversionRoundsInAndCutsBack) {
   const uint8_t y[] = {100, 101, 100}, u[] = {90, 128}, v[] = {180, 128};
   uint8_t r[3], g[3], b[3], back[3], us[2], vs[2];
-  plainToneRows().halvesToRgb(y, u, v, r, g, b, 3);
+  plainForm<ToneRows>().halvesToRgb(y, u, v, r, g, b, 3);
   EXPECT_EQ(std::vector<uint8_t>(r, r + 3), (std::vector<uint8_t>{173, 174, 100}));
   EXPECT_EQ(std::vector<uint8_t>(g, g + 3), (std::vector<uint8_t>{76, 77, 100}));
   EXPECT_EQ(std::vector<uint8_t>(b, b + 3), (std::vector<uint8_t>{33, 34, 100}));
-  plainToneRows().rgbToLuma(r, g, b, back, 3);
+  plainForm<ToneRows>().rgbToLuma(r, g, b, back, 3);
   EXPECT_EQ(back[0], 100);  // 51.70 + 44.60 + 3.77 = 100.07
-  plainToneRows().rgbToHalves(r, g, b, us, vs, 3);
+  plainForm<ToneRows>().rgbToHalves(r, g, b, us, vs, 3);
   EXPECT_EQ(us[0], 90);   // -29.23 - 25.16 + 16.5 = -37.89, cut to -38
   EXPECT_EQ(vs[0], 180);  // 86.5 - 31.77 - 2.67 = 52.06, cut to 52
   EXPECT_EQ(us[1], 128);
@@ -453,10 +376,10 @@ TEST(PlainToneRows, PairsComeAndGoInBothOrders) {
   const uint8_t y[] = {100, 101}, vu[] = {180, 90}, uv[] = {90, 180};
   for (const bool vFirst : {true, false}) {
     uint8_t r[2], g[2], b[2], pairs[2];
-    plainToneRows().pairsToRgb(y, vFirst ? vu : uv, vFirst, r, g, b, 2);
+    plainForm<ToneRows>().pairsToRgb(y, vFirst ? vu : uv, vFirst, r, g, b, 2);
     EXPECT_EQ(r[0], 173);
     EXPECT_EQ(b[1], 34);
-    plainToneRows().rgbToPairs(r, g, b, pairs, vFirst, 2);
+    plainForm<ToneRows>().rgbToPairs(r, g, b, pairs, vFirst, 2);
     EXPECT_EQ(pairs[0], vFirst ? 180 : 90);
     EXPECT_EQ(pairs[1], vFirst ? 90 : 180);
   }

@@ -221,6 +221,41 @@ TEST(TextureLayer, LoadsTexelsOfEveryFormat) {
   }
 }
 
+// A row of texels that say their own column, enlarged and reduced: runs are worked out in steps,
+// single columns on their own.
+TEST(TextureLayer, LoadsTheColumnsThatItNames) {
+  for (const int32_t texels : {1, 3, 15, 16, 17, 63, 341, 1076}) {
+    std::vector<uint8_t> row(static_cast<size_t>(texels) * 4);
+    for (int32_t u = 0; u < texels; ++u) {
+      row[static_cast<size_t>(u) * 4] = static_cast<uint8_t>(u);
+      row[static_cast<size_t>(u) * 4 + 1] = static_cast<uint8_t>(u >> 8);
+    }
+    const MBitmap texture = {QPX_FORMAT_RGBA32, texels, 1, {4 * texels}, {row.data()}};
+    for (const int32_t width : {1, 2, 7, 100, 255, 256, 720, 1077, 4000, 65537, 5000011}) {
+      Stage stage = {};
+      stage.inWidth = width;
+      stage.inHeight = 2;
+      for (const auto placement :
+           {qpx::Placement::stretch, qpx::Placement::stretchEdges, qpx::Placement::stretchWhole,
+            qpx::Placement::coverCentred, qpx::Placement::coverAnchored}) {
+        for (const bool across : {false, true}) {
+          const TextureLayer layer(texture, stage, placement, {.across = across});
+          for (const int32_t x : {0, 5, 256, width / 2, width - 256}) {
+            const int32_t count = std::min(width - x, 256);
+            if (x < 0 || count < 1) continue;
+            TextureRun run;
+            layer.load(x, 0, count, run);
+            for (int32_t i = 0; i < count; ++i) {
+              ASSERT_EQ(run.r[i] + 256 * run.g[i], layer.columnAt(x + i))
+                  << texels << " texels, " << width << " pixels, at " << x << " + " << i;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
 TEST(TextureLayer, WritesNoTexelBehindTheRun) {
   Picture texture(QPX_FORMAT_RGBA32, 4, 4, Placement::exact);
   texture.paint(1);

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "filters/curves/look_block.h"
-#include "simd/tone_rows.h"
+#include "toolkit/steps.h"
 
 namespace qpx {
 namespace {
@@ -12,6 +12,9 @@ namespace {
 // Where s, the sum of a row's and a column's term, exceeds kClear the picture darkens with the
 // square of the excess; half of the light is left at an excess of 512, none from 724 on.
 constexpr int32_t kClear = 128;
+
+// A strength of saturation in 128ths, in the 1024ths that the step takes.
+constexpr int32_t kOf128 = 8;
 
 // How dark corners are in looks of the name "as designed": about this much excess.
 constexpr int32_t kSoftCorners = 380;
@@ -23,8 +26,8 @@ struct CornerBlock {
   int32_t mode;
   ChannelTables tone;
 
-  int16_t* rowTerms() { return reinterpret_cast<int16_t*>(this + 1); }
-  const int16_t* rowTerms() const { return reinterpret_cast<const int16_t*>(this + 1); }
+  int32_t* rowTerms() { return reinterpret_cast<int32_t*>(this + 1); }
+  const int32_t* rowTerms() const { return reinterpret_cast<const int32_t*>(this + 1); }
 };
 
 int64_t termCount(const Stage& stage) {
@@ -32,7 +35,7 @@ int64_t termCount(const Stage& stage) {
 }
 
 bool hasCornerBlock(const Stage& stage) {
-  return holdsBlock<CornerBlock>(stage, termCount(stage) * static_cast<int64_t>(sizeof(int16_t)));
+  return holdsBlock<CornerBlock>(stage, termCount(stage) * static_cast<int64_t>(sizeof(int32_t)));
 }
 
 // s = slope * q + start, with q the square of the distance from the centre, 0 there and 1 in the
@@ -49,9 +52,9 @@ struct Falloff {
   }
 
   // Of entry i in a side of `length` pixels whose centre is shifted by a percentage of its half.
-  int16_t term(int32_t i, int32_t length, int32_t shift) const {
+  int32_t term(int32_t i, int32_t length, int32_t shift) const {
     const double place = (2.0 * i + 1.0) / length - 1.0 - shift / 100.0;
-    return static_cast<int16_t>(std::floor((slope * place * place + start) / 2.0 + 0.5));
+    return static_cast<int32_t>(std::floor((slope * place * place + start) / 2.0 + 0.5));
   }
 };
 
@@ -61,11 +64,11 @@ int32_t setUpCorners(Stage& stage, const ChannelCurves& curves, int32_t excess) 
   param.reach = std::clamp(param.reach, -100, 100);
   param.centerX = std::clamp(param.centerX, -100, 100);
   param.centerY = std::clamp(param.centerY, -100, 100);
-  auto* block = makeBlock<CornerBlock>(stage, termCount(stage) * int64_t{sizeof(int16_t)});
+  auto* block = makeBlock<CornerBlock>(stage, termCount(stage) * int64_t{sizeof(int32_t)});
   if (block == nullptr) return QPX_NO_MEMORY;
   block->mode = param.mode;
   const Falloff falloff(param, excess);
-  int16_t* term = block->rowTerms();
+  int32_t* term = block->rowTerms();
   for (int32_t y = 0; y < stage.inHeight; ++y) {
     *term++ = falloff.term(y, stage.inHeight, param.centerY);
   }
@@ -82,39 +85,13 @@ int32_t setUpWithMode(Stage& stage, const ChannelCurves& curves, int32_t excess)
   return setUpCorners(stage, curves, excess);
 }
 
-void applyTone(const ChannelTables& tone, PixelRun& run) {
-  const simd::Rows& rows = simd::rows();
-  rows.lookup(run.r, run.r, run.count, tone.red.data());
-  rows.lookup(run.g, run.g, run.count, tone.green.data());
-  rows.lookup(run.b, run.b, run.count, tone.blue.data());
-}
-
-// The channels through the tables, all by lightness.
-void applyDuotone(const ChannelTables& tone, PixelRun& run) {
-  const simd::Rows& rows = simd::rows();
-  alignas(kRunAlignment) uint8_t lightness[kRunLength];
-  simd::toneRows().extremesMean(run.r, run.g, run.b, lightness, run.count);
-  rows.lookup(lightness, run.r, run.count, tone.red.data());
-  rows.lookup(lightness, run.g, run.count, tone.green.data());
-  rows.lookup(lightness, run.b, run.count, tone.blue.data());
-}
-
-void saturate(int32_t amount, PixelRun& run) {
-  const simd::ToneRows& rows = simd::toneRows();
-  alignas(kRunAlignment) uint8_t lightness[kRunLength];
-  rows.extremesMean(run.r, run.g, run.b, lightness, run.count);
-  for (uint8_t* channel : {run.r, run.g, run.b}) {
-    rows.saturate(channel, lightness, channel, run.count, amount);
-  }
-}
-
 // Terms are least somewhere and grow to both sides of it, so that the ends of a run tell whether
 // any of it is beyond the clear middle.
 void darkenCorners(const Stage& stage, const CornerBlock& block, PixelRun& run) {
-  const int32_t row = block.rowTerms()[run.y];
-  const int16_t* columns = block.rowTerms() + stage.inHeight + run.x;
-  if (row + std::max(columns[0], columns[run.count - 1]) <= kClear) return;
-  simd::toneRows().falloff(row, columns, run.r, run.g, run.b, run.count);
+  const FalloffTerms terms = {block.rowTerms(), block.rowTerms() + stage.inHeight};
+  const int32_t* columns = terms.columns + run.x;
+  const int32_t most = std::max(columns[0], columns[run.count - 1]);
+  if (terms.rows[run.y] + most > kClear) radialFalloff(run, terms);
 }
 
 void darkenCornersInModeOne(const Stage& stage, const CornerBlock& block, PixelRun& run) {
@@ -123,26 +100,28 @@ void darkenCornersInModeOne(const Stage& stage, const CornerBlock& block, PixelR
 
 void tonedCorners(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<CornerBlock>(stage);
-  applyTone(block.tone, run);
+  applyTables(run, block.tone);
   darkenCorners(stage, block, run);
 }
 
 void nostalgic(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<CornerBlock>(stage);
-  applyDuotone(block.tone, run);
+  alignas(kRunAlignment) uint8_t lightness[kRunLength];
+  lightnessGrey(run, lightness);
+  colorizeGrey(run, lightness, block.tone);
   darkenCornersInModeOne(stage, block, run);
 }
 
 void vintage(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<CornerBlock>(stage);
-  applyTone(block.tone, run);
-  saturate(-38, run);
+  applyTables(run, block.tone);
+  saturate(run, -38 * kOf128);
   darkenCornersInModeOne(stage, block, run);
 }
 
 void deepQuite(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<CornerBlock>(stage);
-  applyTone(block.tone, run);
+  applyTables(run, block.tone);
   darkenCornersInModeOne(stage, block, run);
 }
 
@@ -153,8 +132,8 @@ bool knownMode(const Stage& stage) {
 
 void gothic(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<CornerBlock>(stage);
-  applyTone(block.tone, run);
-  saturate(55, run);
+  applyTables(run, block.tone);
+  saturate(run, 55 * kOf128);
   darkenCorners(stage, block, run);
 }
 

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "toolkit/curve.h"
+#include "toolkit/tint.h"
 
 namespace qpx {
 
@@ -39,12 +40,7 @@ bool hasBlock(const Stage& stage) {
   return holdsBlock<Block>(stage, 0);
 }
 
-// One table for each of red, green and blue.
-struct ChannelTables {
-  ToneTable red;
-  ToneTable green;
-  ToneTable blue;
-};
+using ChannelTables = ColorTables;
 
 struct ChannelCurves {
   CurvePoint red[5];

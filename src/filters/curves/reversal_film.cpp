@@ -4,11 +4,12 @@
 #include "filters/curves/light_looks.h"
 #include "filters/curves/look_block.h"
 #include "simd/tone_rows.h"
+#include "toolkit/steps.h"
 
 namespace qpx {
 namespace {
 
-constexpr simd::GreyWeights kLumaWeights = {64, 160, 32};
+constexpr LumaWeights kLumaWeights = {64, 160, 32};
 constexpr int32_t kUsualGain = 234;
 
 struct FilmBlock {
@@ -79,7 +80,7 @@ void reversalFilm(const Stage& stage, PixelRun& run) {
   rows.weightedSum(r, g, b, run.r, run.count, block.dyes[0]);
   rows.weightedSum(r, g, b, run.g, run.count, block.dyes[1]);
   rows.weightedSum(r, g, b, run.b, run.count, block.dyes[2]);
-  toneRows.weightedGrey(run.r, run.g, run.b, luma, run.count, kLumaWeights);
+  lumaGrey(run, kLumaWeights, luma);
   const auto layLight = [&](uint8_t* channel, const ToneTable& table) {
     rows.lookup(luma, light, run.count, table.data());
     toneRows.overlay(channel, light, channel, run.count);

@@ -4,11 +4,12 @@
 #include "filters/curves/light_looks.h"
 #include "filters/curves/look_block.h"
 #include "simd/tone_rows.h"
+#include "toolkit/steps.h"
 
 namespace qpx {
 namespace {
 
-constexpr simd::GreyWeights kLumaWeights = {64, 160, 32};
+constexpr LumaWeights kLumaWeights = {64, 160, 32};
 
 struct SunnyBlock {
   ChannelTables tone;
@@ -31,26 +32,19 @@ constexpr int32_t roomOf(int32_t sample) { return std::min(sample * (255 - sampl
 void sunny(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<SunnyBlock>(stage);
   const simd::Rows& rows = simd::rows();
-  const simd::ToneRows& toneRows = simd::toneRows();
-  const struct {
-    uint8_t* samples;
-    const ToneTable& tone;
-    const ToneTable& light;
-  } channels[3] = {{run.r, block.tone.red, block.light.red},
-                   {run.g, block.tone.green, block.light.green},
-                   {run.b, block.tone.blue, block.light.blue}};
-  for (const auto& channel : channels) {
-    rows.lookup(channel.samples, channel.samples, run.count, channel.tone.data());
-  }
   alignas(kRunAlignment) uint8_t luma[kRunLength], light[kRunLength], up[kRunLength],
       down[kRunLength];
-  toneRows.weightedGrey(run.r, run.g, run.b, luma, run.count, kLumaWeights);
-  for (const auto& channel : channels) {
-    rows.lookup(luma, light, run.count, channel.light.data());
-    rows.lookup(channel.samples, up, run.count, block.up.data());
-    rows.lookup(channel.samples, down, run.count, block.down.data());
-    toneRows.lean(channel.samples, light, up, down, channel.samples, run.count);
-  }
+  applyTables(run, block.tone);
+  lumaGrey(run, kLumaWeights, luma);
+  const auto layLight = [&](uint8_t* channel, const ToneTable& table) {
+    rows.lookup(luma, light, run.count, table.data());
+    rows.lookup(channel, up, run.count, block.up.data());
+    rows.lookup(channel, down, run.count, block.down.data());
+    simd::toneRows().lean(channel, light, up, down, channel, run.count);
+  };
+  layLight(run.r, block.light.red);
+  layLight(run.g, block.light.green);
+  layLight(run.b, block.light.blue);
 }
 
 }  // namespace

@@ -14,6 +14,8 @@ struct Lead {
   int32_t rest;
 
   explicit Lead(const PixelRun& run) : pixels(run.x % 2), rest(run.count - run.x % 2) {}
+
+  bool endsWithinPair() const { return rest % 2 != 0; }
 };
 
 // NV21 and NV12.
@@ -87,31 +89,32 @@ class PackedRuns {
   void load(const QPXRowTable* rows, PixelRun& run) const {
     const Lead lead(run);
     const uint8_t* from = rows[0][run.y] + ptrdiff_t{run.x} * 2;
-    alignas(kRunAlignment) uint8_t y[kRunLength], pairs[kRunLength + 1];
-    for (int32_t i = 0; i < run.count; ++i) y[i] = from[2 * i];
+    alignas(kRunAlignment) uint8_t y[kRunLength], chroma[kRunLength + 1];
+    bytes_.deinterleave2(from, run.count, y, chroma);
+    if (lead.endsWithinPair()) chroma[run.count] = from[2 * run.count + 1];
     if (lead.pixels > 0) {
-      const uint8_t uv[2] = {from[-1], from[1]};
+      const uint8_t uv[2] = {from[-1], chroma[0]};
       rows_.pairsToRgb(y, uv, false, run.r, run.g, run.b, 1);
     }
     const int32_t at = lead.pixels;
-    const int32_t samples = (lead.rest + 1) / 2 * 2;
-    for (int32_t i = 0; i < samples; ++i) pairs[i] = from[2 * (at + i) + 1];
-    rows_.pairsToRgb(y + at, pairs, false, run.r + at, run.g + at, run.b + at, lead.rest);
+    rows_.pairsToRgb(y + at, chroma + at, false, run.r + at, run.g + at, run.b + at, lead.rest);
   }
 
+  // The chroma of a pair belongs to its first pixel.
   void store(const PixelRun& run, const QPXRowTable* rows) const {
     const Lead lead(run);
+    const int32_t at = lead.pixels;
     uint8_t* to = rows[0][run.y] + ptrdiff_t{run.x} * 2;
     alignas(kRunAlignment) uint8_t y[kRunLength], pairs[kRunLength + 1];
     rows_.rgbToLuma(run.r, run.g, run.b, y, run.count);
-    for (int32_t i = 0; i < run.count; ++i) to[2 * i] = y[i];
-    const int32_t at = lead.pixels;
-    const int32_t samples = (lead.rest + 1) / 2 * 2;
     rows_.rgbToPairs(run.r + at, run.g + at, run.b + at, pairs, false, lead.rest);
-    for (int32_t i = 0; i < samples; ++i) to[2 * (at + i) + 1] = pairs[i];
+    if (at > 0) to[0] = y[0];
+    bytes_.interleave2(y + at, pairs, lead.rest, to + 2 * at);
+    if (lead.endsWithinPair()) to[2 * run.count + 1] = pairs[lead.rest];
   }
 
  private:
+  const simd::Rows& bytes_ = simd::rows();
   const simd::ToneRows& rows_ = simd::toneRows();
 };
 

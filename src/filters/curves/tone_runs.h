@@ -9,10 +9,6 @@
 
 namespace qpx {
 
-// What recipes line their scratch rows up with, as PixelRun does its samples: vectors of the widest
-// targets fill a cache line, and half a line off costs twice the time.
-inline constexpr size_t kRunAlignment = 64;
-
 struct Look {
   Recipe recipe;
   bool (*ready)(const Stage&) = nullptr;    // the stage holds what the recipe reads; 2 otherwise

@@ -1,47 +1,33 @@
 #include "filters/curves/toned_looks.h"
 
 #include <cmath>
-#include <cstring>
 
 #include "filters/curves/look_block.h"
 #include "simd/tone_rows.h"
+#include "toolkit/steps.h"
 
 namespace qpx {
 namespace {
-
-constexpr simd::GreyWeights kLumaWeights = {77, 150, 29};
-
-void weighedGrey(PixelRun& run, uint8_t* grey) {
-  simd::toneRows().weightedGrey(run.r, run.g, run.b, grey, run.count, kLumaWeights);
-}
 
 void sepia(const Stage&, PixelRun& run) {
   simd::toneRows().sortToSepia(run.r, run.g, run.b, run.count);
 }
 
 void singleColor(const Stage& stage, PixelRun& run) {
-  const auto& tone = blockOf<ChannelTables>(stage);
-  const simd::Rows& rows = simd::rows();
   alignas(kRunAlignment) uint8_t grey[kRunLength];
-  weighedGrey(run, grey);
-  rows.lookup(grey, run.r, run.count, tone.red.data());
-  rows.lookup(grey, run.g, run.count, tone.green.data());
-  rows.lookup(grey, run.b, run.count, tone.blue.data());
+  lumaGrey(run, kLooksLuma, grey);
+  colorizeGrey(run, grey, blockOf<ChannelTables>(stage));
 }
 
 void blackWhite2(const Stage& stage, PixelRun& run) {
-  weighedGrey(run, run.r);
-  simd::rows().lookup(run.r, run.r, run.count, blockOf<ToneTable>(stage).data());
-  std::memcpy(run.g, run.r, static_cast<size_t>(run.count));
-  std::memcpy(run.b, run.r, static_cast<size_t>(run.count));
+  alignas(kRunAlignment) uint8_t grey[kRunLength];
+  lumaGrey(run, kLooksLuma, grey);
+  simd::rows().lookup(grey, grey, run.count, blockOf<ToneTable>(stage).data());
+  setGrey(run, grey);
 }
 
 void throughTables(const Stage& stage, PixelRun& run) {
-  const auto& tone = blockOf<ChannelTables>(stage);
-  const simd::Rows& rows = simd::rows();
-  rows.lookup(run.r, run.r, run.count, tone.red.data());
-  rows.lookup(run.g, run.g, run.count, tone.green.data());
-  rows.lookup(run.b, run.b, run.count, tone.blue.data());
+  applyTables(run, blockOf<ChannelTables>(stage));
 }
 
 void fineFood(const Stage& stage, PixelRun& run) {
@@ -107,7 +93,7 @@ int32_t setUpSingleColor(Stage& stage, QPXBand&) {
   auto* tone = makeBlock<ChannelTables>(stage);
   if (tone == nullptr) return QPX_NO_MEMORY;
   const double luma =
-      (kLumaWeights.red * color[0] + kLumaWeights.green * color[1] + kLumaWeights.blue * color[2]) /
+      (kLooksLuma.red * color[0] + kLooksLuma.green * color[1] + kLooksLuma.blue * color[2]) /
       256.0;
   tone->red = toningTable(color[0], luma, param);
   tone->green = toningTable(color[1], luma, param);

@@ -65,10 +65,12 @@ class Layer {
 
  private:
   void mix(uint8_t* base, const uint8_t* top, const PixelRun& run) const {
-    if (mask_ == nullptr) {
+    if (mask_ != nullptr) {
+      rows_.mixMasked(base, top, mask_[run.y] + run.x, base, run.count, opacity_);
+    } else if (picture_ != nullptr) {
       rows_.mixOpaque(base, top, base, run.count, opacity_);
     } else {
-      rows_.mixMasked(base, top, mask_[run.y] + run.x, base, run.count, opacity_);
+      rows_.mixColor(base, top[0], base, run.count, opacity_);
     }
   }
 

@@ -2,20 +2,18 @@
 
 #include <atomic>
 
-#include "simd/rows.h"
+#include "simd/row_forms.h"
 
 namespace qpx::simd {
 namespace {
 
-// Relaxed is enough: both tables give the same bytes, so a call that still sees the old value is
+// Relaxed is enough: both forms give the same bytes, so a call that still sees the old value is
 // not wrong.
 std::atomic<bool> g_plainForms{false};
 
 }  // namespace
 
 bool plainForms() { return g_plainForms.load(std::memory_order_relaxed); }
-
-const Rows& rows() { return plainForms() ? plainRows() : vectorRows(); }
 
 }  // namespace qpx::simd
 
