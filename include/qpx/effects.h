@@ -135,7 +135,7 @@ typedef struct QPXDarkCornerParam {
   int32_t centerX;   /* pixels from the left, 0 ... 65535; below 0 stands for the middle */
   int32_t centerY;   /* pixels from the top, likewise */
   int32_t radius;    /* percent of the way to the farthest corner that stays clear, 0 ... 100; the
-                        clear    circle grows in tenths, 0 ... 7 */
+                        clear circle grows in tenths, 0 ... 7 */
   int32_t intensity; /* percent, -100 ... 100: below 0 corners darken, above 0 they lighten */
 } QPXDarkCornerParam;
 
@@ -154,7 +154,7 @@ typedef struct QPXCornerLookParam {
   int32_t corners; /* percent, -100 ... 100: how much more than usual corners darken; -100 not at
                       all, 100 twice as far */
   int32_t reach;   /* percent, -100 ... 100: how far towards the centre; -100 leaves more of the
-                      middle   clear, 100 begins at the centre */
+                      middle clear, 100 begins at the centre */
   int32_t
       centerX; /* percent of half the width, -100 ... 100: the clear middle, right of the centre */
   int32_t centerY; /* percent of half the height, -100 ... 100: the same, below the centre */
@@ -202,6 +202,268 @@ typedef struct QPXMaskedLookParam {
   int32_t curveStrength; /* percent of the tone curve, 0 ... 100 */
   int32_t maskStrength;  /* percent of the textures and of the tone behind them, 0 ... 100 */
 } QPXMaskedLookParam;
+
+/* 0x1400, tint. */
+typedef struct QPXTintParam {
+  int32_t hue;      /* degrees, -180 ... 180 */
+  int32_t strength; /* percent, -100 ... 100; 0 is neutral, below 0 it turns to the complement */
+} QPXTintParam;
+
+/* 0x1B00, box blur. */
+typedef struct QPXBoxBlurParam {
+  int32_t kernelSize; /* pixels of the window's side; 1 and below leave the picture sharp */
+} QPXBoxBlurParam;
+
+/* 0x4B00, white balance. */
+typedef struct QPXWhiteBalanceParam {
+  int32_t mode;        /* where the two values come from: 1 measured, 8 chosen by hand */
+  int32_t temperature; /* kelvin, 2000 ... 12000 */
+  int32_t tint;        /* -150 ... 150; 5000 kelvin with a tint of 10 changes nothing */
+} QPXWhiteBalanceParam;
+
+/* 0x5400, one-click fix: what an analysis of the picture found, or a host's own values. All zero
+ * but lConMax at 255 changes nothing. */
+typedef struct FixParam {
+  int32_t lBalanceBlue; /* -100 ... 100: colour balance */
+  int32_t lBalanceGreen;
+  int32_t lBalanceRed;
+  int32_t lSatPara; /* -100 ... 100 */
+  int32_t lBriPara; /* -100 ... 100 */
+  int32_t lConMax;  /* 0 ... 511: the level that becomes white, 255 is neutral */
+  int32_t lConMin;  /* -256 ... 255: the level that becomes black, 0 is neutral */
+  int32_t reserved;
+  int32_t lSharpPara; /* 0 ... 100 */
+  int32_t redSlope;   /* 1/1024: slopes and start values of the automatic levels */
+  int32_t redStart;
+  int32_t greenSlope;
+  int32_t greenStart;
+  int32_t blueSlope;
+  int32_t blueStart;
+  int32_t lClipHigh; /* limits of shadows and highlights, as measured */
+  int32_t lShadowLimit;
+  int32_t lHighlightLimit;
+  int32_t lClipLow;
+  int32_t lShadow;      /* 0 ... 100: how far shadows open */
+  int32_t lHighlight;   /* -100 ... 0: how far highlights are held back */
+  int32_t wideWindow;   /* non-zero: shadows and highlights go by a neighbourhood of 16 pixels */
+  int32_t lBalanceAuto; /* non-zero: the value above was measured, not chosen */
+  int32_t lSatAuto;
+  int32_t lBriAuto;
+  int32_t lConAuto;
+  int32_t lSharpAuto;
+  int32_t lAutoLevel; /* non-zero: the automatic levels apply */
+  int32_t reservedLast[2];
+} FixParam;
+
+/* 0x5700, smoother. */
+typedef struct QPXSmootherParam {
+  int32_t exposureHint[3]; /* what is known of the exposure, each 0 for unknown */
+  int32_t strength[3];     /* 10 ... 100 for each channel */
+  int32_t level;           /* 0 ... 100; 0 copies, 53 and above smooth strongly */
+} QPXSmootherParam;
+
+/* 0x5900, kaleidoscope. */
+typedef struct QPXKaleidoscopeParam {
+  int32_t angle;   /* degrees by which the mirrors are turned; 120 are a full turn */
+  int32_t size;    /* pixels from the centre of the triangle to its corners */
+  int32_t mode;    /* 1: a triangle too small to be seen keeps the tile before it */
+  int32_t centerX; /* pixels from the left: the centre of the triangle */
+  int32_t centerY; /* pixels from the top */
+} QPXKaleidoscopeParam;
+
+/* 0x5A00, fish eye. */
+typedef struct QPXFishEyeParam {
+  int32_t strength; /* percent, 0 ... 150; 0 is neutral */
+} QPXFishEyeParam;
+
+/* 0x5C00, focus band. */
+typedef struct QPXFocusBandParam {
+  int32_t angle;      /* degrees by which the band is turned */
+  int32_t shape;      /* 0: a straight band; otherwise a round one */
+  int32_t blurMode;   /* 0: box; otherwise Gaussian */
+  int32_t focusSize;  /* pixels from the centre to the edge of what stays sharp; 0 acts as 1 */
+  int32_t transition; /* pixels over which sharp turns to blurred */
+  int32_t kernelSize; /* pixels of the blur's window */
+  int32_t centerX;    /* pixels from the left */
+  int32_t centerY;    /* pixels from the top */
+  int32_t reserved[2];
+} QPXFocusBandParam;
+
+/* 0x6500, fish-eye magnifier. A centre outside the picture answers 2 when bands are processed. */
+typedef struct QPXMagnifierParam {
+  int32_t centerX; /* pixels from the left */
+  int32_t centerY; /* pixels from the top */
+  int32_t radius;  /* pixels; what lies at this distance and beyond is copied */
+} QPXMagnifierParam;
+
+/* 0x6D00, posterise. */
+typedef struct QPXPosteriseParam {
+  int32_t levels; /* 2 ... 16 for each channel */
+} QPXPosteriseParam;
+
+/* 0x7100, brightness and contrast by one smooth curve. */
+typedef struct QPXSmoothContrastParam {
+  int32_t brightness; /* -100 ... 100; 0 is neutral */
+  int32_t contrast;   /* -100 ... 100; 0 is neutral */
+} QPXSmoothContrastParam;
+
+/* 0x7200, exposure in stops. */
+typedef struct QPXExposureStopsParam {
+  double exposure; /* stops, -5 ... 5; 0 is neutral */
+} QPXExposureStopsParam;
+
+/* 0x7300, saturation. */
+typedef struct QPXSaturationParam {
+  int32_t saturation; /* percent, -100 ... 100; above 0 it counts half */
+} QPXSaturationParam;
+
+/* 0x7400, definition. */
+typedef struct QPXDefinitionParam {
+  int32_t amount;     /* percent, -100 ... 100; below 0 it smooths, above 0 it sharpens */
+  int32_t windowSize; /* pixels of the window's side */
+  int32_t reserved;
+} QPXDefinitionParam;
+
+/* 0x7500, tonal ranges, each -100 ... 100, 0 neutral. */
+typedef struct QPXTonalRangesParam {
+  double highlights;
+  double brights;
+  double darks;
+  double shadows;
+} QPXTonalRangesParam;
+
+/* 0x7700, colour range. */
+typedef struct QPXColorRangeParam {
+  int32_t colorIndex; /* 0 red, 1 orange, 2 yellow, 3 green, 4 aqua, 5 blue, 6 purple, 7 magenta;
+                         others change nothing */
+  int32_t hue;        /* -100 ... 100; 0 is neutral, as below */
+  int32_t saturation; /* percent, -100 ... 100 */
+  int32_t lightness;  /* percent, -100 ... 100 */
+} QPXColorRangeParam;
+
+/* 0x7800, split toning. */
+typedef struct QPXSplitToningParam {
+  int32_t highlightHue;        /* degrees, 0 ... 360 */
+  int32_t highlightSaturation; /* percent, 0 ... 100; 0 is neutral */
+  int32_t balance;             /* -100 ... 100: above 0 more of the picture counts as highlight */
+  int32_t shadowHue;           /* degrees, 0 ... 360 */
+  int32_t shadowSaturation;    /* percent, 0 ... 100; 0 is neutral */
+} QPXSplitToningParam;
+
+/* 0x7900, vibrance. */
+typedef struct QPXVibranceParam {
+  int32_t vibrance; /* percent, -100 ... 100; 0 copies */
+} QPXVibranceParam;
+
+/* 0x7B00, Gaussian blur. */
+typedef struct QPXGaussBlurParam {
+  int32_t kernelSize; /* pixels of the window's side; 1 is neutral */
+} QPXGaussBlurParam;
+
+/* 0x7C00, selective colour: percent of an ink, -100 ... 100, that each of nine classes of colours
+ * gains or loses. Inks in order: cyan, magenta, yellow, black. Classes in order: reds, yellows,
+ * greens, cyans, blues, magentas, whites, neutrals, blacks. Black is laid on as equal parts of the
+ * three other inks. */
+typedef struct QPXSelectiveColorParam {
+  int32_t amounts[4][9];
+  int32_t reserved;
+} QPXSelectiveColorParam;
+
+/* 0x7D00, sphere. */
+typedef struct QPXSphereParam {
+  float
+      strength; /* 0 ... 1 bulges, up to a half sphere; below 0 radians, the other way; 0 copies */
+} QPXSphereParam;
+
+/* 0x8000, fringe removal. */
+typedef struct QPXFringeRemovalParam {
+  int32_t radius;   /* pixels between which an edge is looked for */
+  int32_t strength; /* percent, 0 ... 100 */
+  int32_t reserved;
+} QPXFringeRemovalParam;
+
+/* A row of the channel mixer: what one channel is made of, in percent. */
+typedef struct QPXMixerRow {
+  int32_t red;
+  int32_t green;
+  int32_t blue;
+  int32_t constant; /* of white, added */
+} QPXMixerRow;
+
+/* 0x8500, channel mixer. */
+typedef struct QPXChannelMixerParam {
+  int32_t mode; /* 0: colour; 1: the first row makes one grey; others answer 2 from the kernel */
+  QPXMixerRow red;
+  QPXMixerRow green;
+  QPXMixerRow blue;
+} QPXChannelMixerParam;
+
+/* Shifts between a colour and its complement, each -100 ... 100, 0 neutral. */
+typedef struct QPXColorShift {
+  int32_t cyanRed;
+  int32_t magentaGreen;
+  int32_t yellowBlue;
+} QPXColorShift;
+
+/* 0x8700, colour balance. */
+typedef struct QPXColorBalanceParam {
+  QPXColorShift shadows;
+  QPXColorShift midtones;
+  QPXColorShift highlights;
+  int32_t keepLuminosity; /* non-zero: lightness stays */
+} QPXColorBalanceParam;
+
+/* 0x9D00 Hudson, 0x9E00 Brannan, 0x9F00 Toaster, 0xA000 Lo-fi, 0xA100 Valencia. */
+typedef struct QPXMapLookParam {
+  int32_t intensity; /* percent, 0 ... 150; beyond 100 the look is overdone on purpose */
+} QPXMapLookParam;
+
+/* 0xA600, crayon. */
+typedef struct QPXCrayonParam {
+  int32_t strokeSize; /* pixels; below 1 acts as 1 */
+} QPXCrayonParam;
+
+/* 0xAD00, complexion. */
+typedef struct QPXComplexionParam {
+  int32_t radiusSize; /* pixels of the window's side; below 1 the smallest window */
+  int32_t reserved[5];
+} QPXComplexionParam;
+
+/* 0xAE00, unsharp mask. */
+typedef struct QPXUnsharpMaskParam {
+  int32_t amount;    /* percent, 0 ... 500; 0 copies */
+  int32_t threshold; /* 0 ... 255: differences up to this stay as they are */
+  int32_t radius;    /* pixels of the blur's window */
+} QPXUnsharpMaskParam;
+
+/* 0xAF00, light leak. */
+typedef struct QPXLightLeakParam {
+  int32_t style; /* 0 ... 4; others answer 2 when bands are processed */
+  int32_t angle; /* degrees by which the leak is turned */
+  int32_t reserved;
+} QPXLightLeakParam;
+
+/* 0xB000, oil painting. */
+typedef struct QPXOilPaintingParam {
+  int32_t amount; /* percent, 0 ... 150 */
+} QPXOilPaintingParam;
+
+/* 0x11500, colour temperature. */
+typedef struct QPXColorTemperatureParam {
+  int32_t kelvin; /* 4000 ... 6000; 5000 copies, values outside act as the nearer end */
+  int32_t reserved[2];
+} QPXColorTemperatureParam;
+
+/* 0x5B00, Polaroid: instant film. All zero is the film's colours alone. */
+typedef struct QPXPolaroidParam {
+  int32_t frameMode;    /* 0: the picture alone; 1: in the film's paper frame. Any other mode leaves
+                           the output as it was. */
+  int32_t vignetteMode; /* 0: none; 1: corners of the picture darken */
+  int32_t corners;      /* percent, -100 ... 100: how much more than usual corners darken */
+  int32_t reach;        /* percent, -100 ... 100: how far towards the centre */
+  int32_t centerX;      /* percent of half the picture's width, -100 ... 100: the clear middle */
+  int32_t centerY;      /* percent of half the picture's height, -100 ... 100 */
+} QPXPolaroidParam;
 
 /* The record that about a hundred looks share, 56 bytes on every target. Each reads only some of
  * the fields: QPX_GetEffectInfo tells which. Hosts clear the record first, so that fields added

@@ -42,6 +42,16 @@ QPX_API int32_t SingleColor_NV21(QPXStage* stage, const MRect* rect, QPXRowTable
 QPX_API int32_t SingleColor_I420(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                  QPXRowTable* inRows);
 
+/* 0x5B00, QPXPolaroidParam. Instant film. Writes nothing in a frame mode other than 0 and 1. */
+QPX_API int32_t Polaroid_RGB24(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                               QPXRowTable* inRows);
+QPX_API int32_t Polaroid_RGB565(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                QPXRowTable* inRows);
+QPX_API int32_t Polaroid_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+QPX_API int32_t Polaroid_I420(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+
 /* 0x5E00, QPXCornerLookParam. Duotone by lightness. */
 QPX_API int32_t Nostalgic_RGB24(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                 QPXRowTable* inRows);

@@ -1,6 +1,8 @@
 // Adjustments of hue, saturation and lightness.
 #include "adjust/adjust.h"
 
+#include "adjust/params.h"
+
 namespace qpx {
 namespace {
 
@@ -10,19 +12,19 @@ constexpr EffectRow kEffects[] = {
      .title = "Saturation",
      .summary = "Saturation of all colours by a percentage; a positive amount counts half.",
      .formats = kTakesRgb | QPX_TAKES_NV21,
-     .record = {.size = 4}},
+     .record = {sizeof(QPXSaturationParam), adjust::kSaturationParams}},
     {.id = 0x7700,
      .name = "HSLColor",
      .title = "Colour range",
      .summary = "Hue, saturation and lightness of one of eight colour ranges.",
      .formats = kTakesRgb,
-     .record = {.size = 16}},
+     .record = {sizeof(QPXColorRangeParam), adjust::kColorRangeParams}},
     {.id = 0x7900,
      .name = "NaturalSaturation",
      .title = "Vibrance",
      .summary = "Saturation in a perceptual colour space, gentle on strong colours.",
      .formats = kTakesRgb,
-     .record = {.size = 4}},
+     .record = {sizeof(QPXVibranceParam), adjust::kVibranceParams}},
     {.id = 0x7F00,
      .name = "HSBAdjust",
      .title = "Hue, saturation and brightness by hue",

@@ -1,6 +1,8 @@
 // Selective colour, by the inks of nine colour classes.
 #include "adjust/adjust.h"
 
+#include "adjust/params.h"
+
 namespace qpx {
 namespace {
 
@@ -10,7 +12,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Selective colour",
      .summary = "Cyan, magenta, yellow and black of nine colour classes.",
      .formats = kTakesRgb,
-     .record = {.size = 148}},
+     .record = {sizeof(QPXSelectiveColorParam), adjust::kSelectiveColorParams}},
 };
 static_assert(idsAscend(kEffects));
 

@@ -1,6 +1,8 @@
 // Sharpening, clarity and blur.
 #include "adjust/adjust.h"
 
+#include "adjust/params.h"
+
 namespace qpx {
 namespace {
 
@@ -10,13 +12,13 @@ constexpr EffectRow kEffects[] = {
      .title = "Definition",
      .summary = "Local contrast against the mean of a window; negative amounts smooth.",
      .formats = kTakesRgb,
-     .record = {.size = 12}},
+     .record = {sizeof(QPXDefinitionParam), adjust::kDefinitionParams}},
     {.id = 0x7B00,
      .name = "GaussBlur",
      .title = "Gaussian blur",
      .summary = "Blurs with a Gaussian of a given size.",
      .formats = kTakesRgb,
-     .record = {.size = 4}},
+     .record = {sizeof(QPXGaussBlurParam), adjust::kGaussBlurParams}},
     {.id = 0x9B00,
      .name = "RemoveEdge",
      .title = "Edge fade",
@@ -29,7 +31,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Unsharp mask",
      .summary = "Sharpens by the difference from a Gaussian blur, above a threshold.",
      .formats = kTakesRgb,
-     .record = {.size = 12}},
+     .record = {sizeof(QPXUnsharpMaskParam), adjust::kUnsharpMaskParams}},
 };
 static_assert(idsAscend(kEffects));
 

@@ -1,6 +1,7 @@
 // Adjustments of skin.
 #include "adjust/adjust.h"
 
+#include "adjust/params.h"
 #include "filters/look.h"
 
 namespace qpx {
@@ -12,7 +13,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Complexion",
      .summary = "Smooths skin and leaves everything else sharp.",
      .formats = kTakesRgb | QPX_TAKES_NV21 | QPX_TAKES_YUYV,
-     .record = {.size = 24},
+     .record = {sizeof(QPXComplexionParam), adjust::kComplexionParams},
      .flags = kSetsUpYuyv},
     threadedLook(0xE900, "SkinTone", "Skin tone", "Even, warm skin by selective colour."),
 };

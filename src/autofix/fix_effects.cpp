@@ -1,8 +1,14 @@
 // Effects that analyse the picture or take the results of an analysis.
 #include "autofix/fix_effects.h"
 
+#include "autofix/params.h"
+#include "engine/stage.h"
+
 namespace qpx {
 namespace {
+
+// Sharpening alone reads the next pixels; shadows and highlights may go by a wide neighbourhood.
+int32_t marginOfFix(const Stage& stage) { return record<FixParam>(stage).wideWindow != 0 ? 16 : 1; }
 
 constexpr EffectRow kEffects[] = {
     {.id = 0x4A00,
@@ -18,7 +24,7 @@ constexpr EffectRow kEffects[] = {
      .summary =
          "Colour temperature and tint of the light; 5000 kelvin with tint 10 changes nothing.",
      .formats = QPX_TAKES_RGB32,
-     .record = {.size = 12},
+     .record = {sizeof(QPXWhiteBalanceParam), autofix::kWhiteBalanceParams},
      .flags = QPX_EFFECT_SAME_AREA | QPX_EFFECT_GENERIC | kSupportsRgb},
     {.id = 0x4C00,
      .name = "Fx4C00",
@@ -40,9 +46,9 @@ constexpr EffectRow kEffects[] = {
      .summary = "Colour balance, saturation, brightness, contrast, levels, shadows and sharpness "
                 "in one step.",
      .formats = QPX_TAKES_NV21,
-     .record = {.size = 120},
+     .record = {sizeof(FixParam), autofix::kFixParams},
      .flags = QPX_EFFECT_GENERIC,
-     .margin = {.rule = QPX_MARGIN_RECORD}},
+     .margin = {.rule = QPX_MARGIN_RECORD, .measure = marginOfFix}},
     {.id = 0x15A00,
      .name = "F01",
      .title = "Auto level and colour",

@@ -12,6 +12,12 @@ bool familyServed(const PixInfo& pix, const EffectRow& effect) {
   return pix.family != kFamilyYuyv || effect.has(kSetsUpYuyv);
 }
 
+// Looks of the shared filter record are written for 24 and 32-bit RGB and for nothing else: a host
+// learns it here rather than from a picture that comes back as it was.
+bool formatServed(const PixInfo& pix, const EffectRow& effect) {
+  return !effect.record.sharedFilterRecord || (formatGroup(pix) & kTakesRgb) != 0;
+}
+
 // Copies the record to the effect's place. A record of another size than the effect's own would be
 // read beyond its end, so it counts as all zero.
 void copyRecord(const QPXEffectItem& item, Stage& stage) {
@@ -51,6 +57,7 @@ int32_t setUpEffect(const QPXEffectItem& item, Stage& stage, QPXBand& band) {
   stage.effect = findEffect(item.effectId);
   if (stage.effect == nullptr || !stage.effect->built()) return QPX_UNSUPPORTED;
   if (!familyServed(stage.pix, *stage.effect)) return QPX_UNSUPPORTED;
+  if (!formatServed(stage.pix, *stage.effect)) return QPX_UNSUPPORTED;
   copyRecord(item, stage);
   if (stage.effect->has(kCrops)) stage.cropMode = 1;
   if (stage.effect->setup != nullptr) {

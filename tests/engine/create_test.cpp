@@ -286,6 +286,18 @@ TEST(CreateRecords, OfAnotherSizeCountAsZero) {
   EXPECT_EQ(right.head().bands[0].marginTop, 3);
 }
 
+TEST(CreateRecords, LooksOfTheFilterRecordTake24And32BitRgbOnly) {
+  for (const uint32_t format :
+       {QPX_FORMAT_BGR24, QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32, QPX_FORMAT_RGBA32}) {
+    EXPECT_EQ(Engine(format, {8, 8}, {kFilter}).result(), 0) << std::hex << format;
+  }
+  for (const uint32_t format :
+       {QPX_FORMAT_RGB565, QPX_FORMAT_BGRX32, QPX_FORMAT_BGR666, QPX_FORMAT_GREY8, QPX_FORMAT_NV21,
+        QPX_FORMAT_NV12, QPX_FORMAT_I420, QPX_FORMAT_I444, QPX_FORMAT_YUYV}) {
+    EXPECT_EQ(Engine(format, {8, 8}, {kFilter}).result(), 3) << std::hex << format;
+  }
+}
+
 TEST(CreateRecords, AreCopied) {
   PlanesRecord record = {QPX_FILL_PLANE0, 2, {5, 0, 0, 0}};
   Engine engine(0x64000000, {8, 8}, {8, 8}, {{kPlanes, &record, sizeof record}});

@@ -227,6 +227,9 @@ constexpr EffectRow kRows[] = {
     {.id = kUnbuilt},
     {.id = kBadSetup, .setup = failSetup, .kernels = kRgb(copyRows)},
     {.id = kResources, .setup = setUpResources, .kernels = kRgb(copyRows)},
+    {.id = kFilter,
+     .record = {.size = sizeof(QPXFilterRecord), .sharedFilterRecord = true},
+     .kernels = kRgb(copyRows)},
 };
 static_assert(idsAscend(kRows));
 

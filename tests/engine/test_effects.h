@@ -33,7 +33,8 @@ enum EffectId : uint32_t {
   kGivesTable = 0x201300,         // merges with a follower only
   kUnbuilt = 0x201400,            // known, but without a kernel
   kBadSetup = 0x201500,           // its setup answers 4
-  kResources = 0x201600           // its setup makes two pictures and both working blocks
+  kResources = 0x201600,          // its setup makes two pictures and both working blocks
+  kFilter = 0x201700              // takes a QPXFilterRecord, as the looks do
 };
 
 // Luma (or grey) is read up to `margin` rows away; the other planes are left to the pipeline.

@@ -9,6 +9,8 @@ namespace {
 constexpr int kCornerTables = 4;  // behind the mode
 constexpr int kCornerTerms = 4 + 3 * 256;
 constexpr int kGradientTerms = 4 * 256;
+constexpr int kPolaroidWindow = 6 * 256;
+constexpr int kPolaroidTerms = kPolaroidWindow + 4 * 4 + 2 * 4;
 
 int clip(int value) { return std::min(std::max(value, 0), 255); }
 
@@ -33,11 +35,14 @@ int mode(const Stage& stage) {
   return value;
 }
 
-Rgb darkened(const Stage& stage, int32_t x, int32_t y, Rgb c) {
-  const int s = rowTerm(stage, y) + columnTerm(stage, x);
+Rgb darkenedBy(int s, Rgb c) {
   if (s < 129) return c;
   const int w = std::max(512 - (((s - 128) * (s - 128)) >> 10), 0);
   return {c.r * w >> 9, c.g * w >> 9, c.b * w >> 9};
+}
+
+Rgb darkened(const Stage& stage, int32_t x, int32_t y, Rgb c) {
+  return darkenedBy(rowTerm(stage, y) + columnTerm(stage, x), c);
 }
 
 Rgb saturated(Rgb c, int amount) {
@@ -64,6 +69,22 @@ int rowTerm(const Stage& stage, int32_t y) {
 }
 
 int columnTerm(const Stage& stage, int32_t x) { return rowTerm(stage, stage.inHeight + x); }
+
+int polaroidRowTerm(const Stage& stage, int32_t y) {
+  int16_t term;
+  std::memcpy(&term, stage.lut + kPolaroidTerms + 2 * ptrdiff_t{y}, 2);
+  return term;
+}
+
+int polaroidColumnTerm(const Stage& stage, int32_t x) {
+  return polaroidRowTerm(stage, stage.inHeight + x);
+}
+
+MRect polaroidWindow(const Stage& stage) {
+  MRect window;
+  std::memcpy(&window, stage.lut + kPolaroidWindow, sizeof window);
+  return window;
+}
 
 int diagonalPlace(const Stage& stage, int32_t x, int32_t y) {
   int32_t row, column;
@@ -136,6 +157,25 @@ Rgb reversalFilmRule(const Stage& stage, int32_t, int32_t, Rgb c) {
   const int l = (160 * dyed.g + 64 * dyed.r + 32 * dyed.b + 128) >> 8;
   return {overlaid(dyed.r, entry(stage, 0, 1, l)), overlaid(dyed.g, entry(stage, 0, 2, l)),
           overlaid(dyed.b, entry(stage, 0, 3, l))};
+}
+
+// Whatever the record says, the gains of green and blue are 234.
+Rgb polaroidRule(const Stage& stage, int32_t x, int32_t y, Rgb c) {
+  const auto& param = record<QPXPolaroidParam>(stage);
+  const MRect window = polaroidWindow(stage);
+  if (x < window.left || x >= window.right || y < window.top || y >= window.bottom) {
+    return {244, 241, 233};
+  }
+  const Rgb toned = throughTables(stage, 0, c);
+  const int r = toned.r, g = toned.g, b = toned.b;
+  const Rgb dyed = {clip((311 * r - 56 * g + 10 * b + 2550) >> 8),
+                    clip((45 * r + 234 * g - 71 * b + 3825) >> 8),
+                    clip((-15 * r + 10 * g + 234 * b + 2550) >> 8)};
+  const int l = (160 * dyed.g + 64 * dyed.r + 32 * dyed.b + 128) >> 8;
+  const Rgb lit = {overlaid(dyed.r, entry(stage, 0, 3, l)), overlaid(dyed.g, entry(stage, 0, 4, l)),
+                   overlaid(dyed.b, entry(stage, 0, 5, l))};
+  if (param.vignetteMode != 1) return lit;
+  return darkenedBy(polaroidRowTerm(stage, y) + polaroidColumnTerm(stage, x), lit);
 }
 
 Rgb blackWhiteRule(const Stage& stage, int32_t, int32_t, Rgb c) {

@@ -31,6 +31,7 @@ Rgb gradientRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 Rgb sunnyRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 Rgb threeTablesRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 Rgb reversalFilmRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
+Rgb polaroidRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 Rgb blackWhiteRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 Rgb fineFoodRule(const Stage& stage, int32_t x, int32_t y, Rgb c);
 
@@ -40,6 +41,12 @@ Yuv yuvFromRgb(Rgb c);
 // Places in the working block of the looks with dark corners, whose tables follow its mode.
 int rowTerm(const Stage& stage, int32_t y);
 int columnTerm(const Stage& stage, int32_t x);
+
+// The same of the instant film's block, and what its frame leaves of the picture: left, top, right,
+// bottom.
+int polaroidRowTerm(const Stage& stage, int32_t y);
+int polaroidColumnTerm(const Stage& stage, int32_t x);
+MRect polaroidWindow(const Stage& stage);
 
 // The place along the diagonal that a gradient's block gives a pixel.
 int diagonalPlace(const Stage& stage, int32_t x, int32_t y);

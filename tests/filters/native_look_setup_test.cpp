@@ -24,8 +24,8 @@ using testing::rowTerm;
 using testing::wholeOf;
 
 constexpr uint32_t kCornerLooks[] = {0x5E00, 0x5F00, 0x6000, 0x6100, 0x6200, 0x6300, 0x6400};
-constexpr uint32_t kLooks[] = {0x1900, 0x5800, 0x5E00, 0x5F00, 0x6000, 0x6100, 0x6200, 0x6300,
-                               0x6400, 0x6700, 0x6900, 0x6A00, 0x6E00, 0xBF00, 0xC000};
+constexpr uint32_t kLooks[] = {0x1900, 0x5800, 0x5B00, 0x5E00, 0x5F00, 0x6000, 0x6100, 0x6200,
+                               0x6300, 0x6400, 0x6700, 0x6900, 0x6A00, 0x6E00, 0xBF00, 0xC000};
 
 struct SizedFrame : KernelFrame {
   SizedFrame(uint32_t format, int32_t width, int32_t height) : KernelFrame(format) {
@@ -148,7 +148,9 @@ std::vector<Rgb> rampThrough(uint32_t id) {
 }
 
 // Steps behind one another that all round down may take one back.
-bool mayTakeOneBack(uint32_t id) { return id == 0x6200 || id == 0x6E00 || id == 0xC000; }
+bool mayTakeOneBack(uint32_t id) {
+  return id == 0x5B00 || id == 0x6200 || id == 0x6E00 || id == 0xC000;
+}
 
 TEST(NativeLookSetup, GreysKeepTheirOrderInSmallSteps) {
   for (const uint32_t id : kLooks) {

@@ -58,6 +58,8 @@ const KernelCase kKernels[] = {
     RGB24_AND_YUV(Sepia, _RGB24, 0x1900, sepiaRule, 0, 0),
     RGB24_AND_YUV(SingleColor, _RGB24, 0x5800, singleColorRule, 0, 768),
     KERNEL(SingleColor_RGB565, QPX_TAKES_RGB565, 0x5800, singleColorRule, 0, 768),
+    RGB24_AND_YUV(Polaroid, _RGB24, 0x5B00, polaroidRule, 0, 1536),
+    KERNEL(Polaroid_RGB565, QPX_TAKES_RGB565, 0x5B00, polaroidRule, 0, 1536),
     RGB24_AND_YUV(Nostalgic, _RGB24, 0x5E00, duotoneCornersRule, 4, 772),
     RGB24_AND_YUV(Vintage, _RGB24, 0x5F00, vintageRule, 4, 772),
     KERNEL(Vintage_RGB24, QPX_TAKES_RGB32, 0x5F00, vintageRule, 4, 772),

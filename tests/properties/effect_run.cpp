@@ -95,6 +95,24 @@ void Record::setBytes(Random& random) {
   for (int32_t i = 0; i < size_; ++i) bytes_[i] = random.byte();
 }
 
+void Record::setWords(uint32_t word) {
+  for (int32_t i = 0; i < size_; ++i) bytes_[i] = static_cast<uint8_t>(word >> i % 4 * 8);
+  text_.append(" words of ").append(std::to_string(word));
+}
+
+void Record::setRaw(const QPXParamInfo& param, uint32_t word) {
+  uint8_t* place = bytes_.get() + param.offset;
+  const uint64_t upper = uint64_t{word} << 32;
+  if (param.type == QPX_PARAM_UINT8) {
+    *place = static_cast<uint8_t>(word);
+  } else if (param.type == QPX_PARAM_DOUBLE) {
+    std::memcpy(place, &upper, sizeof upper);
+  } else {
+    std::memcpy(place, &word, sizeof word);
+  }
+  text_.append(" ").append(param.name).append(" of bits ").append(std::to_string(word));
+}
+
 Record makeRecord(const QPXEffectInfo& effect, const char* kind, uint64_t seed) {
   Record record(effect.recordSize);
   Random random(seed * 7919 + effect.id);
@@ -285,6 +303,13 @@ std::string caseName(const ::testing::TestParamInfo<EffectCase>& info) {
 
 bool takes(const QPXEffectInfo& effect, const FormatCase& format) {
   return (effect.formats & format.group) != 0;
+}
+
+bool isFirstFormat(const EffectCase& effectCase) {
+  for (const FormatCase& format : formatCases()) {
+    if (takes(*effectCase.effect, format)) return &format == effectCase.format;
+  }
+  return false;
 }
 
 bool hasMargin(const QPXEffectInfo& effect) {

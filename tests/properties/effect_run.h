@@ -28,6 +28,10 @@ class Record {
   int32_t size() const { return size_; }
   void set(const QPXParamInfo& param, double value);
   void setBytes(Random& random);
+  void setWords(uint32_t word);  // over and over, to the end
+  // The bits of a word, whatever the parameter's type: the upper half of a double, the low byte of
+  // a byte.
+  void setRaw(const QPXParamInfo& param, uint32_t word);
   const std::string& text() const { return text_; }  // for messages: how it was made
 
   friend Record makeRecord(const QPXEffectInfo& effect, const char* kind, uint64_t seed);
@@ -121,5 +125,8 @@ std::string caseName(const ::testing::TestParamInfo<EffectCase>& info);
 
 bool takes(const QPXEffectInfo& effect, const FormatCase& format);
 bool hasMargin(const QPXEffectInfo& effect);
+
+// Whether the case is the effect's first, for what need not be repeated for every format.
+bool isFirstFormat(const EffectCase& effectCase);
 
 }  // namespace qpx::testing

@@ -1,25 +1,16 @@
 #include "filters/curves/corner_looks.h"
 
-#include <cmath>
 #include <cstring>
 
+#include "filters/curves/corner_terms.h"
 #include "filters/curves/look_block.h"
 #include "toolkit/steps.h"
 
 namespace qpx {
 namespace {
 
-// Where s, the sum of a row's and a column's term, exceeds kClear the picture darkens with the
-// square of the excess; half of the light is left at an excess of 512, none from 724 on.
-constexpr int32_t kClear = 128;
-
 // A strength of saturation in 128ths, in the 1024ths that the step takes.
 constexpr int32_t kOf128 = 8;
-
-// How dark corners are in looks of the name "as designed": about this much excess.
-constexpr int32_t kSoftCorners = 380;
-constexpr int32_t kDeepCorners = 500;
-constexpr int32_t kHeavyCorners = 590;
 
 // The terms of rows, then those of columns, follow in memory.
 struct CornerBlock {
@@ -38,26 +29,6 @@ bool hasCornerBlock(const Stage& stage) {
   return holdsBlock<CornerBlock>(stage, termCount(stage) * static_cast<int64_t>(sizeof(int32_t)));
 }
 
-// s = slope * q + start, with q the square of the distance from the centre, 0 there and 1 in the
-// corners of a picture about it: kClear at the clear share of q, kClear + excess in the corners. A
-// row and a column give half of it each.
-struct Falloff {
-  double slope;
-  double start;
-
-  Falloff(const QPXCornerLookParam& param, int32_t excess) {
-    const double clear = 0.25 - 0.0025 * param.reach;  // 0 ... 0.5
-    slope = excess * (100.0 + param.corners) / 100.0 / (1.0 - clear);
-    start = kClear - slope * clear;
-  }
-
-  // Of entry i in a side of `length` pixels whose centre is shifted by a percentage of its half.
-  int32_t term(int32_t i, int32_t length, int32_t shift) const {
-    const double place = (2.0 * i + 1.0) / length - 1.0 - shift / 100.0;
-    return static_cast<int32_t>(std::floor((slope * place * place + start) / 2.0 + 0.5));
-  }
-};
-
 int32_t setUpCorners(Stage& stage, const ChannelCurves& curves, int32_t excess) {
   auto& param = editRecord<QPXCornerLookParam>(stage);
   param.corners = std::clamp(param.corners, -100, 100);
@@ -67,14 +38,12 @@ int32_t setUpCorners(Stage& stage, const ChannelCurves& curves, int32_t excess) 
   auto* block = makeBlock<CornerBlock>(stage, termCount(stage) * int64_t{sizeof(int32_t)});
   if (block == nullptr) return QPX_NO_MEMORY;
   block->mode = param.mode;
-  const Falloff falloff(param, excess);
-  int32_t* term = block->rowTerms();
-  for (int32_t y = 0; y < stage.inHeight; ++y) {
-    *term++ = falloff.term(y, stage.inHeight, param.centerY);
-  }
-  for (int32_t x = 0; x < stage.inWidth; ++x) {
-    *term++ = falloff.term(x, stage.inWidth, param.centerX);
-  }
+  const Falloff falloff(excess, param.corners, param.reach);
+  const size_t rows = static_cast<size_t>(std::max(stage.inHeight, 0));
+  const size_t columns = static_cast<size_t>(std::max(stage.inWidth, 0));
+  int32_t* terms = block->rowTerms();
+  falloff.fill({terms, rows}, 0, stage.inHeight, param.centerY);
+  falloff.fill({terms + rows, columns}, 0, stage.inWidth, param.centerX);
   return drawCurves(curves, block->tone);
 }
 
@@ -85,13 +54,9 @@ int32_t setUpWithMode(Stage& stage, const ChannelCurves& curves, int32_t excess)
   return setUpCorners(stage, curves, excess);
 }
 
-// Terms are least somewhere and grow to both sides of it, so that the ends of a run tell whether
-// any of it is beyond the clear middle.
 void darkenCorners(const Stage& stage, const CornerBlock& block, PixelRun& run) {
-  const FalloffTerms terms = {block.rowTerms(), block.rowTerms() + stage.inHeight};
-  const int32_t* columns = terms.columns + run.x;
-  const int32_t most = std::max(columns[0], columns[run.count - 1]);
-  if (terms.rows[run.y] + most > kClear) radialFalloff(run, terms);
+  const int32_t* terms = block.rowTerms();
+  darkenCorners({terms, terms + stage.inHeight}, run);
 }
 
 void darkenCornersInModeOne(const Stage& stage, const CornerBlock& block, PixelRun& run) {

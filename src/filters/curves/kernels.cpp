@@ -4,6 +4,7 @@
 #include "filters/curves/corner_looks.h"
 #include "filters/curves/light_looks.h"
 #include "filters/curves/toned_looks.h"
+#include "filters/monochrome/polaroid.h"
 #include "toolkit/kernel_call.h"
 
 namespace qpx {
@@ -41,6 +42,10 @@ QPX_RGB24_KERNEL(SingleColor, kSingleColor)
 QPX_RGB565_KERNEL(SingleColor, kSingleColor)
 QPX_NV21_KERNEL(SingleColor, kSingleColor)
 QPX_I420_KERNEL(SingleColor, kSingleColor)
+QPX_RGB24_KERNEL(Polaroid, kPolaroid)
+QPX_RGB565_KERNEL(Polaroid, kPolaroid)
+QPX_NV21_KERNEL(Polaroid, kPolaroid)
+QPX_I420_KERNEL(Polaroid, kPolaroid)
 QPX_RGB24_KERNEL(Nostalgic, kNostalgic)
 QPX_NV21_KERNEL(Nostalgic, kNostalgic)
 QPX_I420_KERNEL(Nostalgic, kNostalgic)

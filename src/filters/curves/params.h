@@ -4,20 +4,9 @@
 #include <array>
 #include <cstddef>
 
-#include "engine/effect_row.h"
+#include "engine/param_info.h"
 
 namespace qpx::curves {
-
-constexpr QPXParamInfo intParam(const char* name, const char* summary, const char* unit,
-                                size_t offset, double minimum, double maximum, double initial) {
-  return {name,    summary, unit,   QPX_PARAM_INT32, static_cast<int32_t>(offset),
-          minimum, maximum, initial};
-}
-
-constexpr QPXParamInfo byteParam(const char* name, const char* summary, const char* unit,
-                                 size_t offset, double maximum, double initial) {
-  return {name, summary, unit, QPX_PARAM_UINT8, static_cast<int32_t>(offset), 0, maximum, initial};
-}
 
 static_assert(sizeof(QPXCornerLookParam) == 20);
 

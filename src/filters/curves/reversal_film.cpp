@@ -1,36 +1,18 @@
 // Slide film: a curve, the cross-talk of its dyes, and an overlay of light by luma.
-#include <cmath>
+#include <algorithm>
 
+#include "filters/curves/film.h"
 #include "filters/curves/light_looks.h"
-#include "filters/curves/look_block.h"
-#include "simd/tone_rows.h"
-#include "toolkit/steps.h"
+#include "simd/rows.h"
 
 namespace qpx {
 namespace {
 
-constexpr LumaWeights kLumaWeights = {64, 160, 32};
-constexpr int32_t kUsualGain = 234;
-
 struct FilmBlock {
   ToneTable tone;
   ChannelTables light;  // by luma: what the channel is overlaid with
-  int32_t dyes[3][4];   // colour matrix in 8 fractional bits, laid out for simd::Rows
+  DyeMatrix dyes;
 };
-
-constexpr int32_t kToSixteenBits = 256;
-
-// Rows are red, green and blue of the result, columns those of the source, then the offset. The
-// gains of green and blue are the film's two strengths.
-void mixDyes(const QPXReversalFilmParam& param, int32_t (&dyes)[3][4]) {
-  const int32_t matrix[3][4] = {
-      {311, -56, 10, 2550}, {45, param.greenGain, -71, 3825}, {-15, 10, param.blueGain, 2550}};
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 4; ++column) {
-      dyes[row][column] = matrix[row][column] * kToSixteenBits;
-    }
-  }
-}
 
 constexpr CurvePoint kContrast[] = {{0, 0}, {64, 52}, {128, 130}, {192, 208}, {255, 255}};
 
@@ -71,23 +53,11 @@ void warm(int32_t warmth, ChannelTables& light) {
 void reversalFilm(const Stage& stage, PixelRun& run) {
   const auto& block = blockOf<FilmBlock>(stage);
   const simd::Rows& rows = simd::rows();
-  const simd::ToneRows& toneRows = simd::toneRows();
-  alignas(kRunAlignment) uint8_t r[kRunLength], g[kRunLength], b[kRunLength], luma[kRunLength],
-      light[kRunLength];
-  rows.lookup(run.r, r, run.count, block.tone.data());
-  rows.lookup(run.g, g, run.count, block.tone.data());
-  rows.lookup(run.b, b, run.count, block.tone.data());
-  rows.weightedSum(r, g, b, run.r, run.count, block.dyes[0]);
-  rows.weightedSum(r, g, b, run.g, run.count, block.dyes[1]);
-  rows.weightedSum(r, g, b, run.b, run.count, block.dyes[2]);
-  lumaGrey(run, kLumaWeights, luma);
-  const auto layLight = [&](uint8_t* channel, const ToneTable& table) {
-    rows.lookup(luma, light, run.count, table.data());
-    toneRows.overlay(channel, light, channel, run.count);
-  };
-  layLight(run.r, block.light.red);
-  layLight(run.g, block.light.green);
-  layLight(run.b, block.light.blue);
+  FilmRun exposed;
+  rows.lookup(run.r, exposed.r, run.count, block.tone.data());
+  rows.lookup(run.g, exposed.g, run.count, block.tone.data());
+  rows.lookup(run.b, exposed.b, run.count, block.tone.data());
+  developFilm(exposed, block.dyes, block.light, run);
 }
 
 int32_t clampGain(int32_t gain) { return gain == 0 ? kUsualGain : std::clamp(gain, 128, 384); }
@@ -103,7 +73,7 @@ int32_t setUpReversalFilm(Stage& stage, QPXBand&) {
   param.warmth = std::clamp(param.warmth, -100, 100);
   auto* block = makeBlock<FilmBlock>(stage);
   if (block == nullptr) return QPX_NO_MEMORY;
-  mixDyes(param, block->dyes);
+  block->dyes = dyeMatrix(param.greenGain, param.blueGain);
   int32_t result = drawTone(param, block->tone);
   if (result == QPX_OK) result = drawCurves(kLight, block->light);
   if (result == QPX_OK) warm(param.warmth, block->light);

@@ -2,21 +2,25 @@
 // borders.
 #include "filters/layered/layered.h"
 
+#include "filters/layered/params.h"
 #include "filters/look.h"
 
 namespace qpx {
 namespace {
 
+constexpr RecordLayout kMapLookRecord = {sizeof(QPXMapLookParam), layered::kMapLookParams};
+
 constexpr EffectRow kEffects[] = {
     look(0x9D00, "Hudson", "Hudson", "Cool curves over a glowing texture.",
-         {.record = {.size = 4}}),
+         {.record = kMapLookRecord}),
     look(0x9E00, "Brannan", "Brannan", "Metallic curves chained by luma, with darkened corners.",
-         {.record = {.size = 4}}),
+         {.record = kMapLookRecord}),
     look(0x9F00, "Toaster", "Toaster", "Burnt, warm centre that fades into a dark border.",
-         {.record = {.size = 4}}),
-    look(0xA000, "Lofi", "Lo-fi", "Strong curves and darkened corners.", {.record = {.size = 4}}),
+         {.record = kMapLookRecord}),
+    look(0xA000, "Lofi", "Lo-fi", "Strong curves and darkened corners.",
+         {.record = kMapLookRecord}),
     look(0xA100, "Valencia", "Valencia", "Warm colour matrix and faded curves.",
-         {.record = {.size = 4}}),
+         {.record = kMapLookRecord}),
     fixedLook(0xB800, "TamsenColor", "Tamsen", "Tone curves with a selective colour step."),
     fixedLook(0xC100, "Amaro", "Amaro",
               "Bright centre, a colour that fades down the picture, muted colours."),

@@ -1,6 +1,7 @@
 // Light added to the picture, double exposures, shifted channels and lens faults.
 #include "filters/light/light.h"
 
+#include "filters/light/params.h"
 #include "filters/look.h"
 
 namespace qpx {
@@ -12,7 +13,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Fringe removal",
      .summary = "Takes coloured fringes off strong edges.",
      .formats = kTakesRgb,
-     .record = {.size = 12},
+     .record = {sizeof(QPXFringeRemovalParam), light::kFringeRemovalParams},
      .margin = {.rule = QPX_MARGIN_RECORD}},
     {.id = 0xA700,
      .name = "SnowFlakes",
@@ -22,7 +23,7 @@ constexpr EffectRow kEffects[] = {
      .flags = kSetsUpYuyv},
     look(0xAF00, "LightLeak", "Light leak",
          "A coloured light leak in one of five styles, turned to any angle.",
-         {.record = {.size = 12}}),
+         {.record = {sizeof(QPXLightLeakParam), light::kLightLeakParams}}),
     threadedLook(0xD000, "Flare07", "Golden flare", "A warm lens flare screened over the picture.",
                  {.record = kFlipRecord}),
     threadedLook(0xD100, "Flare08", "Wide flare", "A second lens flare screened over the picture.",

@@ -1,10 +1,24 @@
 // Effects that move pixels or show the picture twice: lenses, mirrors, panes and shards.
 #include "filters/mirror/mirror.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include "engine/stage.h"
 #include "filters/look.h"
+#include "filters/mirror/params.h"
 
 namespace qpx {
 namespace {
+
+// Corners stay where they are and everything else moves inwards, by less than the corners lie
+// behind the nearest edge.
+int32_t marginOfFishEye(const Stage& stage) {
+  const double across = std::max(stage.inWidth, 0) >> 1;
+  const double down = std::max(stage.inHeight, 0) >> 1;
+  const double margin = std::sqrt(across * across + down * down) - std::min(across, down);
+  return static_cast<int32_t>(margin);
+}
 
 constexpr EffectRow kEffects[] = {
     {.id = 0x5900,
@@ -12,21 +26,21 @@ constexpr EffectRow kEffects[] = {
      .title = "Kaleidoscope",
      .summary = "Folds the picture into mirrored triangles; runs on whole pictures only.",
      .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 20},
+     .record = {sizeof(QPXKaleidoscopeParam), mirror::kKaleidoscopeParams},
      .margin = {.rule = QPX_MARGIN_WHOLE_IMAGE}},
     {.id = 0x5A00,
      .name = "FishEye",
      .title = "Fish eye",
      .summary = "Bends the whole picture like a fish-eye lens.",
      .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 4},
-     .margin = {.rule = QPX_MARGIN_PICTURE}},
+     .record = {sizeof(QPXFishEyeParam), mirror::kFishEyeParams},
+     .margin = {.rule = QPX_MARGIN_PICTURE, .measure = marginOfFishEye}},
     {.id = 0x6500,
      .name = "FishEyeMagnifier",
      .title = "Fish-eye magnifier",
      .summary = "A round lens that magnifies around a centre.",
      .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 12},
+     .record = {sizeof(QPXMagnifierParam), mirror::kMagnifierParams},
      .margin = {.rule = QPX_MARGIN_RECORD}},
     fixedLook(0xC400, "KaleidaHorizontal", "Fourfold mirror",
               "Mirrors the top left quarter into the other three."),

@@ -2,9 +2,13 @@
 #include "filters/monochrome/monochrome.h"
 
 #include "filters/look.h"
+#include "filters/monochrome/polaroid.h"
 
 namespace qpx {
 namespace {
+
+constexpr uint32_t kPolaroidFormats =
+    QPX_TAKES_RGB24 | QPX_TAKES_RGB565 | QPX_TAKES_NV21 | QPX_TAKES_I420;
 
 constexpr EffectRow kEffects[] = {
     {.id = 0x5B00,
@@ -12,8 +16,9 @@ constexpr EffectRow kEffects[] = {
      .title = "Polaroid",
      .summary =
          "Instant film: curves, a colour matrix and an overlay, with frame and corners if wanted.",
-     .formats = QPX_TAKES_RGB24 | QPX_TAKES_RGB565 | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 24}},
+     .record = {sizeof(QPXPolaroidParam), kPolaroidParams},
+     .setup = setUpPolaroid,
+     .kernels = {{{kPolaroidFormats, overLook<kPolaroid>}}}},
     fixedLook(0x8800, "NordicMonochrome", "Nordic monochrome",
               "Cool monochrome with a brighter centre."),
     fixedLook(0x8D00, "BlackWhiteContrast", "Black and white, contrast",

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "engine/stage.h"
+#include "filters/older/params.h"
 #include "filters/older/toolkit_effects.h"
 #include "toolkit/dark_corner.h"
 
@@ -21,13 +22,19 @@ void resetMosaic(Stage& stage, const QPXBand& band) {
   MMemSet(stage.lut, 255, static_cast<size_t>(std::clamp<int64_t>(bytes, 0, stage.lutSize)));
 }
 
+// The smoother compares pixels at most three apart, or five where chroma has its full size.
+int32_t marginOfSmoother(const Stage& stage) {
+  if (stage.pix.family == kFamilyPackedRgb) return 3;
+  return stage.pix.format == QPX_FORMAT_I444 ? 5 : 0;
+}
+
 constexpr EffectRow kEffects[] = {
     {.id = 0x1400,
      .name = "Fx1400",
      .title = "Tint",
      .summary = "Turns colours towards a hue.",
      .formats = QPX_TAKES_RGB24,
-     .record = {.size = 8},
+     .record = {sizeof(QPXTintParam), older::kTintParams},
      .flags = QPX_EFFECT_SAME_AREA | QPX_EFFECT_GENERIC | kSupportsRgb},
     {.id = 0x1A00,
      .name = "Fx1A00",
@@ -40,7 +47,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Box blur",
      .summary = "Mean of a square window, then a tone table.",
      .formats = QPX_TAKES_RGB24 | QPX_TAKES_NV21,
-     .record = {.size = 4},
+     .record = {sizeof(QPXBoxBlurParam), older::kBoxBlurParams},
      .flags = QPX_EFFECT_GENERIC | kSupportsAll,
      .margin = {.rule = QPX_MARGIN_RECORD}},
     {.id = 0x1C00,
@@ -247,14 +254,14 @@ constexpr EffectRow kEffects[] = {
      .title = "Smoother",
      .summary = "Smooths noise and keeps edges, scaled by the picture's size.",
      .formats = kTakesRgb | QPX_TAKES_RGB565,
-     .record = {.size = 28},
-     .margin = {.rule = QPX_MARGIN_FORMAT}},
+     .record = {sizeof(QPXSmootherParam), older::kSmootherParams},
+     .margin = {.rule = QPX_MARGIN_FORMAT, .measure = marginOfSmoother}},
     {.id = 0x5C00,
      .name = "Fx5C00",
      .title = "Focus band",
      .summary = "Keeps a band or a circle sharp and blurs the rest, like a miniature.",
      .formats = kTakesRgb | QPX_TAKES_NV21 | QPX_TAKES_I420,
-     .record = {.size = 40},
+     .record = {sizeof(QPXFocusBandParam), older::kFocusBandParams},
      .margin = {.rule = QPX_MARGIN_RECORD}},
     {.id = 0x5D00,
      .name = "Fx5D00",
@@ -285,7 +292,7 @@ constexpr EffectRow kEffects[] = {
      .name = "Fx6D00",
      .title = "Posterise",
      .summary = "Reduces each channel to a few levels.",
-     .record = {.size = 4}},
+     .record = {sizeof(QPXPosteriseParam), older::kPosteriseParams}},
     {.id = 0x7600,
      .name = "Fx7600",
      .title = "Three-way tone",
@@ -303,7 +310,7 @@ constexpr EffectRow kEffects[] = {
      .title = "Sphere",
      .summary = "Wraps the picture onto a sphere.",
      .formats = QPX_TAKES_RGB24,
-     .record = {.size = 4},
+     .record = {sizeof(QPXSphereParam), older::kSphereParams},
      .flags = QPX_EFFECT_GENERIC | kSupportsRgb},
     {.id = 0x8400,
      .name = "Fx8400",

@@ -2,6 +2,7 @@
 #include "filters/painterly/painterly.h"
 
 #include "filters/look.h"
+#include "filters/painterly/params.h"
 
 namespace qpx {
 namespace {
@@ -12,10 +13,11 @@ constexpr EffectRow kEffects[] = {
      .title = "Crayon",
      .summary = "Wax crayon drawing that keeps the picture's colours.",
      .formats = kTakesRgb | QPX_TAKES_NV21 | QPX_TAKES_YUYV,
-     .record = {.size = 4},
+     .record = {sizeof(QPXCrayonParam), painterly::kCrayonParams},
      .flags = kSetsUpYuyv},
     look(0xB000, "PaintingOil", "Oil painting",
-         "Brings out colour detail along edges, like oil paint.", {.record = {.size = 4}}),
+         "Brings out colour detail along edges, like oil paint.",
+         {.record = {sizeof(QPXOilPaintingParam), painterly::kOilPaintingParams}}),
     fixedLook(0xC500, "ChalkBoard", "Chalk board", "White chalk drawing on a dark board."),
     fixedLook(0xD300, "HandWritten_Section02", "Handwriting, section 2",
               "Pencil toning by tables alone."),

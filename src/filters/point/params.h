@@ -4,15 +4,9 @@
 #include <array>
 #include <cstddef>
 
-#include "engine/effect_row.h"
+#include "engine/param_info.h"
 
 namespace qpx::point {
-
-constexpr QPXParamInfo intParam(const char* name, const char* summary, const char* unit,
-                                size_t offset, double minimum, double maximum, double initial) {
-  return {name,    summary, unit,   QPX_PARAM_INT32, static_cast<int32_t>(offset),
-          minimum, maximum, initial};
-}
 
 constexpr QPXParamInfo colorParam(const char* summary, size_t offset, double initial) {
   return {"color", summary,  "",     QPX_PARAM_COLOR, static_cast<int32_t>(offset),
@@ -77,8 +71,8 @@ inline constexpr QPXParamInfo kExposureParams[] = {
 inline constexpr QPXParamInfo kThresholdParams[] = {
     intParam("level", "Luma of this value and above is lit.", "",
              offsetof(QPXThresholdParam, level), 1, 255, 112),
-    {"twoTone", "1: lit parts turn white; 0: they keep their colour.", "", QPX_PARAM_FLAG,
-     static_cast<int32_t>(offsetof(QPXThresholdParam, twoTone)), 0, 1, 1}};
+    flagParam("twoTone", "1: lit parts turn white; 0: they keep their colour.",
+              offsetof(QPXThresholdParam, twoTone), true)};
 
 inline constexpr QPXParamInfo kChannelOffsetsParams[] = {
     intParam("red", "Added to red.", "", offsetof(QPXChannelOffsetsParam, red), -255, 255, 24),

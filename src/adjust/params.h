@@ -1,0 +1,181 @@
+// The parameter records of the adjustments, described for hosts and tools.
+#pragma once
+
+#include <array>
+
+#include "engine/param_info.h"
+
+namespace qpx::adjust {
+
+constexpr QPXParamInfo amountParam(const char* name, const char* summary, size_t offset,
+                                   double initial) {
+  return intParam(name, summary, "percent", offset, -100, 100, initial);
+}
+
+static_assert(sizeof(QPXSmoothContrastParam) == 8);
+inline constexpr QPXParamInfo kSmoothContrastParams[] = {
+    amountParam("brightness", "Lighter or darker.", offsetof(QPXSmoothContrastParam, brightness),
+                15),
+    amountParam("contrast", "Steeper or flatter about the middle.",
+                offsetof(QPXSmoothContrastParam, contrast), 25)};
+
+static_assert(sizeof(QPXExposureStopsParam) == 8);
+inline constexpr QPXParamInfo kExposureStopsParams[] = {
+    doubleParam("exposure", "More or less light.", "stops",
+                offsetof(QPXExposureStopsParam, exposure), -5, 5, 0.7)};
+
+static_assert(sizeof(QPXSaturationParam) == 4);
+inline constexpr QPXParamInfo kSaturationParams[] = {
+    amountParam("saturation", "Stronger or weaker colours; above 0 it counts half.",
+                offsetof(QPXSaturationParam, saturation), 60)};
+
+static_assert(sizeof(QPXDefinitionParam) == 12);
+inline constexpr QPXParamInfo kDefinitionParams[] = {
+    amountParam("amount", "Above 0 more local contrast, below 0 less.",
+                offsetof(QPXDefinitionParam, amount), 50),
+    intParam("windowSize", "Side of the window that is compared with.", "pixels",
+             offsetof(QPXDefinitionParam, windowSize), 1, 255, 31)};
+
+static_assert(sizeof(QPXTonalRangesParam) == 32);
+constexpr QPXParamInfo tonalRange(const char* name, const char* summary, size_t offset,
+                                  double initial) {
+  return doubleParam(name, summary, "percent", offset, -100, 100, initial);
+}
+inline constexpr QPXParamInfo kTonalRangesParams[] = {
+    tonalRange("highlights", "Lighter or darker highlights.",
+               offsetof(QPXTonalRangesParam, highlights), -40),
+    tonalRange("brights", "Lighter or darker light tones.", offsetof(QPXTonalRangesParam, brights),
+               0),
+    tonalRange("darks", "Lighter or darker dark tones.", offsetof(QPXTonalRangesParam, darks), 0),
+    tonalRange("shadows", "Lighter or darker shadows.", offsetof(QPXTonalRangesParam, shadows),
+               40)};
+
+static_assert(sizeof(QPXColorRangeParam) == 16);
+inline constexpr QPXParamInfo kColorRangeParams[] = {
+    intParam("colorIndex",
+             "0 red, 1 orange, 2 yellow, 3 green, 4 aqua, 5 blue, 6 purple, 7 magenta.", "",
+             offsetof(QPXColorRangeParam, colorIndex), 0, 7, 5),
+    amountParam("hue", "Turns the range's hue.", offsetof(QPXColorRangeParam, hue), 0),
+    amountParam("saturation", "Stronger or weaker colours of the range.",
+                offsetof(QPXColorRangeParam, saturation), 50),
+    amountParam("lightness", "Lighter or darker colours of the range.",
+                offsetof(QPXColorRangeParam, lightness), 0)};
+
+static_assert(sizeof(QPXSplitToningParam) == 20);
+inline constexpr QPXParamInfo kSplitToningParams[] = {
+    intParam("highlightHue", "Hue of the highlights.", "degrees",
+             offsetof(QPXSplitToningParam, highlightHue), 0, 360, 45),
+    intParam("highlightSaturation", "How much of it they take.", "percent",
+             offsetof(QPXSplitToningParam, highlightSaturation), 0, 100, 30),
+    intParam("balance", "Above 0 more of the picture counts as highlight.", "percent",
+             offsetof(QPXSplitToningParam, balance), -100, 100, 0),
+    intParam("shadowHue", "Hue of the shadows.", "degrees",
+             offsetof(QPXSplitToningParam, shadowHue), 0, 360, 215),
+    intParam("shadowSaturation", "How much of it they take.", "percent",
+             offsetof(QPXSplitToningParam, shadowSaturation), 0, 100, 30)};
+
+static_assert(sizeof(QPXVibranceParam) == 4);
+inline constexpr QPXParamInfo kVibranceParams[] = {
+    amountParam("vibrance", "Stronger or weaker colours, weak ones first.",
+                offsetof(QPXVibranceParam, vibrance), 60)};
+
+static_assert(sizeof(QPXGaussBlurParam) == 4);
+inline constexpr QPXParamInfo kGaussBlurParams[] = {
+    intParam("kernelSize", "Side of the window.", "pixels", offsetof(QPXGaussBlurParam, kernelSize),
+             1, 255, 15)};
+
+static_assert(sizeof(QPXSelectiveColorParam) == 148);
+static_assert(offsetof(QPXSelectiveColorParam, amounts[3][0]) == 27 * 4);
+
+constexpr QPXParamInfo inkParam(const char* name, const char* summary, size_t ink, size_t colors,
+                                double initial) {
+  return amountParam(name, summary, (ink * 9 + colors) * sizeof(int32_t), initial);
+}
+
+// Class by class within an ink, as the record has them; nothing but skies changes at first.
+#define QPX_INK(ink, name, Title, initial)                         \
+  inkParam(name "Reds", Title " of reds.", ink, 0, 0),             \
+      inkParam(name "Yellows", Title " of yellows.", ink, 1, 0),   \
+      inkParam(name "Greens", Title " of greens.", ink, 2, 0),     \
+      inkParam(name "Cyans", Title " of cyans.", ink, 3, initial), \
+      inkParam(name "Blues", Title " of blues.", ink, 4, initial), \
+      inkParam(name "Magentas", Title " of magentas.", ink, 5, 0), \
+      inkParam(name "Whites", Title " of whites.", ink, 6, 0),     \
+      inkParam(name "Neutrals", Title " of neutrals.", ink, 7, 0), \
+      inkParam(name "Blacks", Title " of blacks.", ink, 8, 0)
+inline constexpr QPXParamInfo kSelectiveColorParams[] = {
+    QPX_INK(0, "cyan", "Cyan", 60), QPX_INK(1, "magenta", "Magenta", 20),
+    QPX_INK(2, "yellow", "Yellow", -40), QPX_INK(3, "black", "Black", 0)};
+#undef QPX_INK
+
+static_assert(sizeof(QPXChannelMixerParam) == 52);
+static_assert(offsetof(QPXChannelMixerParam, blue) == 36);
+constexpr QPXParamInfo mixerParam(const char* name, const char* summary, size_t offset,
+                                  double initial) {
+  return intParam(name, summary, "percent", offset, -200, 200, initial);
+}
+inline constexpr QPXParamInfo kChannelMixerParams[] = {
+    intParam("mode", "0: colour; 1: one grey from the first row.", "",
+             offsetof(QPXChannelMixerParam, mode), 0, 1, 0),
+    mixerParam("redRed", "Red in red, or in the grey.", offsetof(QPXChannelMixerParam, red.red),
+               110),
+    mixerParam("redGreen", "Green in red, or in the grey.",
+               offsetof(QPXChannelMixerParam, red.green), 10),
+    mixerParam("redBlue", "Blue in red, or in the grey.", offsetof(QPXChannelMixerParam, red.blue),
+               -20),
+    mixerParam("redConstant", "Added to red, or to the grey.",
+               offsetof(QPXChannelMixerParam, red.constant), 0),
+    mixerParam("greenRed", "Red in green.", offsetof(QPXChannelMixerParam, green.red), 0),
+    mixerParam("greenGreen", "Green in green.", offsetof(QPXChannelMixerParam, green.green), 100),
+    mixerParam("greenBlue", "Blue in green.", offsetof(QPXChannelMixerParam, green.blue), 0),
+    mixerParam("greenConstant", "Added to green.", offsetof(QPXChannelMixerParam, green.constant),
+               0),
+    mixerParam("blueRed", "Red in blue.", offsetof(QPXChannelMixerParam, blue.red), -10),
+    mixerParam("blueGreen", "Green in blue.", offsetof(QPXChannelMixerParam, blue.green), 20),
+    mixerParam("blueBlue", "Blue in blue.", offsetof(QPXChannelMixerParam, blue.blue), 90),
+    mixerParam("blueConstant", "Added to blue.", offsetof(QPXChannelMixerParam, blue.constant), 0)};
+
+static_assert(sizeof(QPXColorBalanceParam) == 40);
+static_assert(offsetof(QPXColorBalanceParam, keepLuminosity) == 36);
+inline constexpr QPXParamInfo kColorBalanceParams[] = {
+    amountParam("shadowsCyanRed", "Shadows from cyan to red.",
+                offsetof(QPXColorBalanceParam, shadows.cyanRed), -20),
+    amountParam("shadowsMagentaGreen", "Shadows from magenta to green.",
+                offsetof(QPXColorBalanceParam, shadows.magentaGreen), 0),
+    amountParam("shadowsYellowBlue", "Shadows from yellow to blue.",
+                offsetof(QPXColorBalanceParam, shadows.yellowBlue), 20),
+    amountParam("midtonesCyanRed", "Midtones from cyan to red.",
+                offsetof(QPXColorBalanceParam, midtones.cyanRed), 0),
+    amountParam("midtonesMagentaGreen", "Midtones from magenta to green.",
+                offsetof(QPXColorBalanceParam, midtones.magentaGreen), 0),
+    amountParam("midtonesYellowBlue", "Midtones from yellow to blue.",
+                offsetof(QPXColorBalanceParam, midtones.yellowBlue), 0),
+    amountParam("highlightsCyanRed", "Highlights from cyan to red.",
+                offsetof(QPXColorBalanceParam, highlights.cyanRed), 20),
+    amountParam("highlightsMagentaGreen", "Highlights from magenta to green.",
+                offsetof(QPXColorBalanceParam, highlights.magentaGreen), 0),
+    amountParam("highlightsYellowBlue", "Highlights from yellow to blue.",
+                offsetof(QPXColorBalanceParam, highlights.yellowBlue), -20),
+    flagParam("keepLuminosity", "1: lightness stays.",
+              offsetof(QPXColorBalanceParam, keepLuminosity), true)};
+
+static_assert(sizeof(QPXComplexionParam) == 24);
+inline constexpr QPXParamInfo kComplexionParams[] = {
+    intParam("radiusSize", "Side of the window that skin is smoothed over.", "pixels",
+             offsetof(QPXComplexionParam, radiusSize), 0, 63, 9)};
+
+static_assert(sizeof(QPXUnsharpMaskParam) == 12);
+inline constexpr QPXParamInfo kUnsharpMaskParams[] = {
+    intParam("amount", "How much edges are sharpened.", "percent",
+             offsetof(QPXUnsharpMaskParam, amount), 0, 500, 120),
+    intParam("threshold", "Differences up to this stay as they are.", "",
+             offsetof(QPXUnsharpMaskParam, threshold), 0, 255, 3),
+    intParam("radius", "Width of the blur that is compared with.", "pixels",
+             offsetof(QPXUnsharpMaskParam, radius), 0, 255, 3)};
+
+static_assert(sizeof(QPXColorTemperatureParam) == 12);
+inline constexpr QPXParamInfo kColorTemperatureParams[] = {
+    intParam("kelvin", "Below 5000 cooler, above it warmer.", "kelvin",
+             offsetof(QPXColorTemperatureParam, kelvin), 4000, 6000, 5600)};
+
+}  // namespace qpx::adjust
