@@ -9,5 +9,6 @@ namespace qpx::tool {
 void addListCommand(CLI::App& app);
 void addApplyCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
+void addEtcCommand(CLI::App& app);
 
 }  // namespace qpx::tool

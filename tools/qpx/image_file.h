@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "picture.h"
 #include "progress.h"
@@ -30,6 +31,10 @@ std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
 
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);
+
+// All bytes of a file, of 2 GiB at most; "-" is standard input. The message of its RunError lacks
+// the file's name.
+std::vector<uint8_t> readFileBytes(const std::string& path);
 
 // How a path is called in messages.
 std::string displayName(const std::string& path, bool input);
