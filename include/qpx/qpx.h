@@ -7,6 +7,7 @@
 #include <qpx/curves.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
+#include <qpx/etc.h>
 #include <qpx/image.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_curves.h>

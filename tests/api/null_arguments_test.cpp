@@ -267,6 +267,37 @@ constexpr NullCall kLookKernelCalls[] = {
     QPX_NULL_CALL(RE_RIXI_NV21, (nullptr, nullptr, nullptr, nullptr) == 2),
 };
 
+constexpr NullCall kEtcCalls[] = {
+    QPX_NULL_CALL(TEXPK_Compress_ETC, (nullptr, nullptr, 0) == 2),
+    QPX_NULL_CALL(TEXPK_Uncompress_ETC, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPK_Crop_ETC, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPK_Merge_ETC, (nullptr, nullptr, nullptr, nullptr, nullptr, 0.5f) == 2),
+    QPX_NULL_CALL(TEXPKcompressBlockDiffAveragePerceptual,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKcompressBlockDiffFlipAveragePerceptual,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKcompressBlockDiffFlipCombinedPerceptual,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKcompressBlockDiffFlipSlowPerceptual,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKdecompressBlockDiffFlip, (0, 0, nullptr, 4, 4, 0, 0) == 2),
+    QPX_NULL_CALL(TEXPKcalcBlockPerceptualErrorRGB, (nullptr, nullptr, 4, 4, 0, 0) == -1),
+    QPX_NULL_CALL(TEXPKcomputeAverageColor2x4noQuantFloat, (nullptr, 4, 4, 0, 0, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKcomputeAverageColor4x2noQuantFloat, (nullptr, 4, 4, 0, 0, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKquantize555ColorCombinedPerceptual, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKquantize444ColorCombinedPerceptual, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(TEXPKcompressBlockWithTable2x4percep,
+                  (nullptr, 4, 4, 0, 0, nullptr, 0, nullptr) == -1),
+    QPX_NULL_CALL(TEXPKcompressBlockWithTable4x2percep,
+                  (nullptr, 4, 4, 0, 0, nullptr, 0, nullptr) == -1),
+    QPX_NULL_CALL(TEXPKtryalltables_3bittable2x4percep,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr, nullptr) == -1),
+    QPX_NULL_CALL(TEXPKtryalltables_3bittable4x2percep,
+                  (nullptr, 4, 4, 0, 0, nullptr, nullptr, nullptr) == -1),
+    QPX_NULL_CALL(TEXPKABlock, (0, 0, 0, 0, nullptr, nullptr, 512, 512) == 2),
+    QPX_NULL_CALL(read_big_endian_4byte_word, (nullptr) == 0),
+};
+
 #undef QPX_NULL_CALL
 #undef QPX_NULL_VOID_CALL
 
@@ -301,12 +332,15 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "QPX_UsePlainForms",
                                             "UTIL_GetPixelBytesEX",
                                             "UTIL_MBitmapCreate",
+                                            "convert8To4",
+                                            "convert8To5",
+                                            "divideBy255",
                                             "mbf_GetMaskPos",
                                             "mbf_GetMaskSize"};
 
-constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,     kEngineCalls,  kStreamCalls,
-                                                   kStringCalls,    kToolkitCalls, kPngCalls,
-                                                   kLookKernelCalls};
+constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,      kEngineCalls,  kStreamCalls,
+                                                   kStringCalls,     kToolkitCalls, kPngCalls,
+                                                   kLookKernelCalls, kEtcCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

@@ -31,12 +31,21 @@ std::vector<std::string> wordsOf(int argc, const char* const* argv) {
 }
 
 void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words) {
-  if (words.empty() || looksLikeOption(words.front())) return;
-  std::vector<std::string> names;
-  for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
-  if (std::find(names.begin(), names.end(), words.front()) != names.end()) return;
-  throw UsageError("unknown command '" + words.front() + "'" + suggestion(words.front(), names) +
-                   ": use one of " + joined(names, ", ") + ", or see 'qpx --help'");
+  const CLI::App* level = &app;
+  std::string call = "qpx";
+  for (const std::string& word : words) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : level->get_subcommands(nullptr)) {
+      names.push_back(command->get_name());
+    }
+    if (names.empty() || looksLikeOption(word)) return;
+    if (std::find(names.begin(), names.end(), word) == names.end()) {
+      throw UsageError("unknown command '" + word + "'" + suggestion(word, names) +
+                       ": use one of " + joined(names, ", ") + ", or see '" + call + " --help'");
+    }
+    level = level->get_subcommand(word);
+    call += " " + word;
+  }
 }
 
 std::string fileHint(const std::vector<std::string>& words) {

@@ -11,7 +11,7 @@ namespace qpx::tool {
 // get "./" before them, so that no part of the parser can take them for options.
 std::vector<std::string> wordsOf(int argc, const char* const* argv);
 
-// Throws UsageError where the first word should be a subcommand and is none.
+// Throws UsageError where a word should be a subcommand, or one of its own, and is none.
 void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words);
 
 // Advice for a call that the parser refuses: a word that looks like an option and is a file. Empty

@@ -10,5 +10,6 @@ void addListCommand(CLI::App& app);
 void addApplyCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
 void addSheetCommand(CLI::App& app);
+void addEtcCommand(CLI::App& app);
 
 }  // namespace qpx::tool

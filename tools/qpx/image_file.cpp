@@ -45,7 +45,24 @@ class Descriptor {
                  "): check the name and the right to read it");
 }
 
-std::vector<uint8_t> readAll(const std::string& path) {
+Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
+  constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (file.empty()) throw RunError("is empty: use a JPEG or PNG picture");
+  if (file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF) {
+    return decodeJpeg(file, share);
+  }
+  // A file cut within the signature is a PNG that ends too early, not something else.
+  const size_t known = std::min(file.size(), kPngSignature.size());
+  if (known >= 4 &&
+      std::equal(kPngSignature.begin(), kPngSignature.begin() + known, file.begin())) {
+    return decodePng(file, share);
+  }
+  throw RunError("is neither JPEG nor PNG: convert it to one of them first");
+}
+
+}  // namespace
+
+std::vector<uint8_t> readFileBytes(const std::string& path) {
   const Descriptor file(path);
   if (file.number() < 0) failReading(errno);
   std::vector<uint8_t> bytes;
@@ -66,23 +83,6 @@ std::vector<uint8_t> readAll(const std::string& path) {
       bytes.reserve(bytes.size() + bytes.size() / 2 + kReadStep);
   }
 }
-
-Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
-  constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-  if (file.empty()) throw RunError("is empty: use a JPEG or PNG picture");
-  if (file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF) {
-    return decodeJpeg(file, share);
-  }
-  // A file cut within the signature is a PNG that ends too early, not something else.
-  const size_t known = std::min(file.size(), kPngSignature.size());
-  if (known >= 4 &&
-      std::equal(kPngSignature.begin(), kPngSignature.begin() + known, file.begin())) {
-    return decodePng(file, share);
-  }
-  throw RunError("is neither JPEG nor PNG: convert it to one of them first");
-}
-
-}  // namespace
 
 std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to) {
   if (!to.empty()) return to == "png" ? FileKind::png : FileKind::jpeg;
@@ -109,7 +109,7 @@ std::optional<FileKind> kindByName(const std::string& path) {
 
 Picture readPicture(const std::string& path, ProgressShare share) {
   try {
-    Picture picture = decode(readAll(path), share);
+    Picture picture = decode(readFileBytes(path), share);
     if (!isRgbProfile(picture.icc)) picture.icc.clear();
     const int orientation = exifOrientation(picture.exif);
     picture = turned(std::move(picture), orientation);

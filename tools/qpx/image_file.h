@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "picture.h"
 #include "progress.h"
@@ -34,6 +35,10 @@ std::optional<FileKind> kindByName(const std::string& path);
 // The format wanted by --to ("png", "jpeg", "jpg" or empty), else that of the name; nothing for
 // standard output without a wish. Throws UsageError for a name that says nothing.
 std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to);
+
+// All bytes of a file, of 2 GiB at most; "-" is standard input. The message of its RunError lacks
+// the file's name.
+std::vector<uint8_t> readFileBytes(const std::string& path);
 
 // How a path is called in messages.
 std::string displayName(const std::string& path, bool input);

@@ -25,8 +25,12 @@ std::string versionText() {
 
 // Where the message of a wrong call sends people for help.
 std::string helpCall(const CLI::App& app) {
-  const std::vector<CLI::App*> used = app.get_subcommands();
-  return used.empty() ? "qpx --help" : "qpx " + used.front()->get_name() + " --help";
+  std::string call = "qpx";
+  for (const CLI::App* level = &app; !level->get_subcommands().empty();) {
+    level = level->get_subcommands().front();
+    call += " " + level->get_name();
+  }
+  return call + " --help";
 }
 
 int run(CLI::App& app, const std::vector<std::string>& words) {
@@ -70,6 +74,7 @@ int main(int argc, char** argv) {
   addListCommand(app);
   addSheetCommand(app);
   addSampleCommand(app);
+  addEtcCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {
     std::fputs(app.help().c_str(), stderr);

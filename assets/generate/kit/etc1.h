@@ -1,4 +1,4 @@
-// ETC1 blocks by the published layout, for the one texture that is stored so.
+// ETC1 blocks by the codec of the library, for the one texture that is stored so.
 #pragma once
 
 #include <cstdint>
