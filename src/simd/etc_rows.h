@@ -48,7 +48,7 @@ struct EtcRows {
   // The best table and indices of `count` half blocks for the base colours r | g << 8 | b << 16.
   // All places of the arrays must be readable and writable; those behind `count` may be written.
   void (*searchEtc)(const EtcSamples& samples, const uint32_t* bases, EtcChoices& choices,
-                 ptrdiff_t count);
+                    ptrdiff_t count);
 
   // `count` blocks of 8 bytes into four rows of count * 4 pixels of 3 bytes.
   void (*decodeEtc)(const uint8_t* blocks, uint8_t* rgb, ptrdiff_t pitch, ptrdiff_t count);

@@ -80,15 +80,15 @@ void decodeEtc(const uint8_t* blocks, uint8_t* rgb, ptrdiff_t pitch, ptrdiff_t c
 }
 
 void searchEtc(const EtcSamples& samples, const uint32_t* bases, EtcChoices& choices,
-            ptrdiff_t count) {
+               ptrdiff_t count) {
   for (ptrdiff_t i = 0; i < count; ++i) {
     EtcHalf half;
     for (int32_t k = 0; k < 8; ++k) {
       const auto sample = [&](int32_t c) { return byteOf(samples.words[c][k / 4][i], k % 4); };
       half.pixels[k] = {sample(0), sample(1), sample(2)};
     }
-    const EtcChoice best = searchAllTables(
-        half, {byteOf(bases[i], 0), byteOf(bases[i], 1), byteOf(bases[i], 2)});
+    const EtcChoice best =
+        searchAllTables(half, {byteOf(bases[i], 0), byteOf(bases[i], 1), byteOf(bases[i], 2)});
     choices.table[i] = static_cast<uint32_t>(best.table);
     choices.bits[i] = best.bits;
     choices.error[i] = static_cast<uint32_t>(best.error);

@@ -501,7 +501,8 @@ TEST(StoredLooks, TexelWeightsGiveTheTablesToTheByte) {
       std::memset(samples, static_cast<int>(c), 256);
       std::memset(darker, weights->darker[c], 256);
       std::memset(lighter, weights->lighter[c], 256);
-      for (const simd::ToneRows* rows : {&simd::plainForm<simd::ToneRows>(), &simd::vectorForm<simd::ToneRows>()}) {
+      for (const simd::ToneRows* rows :
+           {&simd::plainForm<simd::ToneRows>(), &simd::vectorForm<simd::ToneRows>()}) {
         rows->layTexels(samples, texels, darker, lighter, laid, 256, 1024);
         ASSERT_EQ(std::memcmp(laid, table + 256 * c, 256), 0) << "sample " << c;
       }
