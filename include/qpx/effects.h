@@ -465,6 +465,21 @@ typedef struct QPXPolaroidParam {
   int32_t centerY;      /* percent of half the picture's height, -100 ... 100 */
 } QPXPolaroidParam;
 
+/* 0x4400, rotate. The output may have any size; its middle shows the middle of the source. */
+typedef struct QPXRotationParam {
+  float degrees;  /* clockwise, -360 ... 360; 0 is neutral */
+  uint32_t color; /* 0xRRGGBB: what lies outside */
+} QPXRotationParam;
+
+/* 0xA200, rotate with scale and fill. */
+typedef struct QPXScaledRotationParam {
+  float degrees;  /* clockwise, -360 ... 360; 0 is neutral */
+  int32_t scale;  /* percent, 10 ... 1000; 100 is neutral, above it the picture grows; 0 acts as
+                     100 */
+  uint32_t color; /* 0xRRGGBB: what lies outside */
+  int32_t repeat; /* non-zero: the border is repeated outside in place of the colour */
+} QPXScaledRotationParam;
+
 /* The record that about a hundred looks share, 56 bytes on every target. Each reads only some of
  * the fields: QPX_GetEffectInfo tells which. Hosts clear the record first, so that fields added
  * later are neutral. */

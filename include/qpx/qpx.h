@@ -14,6 +14,7 @@
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
 #include <qpx/png.h>
+#include <qpx/rotate.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
 #include <qpx/types.h>

@@ -68,6 +68,17 @@ MBitmap rebasedMask(const QPXPlaneSet& planes, int64_t left, int64_t top) {
   return image;
 }
 
+// The output planes of a rotated effect address its output rectangle, but were rebased by the
+// band's. Output tables make up for that in whole pairs of chroma; this is the half pair between an
+// odd column and an even one.
+void addHalfPairs(Stage& head, int32_t bandLeft, int32_t outLeft) {
+  if (!isSemiPlanar(head.pix)) return;
+  for (int p = 1; p < 3; ++p) {
+    uint8_t*& plane = head.plane[kOutputPlane + p];
+    plane = advance(plane, 1, (bandLeft & 1) - (outLeft & 1));
+  }
+}
+
 // Rotated effects make the rectangle that QPXCalcRect fixed, whatever the band.
 int32_t processWarp(QPXEngine* engine, const CallImages& images, QPXBandRect* rect) {
   Stage& head = *engine->head;
@@ -80,6 +91,7 @@ int32_t processWarp(QPXEngine* engine, const CallImages& images, QPXBandRect* re
                      std::clamp(head.warpRect.top, 0, head.outHeight),
                      std::clamp(head.warpRect.right, 0, head.outWidth),
                      std::clamp(head.warpRect.bottom, 0, head.outHeight)};
+  addHalfPairs(head, rect->left, out.left);
   storeRect(out, rect);
   if (out.top >= out.bottom || out.left >= out.right) return QPX_OK;
   buildInputTables(head);

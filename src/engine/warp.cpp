@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 
 namespace qpx {
@@ -12,16 +13,17 @@ constexpr int32_t kMaxSide = 65535;  // half of it, scaled by 65536, still fits 
 constexpr int32_t kWidening = 2;     // a filter's reach around the exact source, and rounding
 
 void fillTable(int32_t* table, int32_t count, double perStep) {
-  const int32_t centre = count / 2;
+  const double centre = (count - 1) / 2.0;
   for (int32_t i = 0; i < count; ++i) {
     table[i] = static_cast<int32_t>((i - centre) * perStep * (1 << kFraction));
   }
 }
 
-bool tooLarge(const Stage& stage) {
+bool tooLarge(const Stage& stage, double scale) {
   const auto outside = [](int32_t side) { return side < 0 || side > kMaxSide; };
+  const auto outsideScaled = [&](int32_t side) { return side / scale > kMaxSide; };
   return outside(stage.outWidth) || outside(stage.outHeight) || outside(stage.inWidth) ||
-         outside(stage.inHeight);
+         outside(stage.inHeight) || outsideScaled(stage.outWidth) || outsideScaled(stage.outHeight);
 }
 
 // A side of one pixel still spans a step, so that the box of its corners is not empty.
@@ -34,8 +36,8 @@ int32_t wholePixels(int64_t fixed) { return static_cast<int32_t>(fixed >> kFract
 
 }  // namespace
 
-int32_t buildWarpTables(Stage& stage, double degrees) {
-  if (tooLarge(stage)) return QPX_UNSUPPORTED;
+int32_t buildWarpTables(Stage& stage, double degrees, double scale) {
+  if (tooLarge(stage, scale)) return QPX_UNSUPPORTED;
   const size_t entries =
       2 * (static_cast<size_t>(stage.outWidth) + static_cast<size_t>(stage.outHeight));
   const size_t bytes = std::max<size_t>(entries, 1) * sizeof(int32_t);
@@ -48,11 +50,13 @@ int32_t buildWarpTables(Stage& stage, double degrees) {
 
   const double radians = degrees * std::numbers::pi / 180.0;
   int32_t* table = reinterpret_cast<int32_t*>(block);
-  fillTable(table, stage.outWidth, std::sin(radians));
-  fillTable(table + stage.outWidth, stage.outWidth, std::cos(radians));
-  fillTable(table + 2 * ptrdiff_t{stage.outWidth}, stage.outHeight, std::sin(radians));
-  fillTable(table + 2 * ptrdiff_t{stage.outWidth} + stage.outHeight, stage.outHeight,
-            std::cos(radians));
+  const double sine = std::sin(radians) / scale;
+  const double cosine = std::cos(radians) / scale;
+  int32_t* rows = table + 2 * ptrdiff_t{stage.outWidth};
+  fillTable(table, stage.outWidth, sine);
+  fillTable(table + stage.outWidth, stage.outWidth, cosine);
+  fillTable(rows, stage.outHeight, sine);
+  fillTable(rows + stage.outHeight, stage.outHeight, cosine);
   return QPX_OK;
 }
 
@@ -63,10 +67,24 @@ WarpTables warpTables(const Stage& stage) {
 }
 
 WarpPoint warpSource(const Stage& stage, const WarpTables& tables, int32_t column, int32_t row) {
-  const int64_t centreX = int64_t{stage.inWidth / 2} << kFraction;
-  const int64_t centreY = int64_t{stage.inHeight / 2} << kFraction;
+  const int64_t centreX = (int64_t{stage.inWidth} - 1) * (1 << (kFraction - 1));
+  const int64_t centreY = (int64_t{stage.inHeight} - 1) * (1 << (kFraction - 1));
   return {centreX + tables.cosOfColumn[column] + tables.sinOfRow[row],
           centreY - tables.sinOfColumn[column] + tables.cosOfRow[row]};
+}
+
+int32_t greatestDisplacement(const Stage& stage) {
+  if (stage.lut == nullptr || stage.outWidth < 1 || stage.outHeight < 1) return 0;
+  const WarpTables tables = warpTables(stage);
+  int64_t greatest = 0;
+  for (const int32_t column : {0, stage.outWidth - 1}) {
+    for (const int32_t row : {0, stage.outHeight - 1}) {
+      const WarpPoint source = warpSource(stage, tables, column, row);
+      greatest = std::max({greatest, std::abs(source.x - (int64_t{column} << kFraction)),
+                           std::abs(source.y - (int64_t{row} << kFraction))});
+    }
+  }
+  return wholePixels(greatest + (1 << kFraction) - 1);
 }
 
 int32_t calcWarpRect(Stage& stage, MRect* outRect, MRect* inRect) {

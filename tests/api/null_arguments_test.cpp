@@ -52,6 +52,18 @@ constexpr NullCall kImageCalls[] = {
     QPX_NULL_VOID_CALL(MFlipLeftRightRect, (nullptr, nullptr)),
 };
 
+constexpr NullCall kRotationCalls[] = {
+    QPX_NULL_CALL(QPX_GetRotateDstSize, (nullptr, 10, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPX_RotateImage, (nullptr, 10, 0, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateCalcDstSize, (nullptr, 10, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateCalcInternalRect, (nullptr, nullptr, 10, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateCreate, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateCalcRect, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateProcess, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPXRotateDestroy, (nullptr) == 2),
+    QPX_NULL_CALL(QPX_Straighten, (nullptr, nullptr, 0.1, 1) == 2),
+};
+
 uint8_t unownedTable[768];
 
 constexpr NullCall kEngineCalls[] = {
@@ -338,9 +350,9 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskPos",
                                             "mbf_GetMaskSize"};
 
-constexpr std::span<const NullCall> kAllCalls[] = {kImageCalls,      kEngineCalls,  kStreamCalls,
-                                                   kStringCalls,     kToolkitCalls, kPngCalls,
-                                                   kLookKernelCalls, kEtcCalls};
+constexpr std::span<const NullCall> kAllCalls[] = {
+    kImageCalls,   kEngineCalls, kRotationCalls,   kStreamCalls, kStringCalls,
+    kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

@@ -40,14 +40,16 @@ TEST(Warp, NoRotationIsACopy) {
 }
 
 // A source turned clockwise: the output's right half shows the source's upper half.
-TEST(Warp, QuarterTurnOfAnOddSquareMovesEveryPixel) {
+TEST(Warp, QuarterTurnMovesEveryPixel) {
   const RotatedRecord record = {90.0};
-  Engine engine(formatOf(3), {9, 9}, {9, 9}, {rotation(record)});
-  Picture source = Picture::random(9, 9, 3, 1);
-  const Picture result = rotatedWhole(engine.get(), source, {9, 9});
-  for (int32_t y = 0; y < 9; ++y) {
-    for (int32_t x = 0; x < 9; ++x) {
-      for (int c = 0; c < 3; ++c) ASSERT_EQ(result.at(8 - y, x)[c], source.at(x, y)[c]);
+  for (const auto& [width, height] : {std::pair{9, 9}, {8, 8}, {9, 5}, {12, 6}, {7, 4}}) {
+    Engine engine(formatOf(3), {height, width}, {width, height}, {rotation(record)});
+    Picture source = Picture::random(width, height, 3, 1);
+    const Picture result = rotatedWhole(engine.get(), source, {height, width});
+    for (int32_t y = 0; y < height; ++y) {
+      for (int32_t x = 0; x < width; ++x) {
+        for (int c = 0; c < 3; ++c) ASSERT_EQ(result.at(height - 1 - y, x)[c], source.at(x, y)[c]);
+      }
     }
   }
 }
@@ -128,8 +130,8 @@ TEST(Warp, CalcRectBoundsTheSourceOfTheRectangle) {
       double box[4] = {1e9, 1e9, -1e9, -1e9};
       for (const int32_t x : {asked.left, asked.right - 1}) {
         for (const int32_t y : {asked.top, asked.bottom - 1}) {
-          const double sourceX = 20 + (x - 20) * cosine + (y - 15) * sine;
-          const double sourceY = 15 - (x - 20) * sine + (y - 15) * cosine;
+          const double sourceX = 19.5 + (x - 19.5) * cosine + (y - 14.5) * sine;
+          const double sourceY = 14.5 - (x - 19.5) * sine + (y - 14.5) * cosine;
           box[0] = std::min(box[0], sourceX);
           box[1] = std::min(box[1], sourceY);
           box[2] = std::max(box[2], sourceX);

@@ -57,6 +57,14 @@ double valueOf(const QPXParamInfo& param, const std::string& kind, Random& rando
   return farOutside(param, kind == "above");
 }
 
+// Rotated effects stand alone.
+bool turns(std::span<const QPXEffectItem> items) {
+  const std::vector<QPXEffectInfo>& all = builtEffects();
+  return items.size() == 1 && std::any_of(all.begin(), all.end(), [&](const QPXEffectInfo& info) {
+           return info.id == items[0].effectId && info.marginRule == QPX_MARGIN_ROTATION;
+         });
+}
+
 }  // namespace
 
 const std::vector<QPXEffectInfo>& builtEffects() {
@@ -131,7 +139,8 @@ Record makeRecord(const QPXEffectInfo& effect, const char* kind, uint64_t seed) 
   return record;
 }
 
-Engine::Engine(const Picture& picture, std::span<const QPXEffectItem> items, int32_t quality) {
+Engine::Engine(const Picture& picture, std::span<const QPXEffectItem> items, int32_t quality)
+    : warps_(turns(items)) {
   const MBitmap image = picture.bitmap();
   const QPXEffectList list = {items.data(), static_cast<uint32_t>(items.size()), quality};
   result_ = QPXCreate(&image, &image, &list, &handle_);

@@ -114,6 +114,8 @@ TEST_F(CommandLineTest, AMisspeltCommandIsNamed) {
   EXPECT_TRUE(
       failedWith(run({"aply", "Fx1300"}), 2, "unknown command 'aply' (did you mean apply?)"));
   EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2, "'photo.jpg': use one of apply, list, sheet"));
+  EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2,
+                         "'photo.jpg': use one of apply, list, rotate, sample, straighten"));
   EXPECT_TRUE(failedWith(run({"--plain"}), 2, "qpx --help"));
 }
 

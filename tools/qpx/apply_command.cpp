@@ -123,6 +123,9 @@ Not carried over: JPEG comments, PNG text and other metadata. Samples of 16 bits
 become 8, grey and palettes become RGB, and a JPEG has its transparency laid on
 white.
 
+Effects that turn a picture grow its frame so that nothing is cut off; they cannot
+be mixed with their source by --strength or --mask.
+
 Without --format the effects run in bgr24, or in bgra32 for a picture with
 alpha, or in the first format that all of them take. YUV and grey are reached
 by full-range BT.601, chroma being averaged over its block.

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
+#include <numbers>
 #include <span>
 #include <utility>
 
@@ -29,10 +31,46 @@ bool mayTakeOverlay(const EffectCall& call) {
   return call.effect->recordSize == static_cast<int32_t>(sizeof(QPXFilterRecord));
 }
 
+// Effects whose output has a size of its own.
+bool turns(const EffectCall& call) { return call.effect->marginRule == QPX_MARGIN_ROTATION; }
+
 // Effects that an engine of their own must run: those driven with a second input, and those whose
 // output rectangle has to be asked for.
-bool runsAlone(const EffectCall& call) {
-  return takesSecond(call) || call.effect->marginRule == QPX_MARGIN_ROTATION;
+bool runsAlone(const EffectCall& call) { return takesSecond(call) || turns(call); }
+
+// The value of a parameter by its name, or what stands for one that the effect does not have.
+double valueOf(const EffectCall& call, std::string_view name, double otherwise) {
+  for (size_t i = 0; i < call.values.size(); ++i) {
+    if (call.effect->params[i].name == name) return call.values[i];
+  }
+  return otherwise;
+}
+
+struct Size {
+  int32_t width, height;
+};
+
+// The upright frame that holds a turned picture. A hair less than a pixel more than a whole number
+// is none, for no sine is exact.
+Size turnedSize(const EffectCall& call, const Frame& frame) {
+  constexpr double kHair = 1e-6;
+  const double angle = valueOf(call, "degrees", 0) * std::numbers::pi / 180.0;
+  const double scale = valueOf(call, "scale", 100) / 100.0;
+  const double sine = std::abs(std::sin(angle)) * scale;
+  const double cosine = std::abs(std::cos(angle)) * scale;
+  const auto side = [](double length) {
+    return static_cast<int32_t>(std::clamp(std::ceil(length - kHair), 1.0, 1e9));
+  };
+  return {side(frame.width() * cosine + frame.height() * sine),
+          side(frame.width() * sine + frame.height() * cosine)};
+}
+
+void checkTurned(Chain chain, const RunOptions& options) {
+  if (std::none_of(chain.begin(), chain.end(), turns)) return;
+  if (options.strength < 100 || options.mask) {
+    throw UsageError(
+        "a turned picture cannot be mixed with its source: leave --strength and --mask out");
+  }
 }
 
 bool allTake(Chain chain, const PixelFormat& format) {
@@ -111,10 +149,6 @@ class ChainRun {
         in_(format, picture.width(), picture.height()),
         out_(format, picture.width(), picture.height()) {
     toFrame(picture, in_);
-    if (options.second) {
-      second_.emplace(format, picture.width(), picture.height());
-      toFrame(scaledToFit(*options.second, picture), *second_);
-    }
   }
 
   void run(Chain chain, const Picture* mask) {
@@ -132,9 +166,30 @@ class ChainRun {
   const Frame& result() const { return in_; }
 
  private:
-  static Picture scaledToFit(const Picture& from, const Picture& to) {
+  static Picture scaledToFit(const Picture& from, const Frame& to) {
     if (from.width() == to.width() && from.height() == to.height()) return copyOf(from);
     return scaled(from, to.width(), to.height());
+  }
+
+  static bool sameSize(const Frame& a, const Frame& b) {
+    return a.width() == b.width() && a.height() == b.height();
+  }
+
+  // The second picture always has the size of what the group starts from.
+  void fitSecond() {
+    if (!options_.second || (second_ && sameSize(*second_, in_))) return;
+    second_.emplace(in_.format(), in_.width(), in_.height());
+    toFrame(scaledToFit(*options_.second, in_), *second_);
+  }
+
+  void fitOutput(Chain group) {
+    const bool turned = turns(group.front());
+    const Size size = turned ? turnedSize(group.front(), in_) : Size{in_.width(), in_.height()};
+    if (out_.width() != size.width || out_.height() != size.height) {
+      out_ = Frame(in_.format(), size.width, size.height);
+    }
+    // What an effect leaves as it is should be the picture, not what the memory held before.
+    if (!turned) out_.copyFrom(in_);
   }
 
   void runGroup(Chain group, int64_t steps) {
@@ -154,8 +209,8 @@ class ChainRun {
   }
 
   int32_t runEngine(Chain group, int64_t steps) {
-    // What an effect leaves as it is should be the picture, not what the memory held before.
-    out_.copyFrom(in_);
+    fitSecond();
+    fitOutput(group);
     EnginePass pass(group, in_, out_, options_.level);
     if (second_) pass.setOverlay(*second_);
     if (takesSecond(group.front())) pass.setSecond(second_ ? &*second_ : nullptr, mask_);
@@ -184,6 +239,7 @@ void checkChain(const std::vector<EffectCall>& chain, const RunOptions& options)
                      " is catalogued but not built into this library: 'qpx list' shows what is");
   }
   checkSecond(chain, options);
+  checkTurned(chain, options);
   formatFor(chain, options, false);
 }
 
@@ -229,7 +285,11 @@ Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
   if (options.strength < 100 || mixMask) source = copyOf(picture);
   ChainRun run(options, format, picture, progress);
   run.run(chain, options.mask ? &mask : nullptr);
-  fromFrame(run.result(), picture);
+  const Frame& result = run.result();
+  if (result.width() != picture.width() || result.height() != picture.height()) {
+    picture = emptyLike(picture, result.width(), result.height());
+  }
+  fromFrame(result, picture);
   if (source.width() > 0) mixWithSource(picture, source, options.strength, mixMask);
   return picture;
 }

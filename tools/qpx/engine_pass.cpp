@@ -92,6 +92,16 @@ int32_t EnginePass::feed(QPXEngine* engine, int32_t finished, MRect& rect) {
   return code;
 }
 
+// A rotation makes its whole output, which has a size of its own, out of the whole input.
+int32_t EnginePass::runRotation(QPXEngine* engine, int64_t steps, Progress& progress) {
+  MRect whole = {0, 0, out_.width(), out_.height()}, needed{};
+  int32_t code = QPXCalcRect(engine, &whole, &needed);
+  MRect rect = {0, 0, in_.width(), in_.height()};
+  if (code == QPX_OK) code = feed(engine, 0, rect);
+  progress.advance(steps);
+  return code;
+}
+
 // The engine holds rows back where an effect looks at neighbours. What it finishes goes behind what
 // was finished before, and the last band brings the rest.
 int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t steps,
@@ -99,10 +109,7 @@ int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t s
   const Handle handle(*this);
   if (handle.code() != QPX_OK) return handle.code();
   if (chain_.front().effect->marginRule == QPX_MARGIN_ROTATION) {
-    MRect whole = {0, 0, out_.width(), out_.height()}, needed{};
-    const int32_t code = QPXCalcRect(handle.engine(), &whole, &needed);
-    if (code != QPX_OK) return code;
-    band = bottom;
+    return runRotation(handle.engine(), steps, progress);
   }
   const auto wantsOneCall = [](const EffectCall& call) {
     return (call.effect->flags & QPX_EFFECT_ONE_CALL) != 0;

@@ -17,7 +17,8 @@ namespace qpx::tool {
 
 class EnginePass {
  public:
-  // Frames have the same format and size and outlive the pass.
+  // Frames have the same format and outlive the pass. They have the same size too, but for a
+  // rotation, which fills an output of any size.
   EnginePass(std::span<const EffectCall> chain, const Frame& in, Frame& out, int level);
 
   // The picture that effects with the shared record may lay over the source.
@@ -35,6 +36,7 @@ class EnginePass {
   class Handle;
 
   int32_t runRows(int32_t top, int32_t bottom, int32_t band, int64_t steps, Progress& progress);
+  int32_t runRotation(QPXEngine* engine, int64_t steps, Progress& progress);
   int32_t feed(QPXEngine* engine, int32_t finished, MRect& rect);
 
   std::span<const EffectCall> chain_;

@@ -73,8 +73,10 @@ int main(int argc, char** argv) {
   addApplyCommand(app);
   addListCommand(app);
   addSheetCommand(app);
-  addSampleCommand(app);
+  addRotateCommand(app);
+  addStraightenCommand(app);
   addEtcCommand(app);
+  addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {
     std::fputs(app.help().c_str(), stderr);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "errors.h"
+#include "exif.h"
 
 namespace qpx::tool {
 
@@ -168,6 +169,17 @@ Picture copyOf(const Picture& picture) {
   copy.icc = picture.icc;
   copy.density = picture.density;
   return copy;
+}
+
+Picture emptyLike(const Picture& picture, int32_t width, int32_t height) {
+  Picture result(width, height, picture.channels());
+  if (result.hasAlpha()) std::fill_n(result.row(0), result.pitch() * height, uint8_t{255});
+  result.kind = picture.kind;
+  result.exif = picture.exif;
+  result.icc = picture.icc;
+  result.density = picture.density;
+  describeUpright(result.exif, width, height);
+  return result;
 }
 
 Picture turned(Picture picture, int orientation) {

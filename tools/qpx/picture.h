@@ -60,6 +60,10 @@ void checkSize(int64_t width, int64_t height, int channels);
 // Samples and metadata. A picture is large, so that copies are asked for by name.
 Picture copyOf(const Picture& picture);
 
+// A picture of another size with the metadata of this one, whose Exif data then states that size.
+// Colours are undefined; alpha, where there is any, is 255.
+Picture emptyLike(const Picture& picture, int32_t width, int32_t height);
+
 // The picture as it is meant to be seen, from one stored in an Exif orientation of 1 ... 8. Exif
 // and profile come along unchanged.
 Picture turned(Picture picture, int orientation);
