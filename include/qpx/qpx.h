@@ -7,13 +7,17 @@
 #include <qpx/curves.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
+#include <qpx/heap_check.h>
 #include <qpx/image.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_curves.h>
 #include <qpx/log.h>
+#include <qpx/motion_blur.h>
 #include <qpx/png.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
+#include <qpx/threads.h>
 #include <qpx/types.h>
+#include <qpx/waterfall.h>
 
 #endif /* QPX_QPX_H_ */

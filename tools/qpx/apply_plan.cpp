@@ -15,18 +15,6 @@ namespace qpx::tool {
 
 namespace {
 
-std::optional<FileKind> wantedKind(const ApplyArguments& arguments) {
-  if (arguments.to.empty()) return std::nullopt;
-  return arguments.to == "png" ? FileKind::png : FileKind::jpeg;
-}
-
-std::optional<FileKind> kindOfOutput(const std::string& out, const ApplyArguments& arguments) {
-  if (const std::optional<FileKind> wanted = wantedKind(arguments)) return wanted;
-  if (out == "-") return std::nullopt;
-  if (const std::optional<FileKind> kind = kindByName(out)) return kind;
-  throw UsageError(out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
-}
-
 Plan planOne(const ApplyArguments& arguments) {
   const std::vector<std::string>& words = arguments.words;
   if (words.size() < 3) {
@@ -45,7 +33,7 @@ Plan planOne(const ApplyArguments& arguments) {
     plan.chain.push_back(parseEffect(words[i]));
   }
   const std::string &in = words[effects], &out = words[effects + 1];
-  plan.jobs.push_back({in, out, kindOfOutput(out, arguments)});
+  plan.jobs.push_back({in, out, kindOfOutput(out, arguments.to)});
   return plan;
 }
 
@@ -62,7 +50,7 @@ void refuseSlip(const std::string& word) {
 Job jobInto(const std::string& in, const ApplyArguments& arguments) {
   if (in == "-") throw UsageError("standard input has no name for --out-dir: give OUT instead");
   std::filesystem::path name = std::filesystem::path(in).filename();
-  const std::optional<FileKind> wanted = wantedKind(arguments);
+  const std::optional<FileKind> wanted = wantedKind(arguments.to);
   if (wanted && kindByName(in) != wanted) {
     name.replace_extension(*wanted == FileKind::png ? ".png" : ".jpg");
   }

@@ -8,6 +8,8 @@ namespace qpx::tool {
 
 void addListCommand(CLI::App& app);
 void addApplyCommand(CLI::App& app);
+void addMotionBlurCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
+void addWaterfallCommand(CLI::App& app);
 
 }  // namespace qpx::tool

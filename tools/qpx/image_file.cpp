@@ -100,6 +100,18 @@ std::optional<FileKind> kindByName(const std::string& path) {
   return std::nullopt;
 }
 
+std::optional<FileKind> wantedKind(const std::string& to) {
+  if (to.empty()) return std::nullopt;
+  return to == "png" ? FileKind::png : FileKind::jpeg;
+}
+
+std::optional<FileKind> kindOfOutput(const std::string& out, const std::string& to) {
+  if (const std::optional<FileKind> wanted = wantedKind(to)) return wanted;
+  if (out == "-") return std::nullopt;
+  if (const std::optional<FileKind> kind = kindByName(out)) return kind;
+  throw UsageError(out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
+}
+
 Picture readPicture(const std::string& path, ProgressShare share) {
   try {
     Picture picture = decode(readAll(path), share);

@@ -31,6 +31,13 @@ std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);
 
+// The kind that `--to` names; nothing for no name.
+std::optional<FileKind> wantedKind(const std::string& to);
+
+// The kind of an output by `--to` or by its name; nothing, for that of the input, on standard
+// output. Throws UsageError for names of other kinds.
+std::optional<FileKind> kindOfOutput(const std::string& out, const std::string& to);
+
 // How a path is called in messages.
 std::string displayName(const std::string& path, bool input);
 

@@ -68,7 +68,9 @@ int main(int argc, char** argv) {
       "  qpx apply Fx4800 scene.png warm.jpg");
   addApplyCommand(app);
   addListCommand(app);
+  addMotionBlurCommand(app);
   addSampleCommand(app);
+  addWaterfallCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {
     std::fputs(app.help().c_str(), stderr);
