@@ -8,15 +8,19 @@
 #include <qpx/effects.h>
 #include <qpx/engine.h>
 #include <qpx/etc.h>
+#include <qpx/heap_check.h>
 #include <qpx/image.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_curves.h>
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
+#include <qpx/motion_blur.h>
 #include <qpx/png.h>
 #include <qpx/rotate.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
+#include <qpx/threads.h>
 #include <qpx/types.h>
+#include <qpx/waterfall.h>
 
 #endif /* QPX_QPX_H_ */

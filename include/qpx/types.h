@@ -70,6 +70,12 @@ typedef struct MRect {
   int32_t bottom;
 } MRect;
 
+/* A place in pixels; it may lie outside the picture. */
+typedef struct MPoint {
+  int32_t x;
+  int32_t y;
+} MPoint;
+
 /* Planes as the processing calls take them: no format, no size, and the pointers first. */
 typedef struct QPXPlaneSet {
   uint8_t* plane[3]; /* address of the pixel at the (left, top) of the rectangle of the call */

@@ -6,9 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "geometry/packed_rgb.h"
+
 namespace qpx {
 
-inline constexpr uint32_t kByteOrderBit = 0x1000;
 inline constexpr double kPi = 3.1415926535;  // as far as all sizes and places are defined by
 
 inline double radiansOf(double degrees) { return degrees * kPi / 180.0; }
@@ -17,19 +18,16 @@ inline bool isBgr(uint32_t format) {
   return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32;
 }
 
-inline bool isRgb(uint32_t format) { return isBgr(format & ~kByteOrderBit); }
+inline bool isRgb(uint32_t format) { return isBgr(format & ~kReversedOrder); }
 
 inline int32_t bytesOfRgb(uint32_t format) {
-  return (format & ~kByteOrderBit) == QPX_FORMAT_BGRA32 ? 4 : 3;
+  return (format & ~kReversedOrder) == QPX_FORMAT_BGRA32 ? 4 : 3;
 }
 
 inline bool hasSize(const MBitmap& image) { return image.width > 0 && image.height > 0; }
 
 // Whether the pixels of a 24 or 32-bit record can be walked.
-inline bool hasPixels(const MBitmap& image) {
-  return image.plane[0] != nullptr && hasSize(image) &&
-         image.pitch[0] >= int64_t{image.width} * bytesOfRgb(image.format);
-}
+inline bool hasPixels(const MBitmap& image) { return hasRows(image, bytesOfRgb(image.format)); }
 
 // To an integer as a cast does it, without undefined results for numbers beyond it.
 inline int32_t truncated(double value) {
@@ -38,7 +36,7 @@ inline int32_t truncated(double value) {
 }
 
 inline uint8_t* pixelAt(const MBitmap& image, int32_t x, int32_t y, int32_t bytes) {
-  return image.plane[0] + ptrdiff_t{image.pitch[0]} * y + ptrdiff_t{x} * bytes;
+  return rowOf(image, y) + ptrdiff_t{x} * bytes;
 }
 
 }  // namespace qpx

@@ -6,7 +6,8 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <new>
+
+#include "platform/new_record.h"
 
 namespace qpx {
 
@@ -53,13 +54,6 @@ static_assert(sizeof(void*) != 4 || sizeof(MStreamHandle) == 36);
 static_assert(sizeof(MStream64Handle) == 16);
 
 namespace qpx {
-
-// A zeroed record, or null.
-template <typename Record>
-Record* newRecord() {
-  void* const place = MMemAlloc(nullptr, sizeof(Record));
-  return place == nullptr ? nullptr : new (place) Record{};
-}
 
 inline bool isKind(const MStreamHandle* stream, StreamKind kind) {
   return stream != nullptr && stream->kind == kind;

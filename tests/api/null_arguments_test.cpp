@@ -310,6 +310,32 @@ constexpr NullCall kEtcCalls[] = {
     QPX_NULL_CALL(read_big_endian_4byte_word, (nullptr) == 0),
 };
 
+constexpr NullCall kPlatformCalls[] = {
+    QPX_NULL_CALL(MThreadCreate, (nullptr, nullptr) == 0),
+    QPX_NULL_CALL(MMutexDestroy, (nullptr) == 0),
+    QPX_NULL_CALL(MMutexLock, (nullptr) == 2),
+    QPX_NULL_CALL(MMutexUnlock, (nullptr) == 2),
+    QPX_NULL_CALL(MEventDestroy, (nullptr) == 2),
+    QPX_NULL_CALL(MEventSignal, (nullptr) == 2),
+    QPX_NULL_CALL(MEventReset, (nullptr) == 2),
+    QPX_NULL_CALL(MEventWait, (nullptr, 0) == 2),
+    QPX_NULL_CALL(HEAPCK_MemAlloc, (nullptr, -1, nullptr, 0, nullptr) == nullptr),
+    QPX_NULL_VOID_CALL(HEAPCK_MemFree, (nullptr, nullptr)),
+    QPX_NULL_VOID_CALL(HEAPCK_MemConclusion, (nullptr)),
+};
+
+constexpr NullCall kSmearCalls[] = {
+    QPX_NULL_CALL(QPX_MotionBlur, (nullptr, nullptr, 0, 1, nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_Create, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_Process, (nullptr, nullptr, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_ProcessAsync, (nullptr, nullptr, 0, nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_Dostep, (nullptr, 0, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_Destroy, (nullptr) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_SetProp, (nullptr, 1, nullptr, 4) == 2),
+    QPX_NULL_CALL(QPX_WaterFall_GetProp, (nullptr, 1, nullptr, 4) == 2),
+    QPX_NULL_CALL(QPX_Waterfall, (nullptr, nullptr, nullptr, 1, 1, nullptr) == 2),
+};
+
 #undef QPX_NULL_CALL
 #undef QPX_NULL_VOID_CALL
 
@@ -334,8 +360,17 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "softPixel",
                                             "softPixel4",
                                             "KESSTREAM_GetVersion",
+                                            "MEventCreate",
+                                            "MGetCurTimeStamp",
                                             "MGetMaskPos",
                                             "MGetMaskSize",
+                                            "MMutexCreate",
+                                            "MThreadDestory",
+                                            "MThreadExit",
+                                            "MThreadResume",
+                                            "MThreadSetPriority",
+                                            "MThreadSleep",
+                                            "MThreadSuspend",
                                             "QPXIsSameInOutArea",
                                             "QPXIsSupEffMerge",
                                             "QPXIsSupport",
@@ -351,8 +386,8 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskSize"};
 
 constexpr std::span<const NullCall> kAllCalls[] = {
-    kImageCalls,   kEngineCalls, kRotationCalls,   kStreamCalls, kStringCalls,
-    kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls};
+    kImageCalls,   kEngineCalls, kRotationCalls,   kSmearCalls, kStreamCalls,  kStringCalls,
+    kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls,   kPlatformCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <filesystem>
+#include <iomanip>
 #include <sstream>
 #include <string>
 
@@ -14,12 +15,12 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// As a shell would take it apart, for as much of a shell as the examples use: single quotes, one
-// wildcard, streams. What a pipe feeds is left out.
+// As a shell would take it apart, for as much of a shell as the examples use: quotes, one wildcard,
+// streams. What a pipe feeds is left out.
 Words wordsOfExample(const std::string& line) {
   Words words;
   std::istringstream stream(line);
-  for (std::string word; stream >> word && word != "|";) {
+  for (std::string word; stream >> std::quoted(word) && word != "|";) {
     if (word == "<" || word == ">") {
       stream >> word;
     } else if (const size_t star = word.find('*'); star != std::string::npos) {
@@ -47,7 +48,7 @@ class CommandLineTest : public ToolTest {
     const Image image = randomImage(20, 16, 3, 41);
     jpeg_ = jpegFile(image);
     std::filesystem::create_directory(path("holiday"));
-    for (const char* name : {"photo.jpg", "in.jpg", "holiday/a.jpg", "holiday/b.jpg"}) {
+    for (const char* name : {"photo.jpg", "in.jpg", "mask.png", "holiday/a.jpg", "holiday/b.jpg"}) {
       write(name, jpeg_);
     }
   }
@@ -60,7 +61,9 @@ TEST_F(CommandLineTest, EveryExampleOfTheHelpRuns) {
                             {"apply", "--help"},
                             {"list", "--help"},
                             {"sample", "--help"},
-                            {"sheet", "--help"}}) {
+                            {"sheet", "--help"},
+                            {"motion-blur", "--help"},
+                            {"waterfall", "--help"}}) {
     const Words examples = examplesIn(run(call).out);
     EXPECT_FALSE(examples.empty()) << call.front();
     for (const std::string& example : examples) {
@@ -113,9 +116,9 @@ TEST_F(CommandLineTest, NamesLikeOptionsGetAHint) {
 TEST_F(CommandLineTest, AMisspeltCommandIsNamed) {
   EXPECT_TRUE(
       failedWith(run({"aply", "Fx1300"}), 2, "unknown command 'aply' (did you mean apply?)"));
-  EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2, "'photo.jpg': use one of apply, list, sheet"));
   EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2,
-                         "'photo.jpg': use one of apply, list, rotate, sample, straighten"));
+                         "'photo.jpg': use one of apply, list, sheet, rotate, straighten, "
+                         "motion-blur, waterfall, etc, sample"));
   EXPECT_TRUE(failedWith(run({"--plain"}), 2, "qpx --help"));
 }
 

@@ -15,11 +15,6 @@ namespace qpx::tool {
 
 namespace {
 
-std::optional<FileKind> wantedKind(const ApplyArguments& arguments) {
-  if (arguments.to.empty()) return std::nullopt;
-  return arguments.to == "png" ? FileKind::png : FileKind::jpeg;
-}
-
 Plan planOne(const ApplyArguments& arguments) {
   const std::vector<std::string>& words = arguments.words;
   if (words.size() < 3) {
@@ -55,7 +50,7 @@ void refuseSlip(const std::string& word) {
 Job jobInto(const std::string& in, const ApplyArguments& arguments) {
   if (in == "-") throw UsageError("standard input has no name for --out-dir: give OUT instead");
   std::filesystem::path name = std::filesystem::path(in).filename();
-  const std::optional<FileKind> wanted = wantedKind(arguments);
+  const std::optional<FileKind> wanted = wantedKind(arguments.to);
   if (wanted && kindByName(in) != wanted) {
     name.replace_extension(*wanted == FileKind::png ? ".png" : ".jpg");
   }

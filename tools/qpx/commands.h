@@ -8,10 +8,12 @@ namespace qpx::tool {
 
 void addListCommand(CLI::App& app);
 void addApplyCommand(CLI::App& app);
-void addRotateCommand(CLI::App& app);
-void addSampleCommand(CLI::App& app);
 void addSheetCommand(CLI::App& app);
-void addEtcCommand(CLI::App& app);
+void addRotateCommand(CLI::App& app);
 void addStraightenCommand(CLI::App& app);
+void addMotionBlurCommand(CLI::App& app);
+void addWaterfallCommand(CLI::App& app);
+void addEtcCommand(CLI::App& app);
+void addSampleCommand(CLI::App& app);
 
 }  // namespace qpx::tool

@@ -84,13 +84,6 @@ std::vector<uint8_t> readFileBytes(const std::string& path) {
   }
 }
 
-std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to) {
-  if (!to.empty()) return to == "png" ? FileKind::png : FileKind::jpeg;
-  if (path == "-") return std::nullopt;
-  if (const std::optional<FileKind> kind = kindByName(path)) return kind;
-  throw UsageError(path + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
-}
-
 std::string displayName(const std::string& path, bool input) {
   if (path != "-") return path;
   return input ? "standard input" : "standard output";
@@ -105,6 +98,18 @@ std::optional<FileKind> kindByName(const std::string& path) {
   }
   if (extension == "png") return FileKind::png;
   return std::nullopt;
+}
+
+std::optional<FileKind> wantedKind(const std::string& to) {
+  if (to.empty()) return std::nullopt;
+  return to == "png" ? FileKind::png : FileKind::jpeg;
+}
+
+std::optional<FileKind> kindOfOutput(const std::string& out, const std::string& to) {
+  if (const std::optional<FileKind> wanted = wantedKind(to)) return wanted;
+  if (out == "-") return std::nullopt;
+  if (const std::optional<FileKind> kind = kindByName(out)) return kind;
+  throw UsageError(out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
 }
 
 Picture readPicture(const std::string& path, ProgressShare share) {

@@ -32,9 +32,12 @@ std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);
 
+// The kind that `--to` names; nothing for no name.
+std::optional<FileKind> wantedKind(const std::string& to);
+
 // The format wanted by --to ("png", "jpeg", "jpg" or empty), else that of the name; nothing for
 // standard output without a wish. Throws UsageError for a name that says nothing.
-std::optional<FileKind> kindOfOutput(const std::string& path, const std::string& to);
+std::optional<FileKind> kindOfOutput(const std::string& out, const std::string& to);
 
 // All bytes of a file, of 2 GiB at most; "-" is standard input. The message of its RunError lacks
 // the file's name.

@@ -75,6 +75,8 @@ int main(int argc, char** argv) {
   addSheetCommand(app);
   addRotateCommand(app);
   addStraightenCommand(app);
+  addMotionBlurCommand(app);
+  addWaterfallCommand(app);
   addEtcCommand(app);
   addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);

@@ -17,7 +17,7 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "exif.h"
-#include "picture_job.h"
+#include "one_picture.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -28,7 +28,7 @@ namespace {
 constexpr int32_t kMaxWidth = 32767;
 
 struct RotateArguments {
-  JobArguments files;
+  OnePicture files;
   std::string degrees;
   std::string fill;
   bool crop = false;
@@ -75,19 +75,15 @@ MBitmap sized(const Size& size) {
   return record;
 }
 
-void check(int32_t code) {
-  if (code != QPX_OK) throw RunError(failureText(code));
-}
-
 Size resultSize(const Picture& picture, const Turn& turn) {
   const MBitmap source = sized({picture.width(), picture.height()});
   Size size{};
-  check(QPXRotateCalcDstSize(&source, turn.degrees, &size.width, &size.height));
+  checkResult(QPXRotateCalcDstSize(&source, turn.degrees, &size.width, &size.height));
   size = {std::max(size.width, 1), std::max(size.height, 1)};
   if (!turn.crop) return size;
   const MBitmap target = sized(size);
   MRect inside{};
-  check(QPXRotateCalcInternalRect(&source, &target, turn.degrees, &inside));
+  checkResult(QPXRotateCalcInternalRect(&source, &target, turn.degrees, &inside));
   // The outermost pixels are half fill.
   constexpr int32_t kBorder = 2;
   size = {inside.right - inside.left - kBorder, inside.bottom - inside.top - kBorder};
@@ -110,7 +106,7 @@ class Rotation {
     const QPXRotateFormat from = {source_.format, source_.width, source_.height};
     const QPXRotateFormat to = {result_.format, result_.width, result_.height};
     const QPXRotateParams params = {turn.degrees, fill};
-    check(QPXRotateCreate(&handle_, &from, &to, &params));
+    checkResult(QPXRotateCreate(&handle_, &from, &to, &params));
   }
   ~Rotation() { QPXRotateDestroy(handle_); }
   Rotation(const Rotation&) = delete;
@@ -135,7 +131,7 @@ class Rotation {
     for (int i = 1; i < std::min(processors, strips); ++i) threads.emplace_back(work);
     work();
     threads.clear();  // joins
-    check(worst);
+    checkResult(worst);
   }
 
  private:
@@ -143,7 +139,7 @@ class Rotation {
 
   // The object knows the formats of one order only, and keeps the order that is there.
   static MBitmap asBgr(const Picture& picture) {
-    MBitmap record = recordOf(picture);
+    MBitmap record = bitmapOf(picture);
     record.format = picture.hasAlpha() ? QPX_FORMAT_BGRA32 : QPX_FORMAT_BGR24;
     return record;
   }
@@ -173,7 +169,7 @@ Picture rotated(Picture picture, const Turn& turn, Progress& progress) {
 
 void rotate(const RotateArguments& arguments) {
   const Turn turn = turnFor(arguments);
-  runPictureJob(arguments.files, [&](Picture picture, Progress& progress) {
+  changePicture(arguments.files, [&](Picture picture, Progress& progress) {
     return rotated(std::move(picture), turn, progress);
   });
 }
@@ -183,7 +179,7 @@ void rotate(const RotateArguments& arguments) {
 void addRotateCommand(CLI::App& app) {
   const auto arguments = std::make_shared<RotateArguments>();
   CLI::App* command = app.add_subcommand("rotate", "Turn a picture by whole degrees");
-  addJobOptions(*command, arguments->files);
+  addOnePictureOptions(*command, arguments->files);
   command->add_option("--degrees", arguments->degrees, "How far, clockwise; a whole number")
       ->required()
       ->check(notEmpty());

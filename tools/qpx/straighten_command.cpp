@@ -9,7 +9,7 @@
 #include "commands.h"
 #include "effect_run.h"
 #include "errors.h"
-#include "picture_job.h"
+#include "one_picture.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -20,7 +20,7 @@ namespace {
 constexpr double kMostDegrees = 45;
 
 struct StraightenArguments {
-  JobArguments files;
+  OnePicture files;
   std::string degrees;
   bool nearest = false;
 };
@@ -34,12 +34,11 @@ double degreesOf(const std::string& text) {
 void straighten(const StraightenArguments& arguments) {
   const double radians = degreesOf(arguments.degrees) * std::numbers::pi / 180.0;
   const int32_t bilinear = arguments.nearest ? 0 : 1;
-  runPictureJob(arguments.files, [&](const Picture& picture, Progress& progress) {
+  changePicture(arguments.files, [&](const Picture& picture, Progress& progress) {
     Picture result = emptyLike(picture, picture.width(), picture.height());
-    const MBitmap from = recordOf(picture);
-    MBitmap to = recordOf(result);
-    const int32_t code = QPX_Straighten(&from, &to, radians, bilinear);
-    if (code != QPX_OK) throw RunError(failureText(code));
+    const MBitmap from = bitmapOf(picture);
+    MBitmap to = bitmapOf(result);
+    checkResult(QPX_Straighten(&from, &to, radians, bilinear));
     progress.advance(kEffectSteps);
     return result;
   });
@@ -51,7 +50,7 @@ void addStraightenCommand(CLI::App& app) {
   const auto arguments = std::make_shared<StraightenArguments>();
   CLI::App* command =
       app.add_subcommand("straighten", "Level a photograph and fill the frame with it");
-  addJobOptions(*command, arguments->files);
+  addOnePictureOptions(*command, arguments->files);
   command
       ->add_option("--degrees", arguments->degrees,
                    "How far to turn it, clockwise; -45 to 45, fractions too")

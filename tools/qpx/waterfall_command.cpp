@@ -1,0 +1,146 @@
+// qpx waterfall: a picture that runs along the strokes of a finger.
+#include <qpx/waterfall.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "command_line.h"
+#include "commands.h"
+#include "effect_run.h"
+#include "errors.h"
+#include "one_picture.h"
+#include "text.h"
+
+namespace qpx::tool {
+
+namespace {
+
+struct WaterfallArguments {
+  OnePicture files;
+  std::vector<std::string> strokes;
+  int radius = 20;
+  int length = 40;
+};
+
+using Stroke = std::vector<MPoint>;
+
+MPoint parsePoint(const std::string& text) {
+  const std::vector<std::string> parts = split(text, ',');
+  if (parts.size() == 2) {
+    const std::optional<int64_t> x = parseInteger(parts[0]), y = parseInteger(parts[1]);
+    if (x && y && *x >= INT32_MIN && *x <= INT32_MAX && *y >= INT32_MIN && *y <= INT32_MAX) {
+      return {static_cast<int32_t>(*x), static_cast<int32_t>(*y)};
+    }
+  }
+  throw UsageError("--stroke: '" + text + "' is no point: use X,Y in pixels, such as 120,80");
+}
+
+Stroke parseStroke(const std::string& text) {
+  Stroke stroke;
+  for (const std::string& word : split(text, ' ')) {
+    if (!word.empty()) stroke.push_back(parsePoint(word));
+  }
+  if (stroke.size() < 2) {
+    throw UsageError("--stroke: '" + text + "' needs two points or more: use \"X,Y X,Y\"");
+  }
+  return stroke;
+}
+
+class Waterfall {
+ public:
+  Waterfall(const Picture& picture, const WaterfallArguments& arguments) {
+    const MBitmap image = bitmapOf(picture);
+    // Everything but memory has been checked.
+    if (QPX_WaterFall_Create(&handle_, &image, &record_) != QPX_OK) throw std::bad_alloc();
+    const int32_t radius = arguments.radius, length = arguments.length;
+    checkResult(QPX_WaterFall_SetProp(handle_, QPX_WATERFALL_RADIUS, &radius, sizeof radius));
+    checkResult(QPX_WaterFall_SetProp(handle_, QPX_WATERFALL_LENGTH, &length, sizeof length));
+  }
+  ~Waterfall() { QPX_WaterFall_Destroy(handle_); }
+  Waterfall(const Waterfall&) = delete;
+  Waterfall& operator=(const Waterfall&) = delete;
+
+  // Throws RunError for a stroke that leaves no trace.
+  void draw(const Stroke& stroke, const std::string& text, ProgressShare& share) {
+    bool moved = false, touched = false;
+    for (const MPoint& point : stroke) {
+      MBitmap* shown = nullptr;
+      int32_t area[4] = {};
+      checkResult(
+          QPX_WaterFall_Process(handle_, &point, &point == &stroke.back() ? 1 : 0, &shown, area));
+      moved |= shown != nullptr;
+      touched |= shown != nullptr && area[0] <= area[2];
+      share.advance();
+    }
+    const std::string name = "the stroke '" + text + "' ";
+    if (!moved)
+      throw RunError(name + "has all points within a third of the radius: make it longer");
+    if (!touched) {
+      throw RunError(name + "does not touch the picture, which is " +
+                     std::to_string(record_->width) + "x" + std::to_string(record_->height));
+    }
+  }
+
+  void copyTo(Picture& picture) const {
+    for (int32_t y = 0; y < picture.height(); ++y) {
+      std::memcpy(picture.row(y), record_->plane[0] + ptrdiff_t{record_->pitch[0]} * y,
+                  static_cast<size_t>(picture.pitch()));
+    }
+  }
+
+ private:
+  QPXWaterFallHandle* handle_ = nullptr;
+  MBitmap* record_ = nullptr;
+};
+
+void waterfall(const WaterfallArguments& arguments) {
+  std::vector<Stroke> strokes;
+  int64_t points = 0;
+  for (const std::string& text : arguments.strokes) {
+    strokes.push_back(parseStroke(text));
+    points += static_cast<int64_t>(strokes.back().size());
+  }
+  changePicture(arguments.files, [&](Picture picture, Progress& progress) {
+    ProgressShare share(progress, kEffectSteps);
+    share.expect(points);
+    Waterfall running(picture, arguments);
+    for (size_t i = 0; i < strokes.size(); ++i) {
+      running.draw(strokes[i], arguments.strokes[i], share);
+    }
+    running.copyTo(picture);
+    return picture;
+  });
+}
+
+}  // namespace
+
+void addWaterfallCommand(CLI::App& app) {
+  const auto arguments = std::make_shared<WaterfallArguments>();
+  CLI::App* command =
+      app.add_subcommand("waterfall", "Let a picture run along the strokes of a finger");
+  addOnePictureOptions(*command, arguments->files);
+  command
+      ->add_option("--stroke", arguments->strokes,
+                   "Points of a stroke in pixels, in quotes; may be given several times")
+      ->required()
+      ->take_all()
+      ->expected(1)
+      ->check(notEmpty())
+      ->type_name("\"X,Y X,Y...\"");
+  command->add_option("--radius", arguments->radius, "Half the stroke's width (default 20)")
+      ->check(CLI::Range(1, 1 << 30));
+  command
+      ->add_option("--length", arguments->length, "Pixels that run into one another (default 40)")
+      ->check(CLI::Range(2, 1 << 30));
+  command->footer(
+      "Pixels run in the direction of the stroke, whichever way it is drawn. Points may\n"
+      "lie outside the picture. Exif data, colour profile, density and alpha are kept.\n\n"
+      "Example:\n"
+      "  qpx waterfall photo.jpg silk.jpg --stroke \"60,0 80,600\" --radius 60 --length 120");
+  command->callback([arguments] { waterfall(*arguments); });
+}
+
+}  // namespace qpx::tool
