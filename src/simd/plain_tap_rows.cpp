@@ -36,7 +36,7 @@ void rounded4(const Taps& taps, uint32_t* dst, ptrdiff_t count) {
 }
 
 void offsets(const int32_t* u, const int32_t* v, int32_t* dst, ptrdiff_t count, int fraction,
-                    int32_t pitch, int32_t bytes) {
+             int32_t pitch, int32_t bytes) {
   for (ptrdiff_t i = 0; i < count; ++i) {
     dst[i] = (v[i] >> fraction) * pitch + (u[i] >> fraction) * bytes;
   }

@@ -55,14 +55,14 @@ struct TapRows {
 };
 
 #define QPX_TAP_ROWS(ROW, Table) \
-  ROW(Table, acrossFirst3) \
-  ROW(Table, acrossFirst4) \
-  ROW(Table, downFirst3) \
-  ROW(Table, downFirst4) \
-  ROW(Table, oneSum3) \
-  ROW(Table, oneSum4) \
-  ROW(Table, rounded3) \
-  ROW(Table, rounded4) \
+  ROW(Table, acrossFirst3)       \
+  ROW(Table, acrossFirst4)       \
+  ROW(Table, downFirst3)         \
+  ROW(Table, downFirst4)         \
+  ROW(Table, oneSum3)            \
+  ROW(Table, oneSum4)            \
+  ROW(Table, rounded3)           \
+  ROW(Table, rounded4)           \
   ROW(Table, offsets)
 QPX_DECLARE_ROWS(TapRows, QPX_TAP_ROWS)
 

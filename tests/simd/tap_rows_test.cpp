@@ -95,10 +95,10 @@ TEST_P(TapRowsTest, OffsetsEqualThePlainForm) {
   for (const int fraction : {10, 16}) {
     for (ptrdiff_t count = 0; count <= kMost; ++count) {
       std::vector<int32_t> plain(kMost + 1, 7), vector(kMost + 1, 7);
-      plainForm<TapRows>().offsets(block.u.data(), block.v.data(), plain.data(), count, fraction, 12001,
-                             3);
-      vectorForm<TapRows>().offsets(block.u.data(), block.v.data(), vector.data(), count, fraction, 12001,
-                              3);
+      plainForm<TapRows>().offsets(block.u.data(), block.v.data(), plain.data(), count, fraction,
+                                   12001, 3);
+      vectorForm<TapRows>().offsets(block.u.data(), block.v.data(), vector.data(), count, fraction,
+                                    12001, 3);
       ASSERT_EQ(plain, vector);
       for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
         ASSERT_EQ(plain[i], (block.v[i] >> fraction) * 12001 + (block.u[i] >> fraction) * 3);
