@@ -34,7 +34,7 @@ uint32_t fillPixel(uint32_t color, uint32_t format) {
   const uint32_t second = color >> 8 & 255;
   const uint32_t third = color & 255;
   const uint32_t fourth = color & 0xFF000000;
-  const bool reversed = (format & kByteOrderBit) != 0;
+  const bool reversed = (format & kReversedOrder) != 0;
   return reversed ? third | second << 8 | first << 16 | fourth
                   : first | second << 8 | third << 16 | fourth;
 }

@@ -72,7 +72,7 @@ void levelImage(const MBitmap& src, const MBitmap& dst, const Level& level, doub
 int32_t checkFormats(const MBitmap& src, const MBitmap& dst, bool* served) {
   *served = isRgb(src.format);
   if (!*served) return src.format == dst.format ? QPX_OK : QPX_BAD_PARAM;
-  const bool sameBytes = ((src.format ^ dst.format) & ~kByteOrderBit) == 0;
+  const bool sameBytes = ((src.format ^ dst.format) & ~kReversedOrder) == 0;
   return sameBytes ? QPX_OK : QPX_BAD_PARAM;
 }
 
