@@ -71,8 +71,8 @@ int rowTerm(const Stage& stage, int32_t y) {
 int columnTerm(const Stage& stage, int32_t x) { return rowTerm(stage, stage.inHeight + x); }
 
 int polaroidRowTerm(const Stage& stage, int32_t y) {
-  int16_t term;
-  std::memcpy(&term, stage.lut + kPolaroidTerms + 2 * ptrdiff_t{y}, 2);
+  int32_t term;
+  std::memcpy(&term, stage.lut + kPolaroidTerms + 4 * ptrdiff_t{y}, 4);
   return term;
 }
 
