@@ -301,6 +301,40 @@ typedef struct QPXPosteriseParam {
   int32_t levels; /* 2 ... 16 for each channel */
 } QPXPosteriseParam;
 
+/* What levels do to one channel, or to all three. All zero changes nothing. */
+typedef struct QPXLevelRange {
+  int32_t black; /* 0 ... 254: the sample that becomes black */
+  int32_t white; /* 0 ... 255: the sample that becomes white; no more than black acts as 255 */
+  double gamma;  /* 0.1 ... 10: above 1 the middle is lighter; 0 acts as 1 */
+} QPXLevelRange;
+
+/* 0x6F00, levels. */
+typedef struct QPXToneLevelsParam {
+  QPXLevelRange master; /* behind the channels' own */
+  QPXLevelRange red;
+  QPXLevelRange green;
+  QPXLevelRange blue;
+  int32_t outputBlack; /* 0 ... 255: what black becomes in the end */
+  int32_t outputWhite; /* 0 ... 255: what white becomes; no more than outputBlack acts as 255 */
+  int32_t mode;        /* 0: all; 1: master alone; 2: the channels' own alone */
+  int32_t reserved;
+} QPXToneLevelsParam;
+
+/* A curve through up to seven points, x ascending. No points: the curve changes nothing. */
+typedef struct QPXCurvePoints {
+  uint8_t count; /* 0 ... 7; 1 acts as 0 */
+  uint8_t reserved;
+  uint8_t point[7][2]; /* x and y */
+} QPXCurvePoints;
+
+/* 0x7000, curves. */
+typedef struct QPXCurveParam {
+  QPXCurvePoints master; /* behind the channels' own */
+  QPXCurvePoints red;
+  QPXCurvePoints green;
+  QPXCurvePoints blue;
+} QPXCurveParam;
+
 /* 0x7100, brightness and contrast by one smooth curve. */
 typedef struct QPXSmoothContrastParam {
   int32_t brightness; /* -100 ... 100; 0 is neutral */

@@ -11,6 +11,7 @@
 #include <qpx/heap_check.h>
 #include <qpx/image.h>
 #include <qpx/kernels.h>
+#include <qpx/kernels_adjust.h>
 #include <qpx/kernels_curves.h>
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>

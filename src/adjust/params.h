@@ -12,6 +12,58 @@ constexpr QPXParamInfo amountParam(const char* name, const char* summary, size_t
   return intParam(name, summary, "percent", offset, -100, 100, initial);
 }
 
+// A group of levels. Its offsets come from the place of the group in the record.
+constexpr std::array<QPXParamInfo, 3> levelRange(const char* black, const char* white,
+                                                 const char* gamma, size_t at, int32_t clip) {
+  return {intParam(black, "The sample that becomes black.", "", at + offsetof(QPXLevelRange, black),
+                   0, 254, clip),
+          intParam(white, "The sample that becomes white.", "", at + offsetof(QPXLevelRange, white),
+                   0, 255, 255 - clip),
+          doubleParam(gamma, "Above 1 the middle is lighter.", "",
+                      at + offsetof(QPXLevelRange, gamma), 0.1, 10, 1)};
+}
+
+static_assert(sizeof(QPXToneLevelsParam) == 80);
+inline constexpr std::array<QPXParamInfo, 15> kToneLevelsParams = [] {
+  const std::array<QPXParamInfo, 3> groups[] = {
+      levelRange("black", "white", "gamma", offsetof(QPXToneLevelsParam, master), 16),
+      levelRange("redBlack", "redWhite", "redGamma", offsetof(QPXToneLevelsParam, red), 0),
+      levelRange("greenBlack", "greenWhite", "greenGamma", offsetof(QPXToneLevelsParam, green), 0),
+      levelRange("blueBlack", "blueWhite", "blueGamma", offsetof(QPXToneLevelsParam, blue), 0)};
+  std::array<QPXParamInfo, 15> params = {};
+  for (size_t i = 0; i < 12; ++i) params[i] = groups[i / 3][i % 3];
+  params[12] = intParam("outputBlack", "What black becomes.", "",
+                        offsetof(QPXToneLevelsParam, outputBlack), 0, 255, 0);
+  params[13] = intParam("outputWhite", "What white becomes.", "",
+                        offsetof(QPXToneLevelsParam, outputWhite), 0, 255, 255);
+  params[14] = intParam("mode", "0: all; 1: master alone; 2: the channels' own alone.", "",
+                        offsetof(QPXToneLevelsParam, mode), 0, 2, 0);
+  return params;
+}();
+
+// The points of a curve, x and y in turn; the names follow the field.
+#define QPX_CURVE_POINT(field, name, i, x, y)                            \
+  byteParam(name "X" #i, "Where point " #i " is.", "",                   \
+            offsetof(QPXCurveParam, field.point) + 2 * (i - 1), 255, x), \
+      byteParam(name "Y" #i, "What it becomes.", "",                     \
+                offsetof(QPXCurveParam, field.point) + 2 * (i - 1) + 1, 255, y)
+#define QPX_CURVE_POINTS(field, name, used, x2, y2, x3, y3)                                        \
+  byteParam(name "Points", "How many points there are.", "", offsetof(QPXCurveParam, field.count), \
+            7, used),                                                                              \
+      QPX_CURVE_POINT(field, name, 1, 0, 0), QPX_CURVE_POINT(field, name, 2, x2, y2),              \
+      QPX_CURVE_POINT(field, name, 3, x3, y3), QPX_CURVE_POINT(field, name, 4, 255, 255),          \
+      QPX_CURVE_POINT(field, name, 5, 255, 255), QPX_CURVE_POINT(field, name, 6, 255, 255),        \
+      QPX_CURVE_POINT(field, name, 7, 255, 255)
+
+static_assert(sizeof(QPXCurveParam) == 64);
+inline constexpr QPXParamInfo kCurveParams[] = {
+    QPX_CURVE_POINTS(master, "master", 4, 64, 48, 192, 208),
+    QPX_CURVE_POINTS(red, "red", 0, 64, 64, 192, 192),
+    QPX_CURVE_POINTS(green, "green", 0, 64, 64, 192, 192),
+    QPX_CURVE_POINTS(blue, "blue", 0, 64, 64, 192, 192)};
+#undef QPX_CURVE_POINTS
+#undef QPX_CURVE_POINT
+
 static_assert(sizeof(QPXSmoothContrastParam) == 8);
 inline constexpr QPXParamInfo kSmoothContrastParams[] = {
     amountParam("brightness", "Lighter or darker.", offsetof(QPXSmoothContrastParam, brightness),
@@ -34,7 +86,7 @@ inline constexpr QPXParamInfo kDefinitionParams[] = {
     amountParam("amount", "Above 0 more local contrast, below 0 less.",
                 offsetof(QPXDefinitionParam, amount), 50),
     intParam("windowSize", "Side of the window that is compared with.", "pixels",
-             offsetof(QPXDefinitionParam, windowSize), 1, 255, 31)};
+             offsetof(QPXDefinitionParam, windowSize), 1, 511, 31)};
 
 static_assert(sizeof(QPXTonalRangesParam) == 32);
 constexpr QPXParamInfo tonalRange(const char* name, const char* summary, size_t offset,
@@ -82,7 +134,7 @@ inline constexpr QPXParamInfo kVibranceParams[] = {
 static_assert(sizeof(QPXGaussBlurParam) == 4);
 inline constexpr QPXParamInfo kGaussBlurParams[] = {
     intParam("kernelSize", "Side of the window.", "pixels", offsetof(QPXGaussBlurParam, kernelSize),
-             1, 255, 15)};
+             1, 383, 15)};
 
 static_assert(sizeof(QPXSelectiveColorParam) == 148);
 static_assert(offsetof(QPXSelectiveColorParam, amounts[3][0]) == 27 * 4);
@@ -171,7 +223,7 @@ inline constexpr QPXParamInfo kUnsharpMaskParams[] = {
     intParam("threshold", "Differences up to this stay as they are.", "",
              offsetof(QPXUnsharpMaskParam, threshold), 0, 255, 3),
     intParam("radius", "Width of the blur that is compared with.", "pixels",
-             offsetof(QPXUnsharpMaskParam, radius), 0, 255, 3)};
+             offsetof(QPXUnsharpMaskParam, radius), 0, 191, 3)};
 
 static_assert(sizeof(QPXColorTemperatureParam) == 12);
 inline constexpr QPXParamInfo kColorTemperatureParams[] = {

@@ -2,23 +2,33 @@
 #include "adjust/adjust.h"
 
 #include "adjust/params.h"
+#include "adjust/sharpening.h"
+#include "toolkit/row_ring.h"
 
 namespace qpx {
 namespace {
 
 constexpr EffectRow kEffects[] = {
-    {.id = 0x7400,
+    {.id = kDefinition,
      .name = "Definition",
      .title = "Definition",
      .summary = "Local contrast against the mean of a window; negative amounts smooth.",
      .formats = kTakesRgb,
-     .record = {sizeof(QPXDefinitionParam), adjust::kDefinitionParams}},
-    {.id = 0x7B00,
+     .record = {sizeof(QPXDefinitionParam), adjust::kDefinitionParams},
+     .margin = {.rule = QPX_MARGIN_RECORD, .measure = definitionMargin},
+     .setup = setUpDefinition,
+     .kernels = {{{kTakesRgb, definition}}},
+     .resetStream = forgetRing},
+    {.id = kGaussBlur,
      .name = "GaussBlur",
      .title = "Gaussian blur",
      .summary = "Blurs with a Gaussian of a given size.",
      .formats = kTakesRgb,
-     .record = {sizeof(QPXGaussBlurParam), adjust::kGaussBlurParams}},
+     .record = {sizeof(QPXGaussBlurParam), adjust::kGaussBlurParams},
+     .margin = {.rule = QPX_MARGIN_RECORD, .measure = gaussBlurMargin},
+     .setup = setUpGaussBlur,
+     .kernels = {{{kTakesRgb, gaussBlur}}},
+     .resetStream = forgetRing},
     {.id = 0x9B00,
      .name = "RemoveEdge",
      .title = "Edge fade",
@@ -26,12 +36,16 @@ constexpr EffectRow kEffects[] = {
                 "there is one.",
      .formats = kTakesRgb,
      .record = {.size = 28}},
-    {.id = 0xAE00,
+    {.id = kUnsharpMask,
      .name = "SharpenUSM",
      .title = "Unsharp mask",
      .summary = "Sharpens by the difference from a Gaussian blur, above a threshold.",
      .formats = kTakesRgb,
-     .record = {sizeof(QPXUnsharpMaskParam), adjust::kUnsharpMaskParams}},
+     .record = {sizeof(QPXUnsharpMaskParam), adjust::kUnsharpMaskParams},
+     .margin = {.rule = QPX_MARGIN_RECORD, .measure = unsharpMaskMargin},
+     .setup = setUpUnsharpMask,
+     .kernels = {{{kTakesRgb, unsharpMask}}},
+     .resetStream = forgetRing},
 };
 static_assert(idsAscend(kEffects));
 

@@ -30,4 +30,12 @@ int32_t callOnFrame(QPXStage* publicStage, const MRect* rect, QPXRowTable* outRo
   return body(Frame{stage, cut, outRows, inRows, nullptr, nullptr});
 }
 
+// The same for kernels that read the record and tables of one effect: 2 on any other stage.
+template <typename Body>
+int32_t callOnFrameOf(uint32_t effectId, QPXStage* publicStage, const MRect* rect,
+                      QPXRowTable* outRows, QPXRowTable* inRows, const Body& body) {
+  if (publicStage != nullptr && publicStage->effectId != effectId) return QPX_BAD_PARAM;
+  return callOnFrame(publicStage, rect, outRows, inRows, body);
+}
+
 }  // namespace qpx

@@ -66,6 +66,23 @@ constexpr NullCall kRotationCalls[] = {
 
 uint8_t unownedTable[768];
 
+constexpr NullCall kAdjustCalls[] = {
+    QPX_NULL_CALL(Levels_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Curve_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(newBrightnessContrast_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(exposure_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(HighlightBrightDarkShadow_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SeparateTone_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ChannelMixer_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColorBalance_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ColorTemperature_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(GaussBlur_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(SharpenUSM_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Definition_RGB, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(UpdateBoxSums24, (8, 0, 8, nullptr, nullptr, 0, 3) == 2),
+    QPX_NULL_CALL(UpdateBoxSums32, (8, 0, 8, nullptr, nullptr, 0, 3) == 2),
+};
+
 constexpr NullCall kEngineCalls[] = {
     QPX_NULL_CALL(QPXCreate, (nullptr, nullptr, nullptr, nullptr) == 2),
     QPX_NULL_CALL(QPXCreateIn, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
@@ -386,8 +403,8 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskSize"};
 
 constexpr std::span<const NullCall> kAllCalls[] = {
-    kImageCalls,   kEngineCalls, kRotationCalls,   kSmearCalls, kStreamCalls,  kStringCalls,
-    kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls,   kPlatformCalls};
+    kAdjustCalls, kImageCalls,   kEngineCalls, kRotationCalls,   kSmearCalls, kStreamCalls,
+    kStringCalls, kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls,   kPlatformCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

@@ -120,12 +120,14 @@ TEST(Catalogue, FindsNothingUnderOtherIds) {
 
 TEST(Catalogue, EffectsSayHowMuchNeighbourhoodTheyRead) {
   const std::map<uint32_t, QPXMarginRule> rules = {
-      {0x1B00, QPX_MARGIN_RECORD},   {0x4200, QPX_MARGIN_RECORD},
-      {0x5200, QPX_MARGIN_RECORD},   {0x5400, QPX_MARGIN_RECORD},
-      {0x5C00, QPX_MARGIN_RECORD},   {0x6500, QPX_MARGIN_RECORD},
-      {0x8000, QPX_MARGIN_RECORD},   {0x5700, QPX_MARGIN_FORMAT},
-      {0x5A00, QPX_MARGIN_PICTURE},  {0x5900, QPX_MARGIN_WHOLE_IMAGE},
-      {0x4400, QPX_MARGIN_ROTATION}, {0xA200, QPX_MARGIN_ROTATION}};
+      {0x1B00, QPX_MARGIN_RECORD},      {0x4200, QPX_MARGIN_RECORD},
+      {0x5200, QPX_MARGIN_RECORD},      {0x5400, QPX_MARGIN_RECORD},
+      {0x5C00, QPX_MARGIN_RECORD},      {0x6500, QPX_MARGIN_RECORD},
+      {0x7400, QPX_MARGIN_RECORD},      {0x7B00, QPX_MARGIN_RECORD},
+      {0xAE00, QPX_MARGIN_RECORD},      {0x8000, QPX_MARGIN_RECORD},
+      {0x5700, QPX_MARGIN_FORMAT},      {0x5A00, QPX_MARGIN_PICTURE},
+      {0x5900, QPX_MARGIN_WHOLE_IMAGE}, {0x4400, QPX_MARGIN_ROTATION},
+      {0xA200, QPX_MARGIN_ROTATION}};
   const std::set<uint32_t> oneRow = {0x1E00, 0x3F00, 0x5300};
   for (const EffectRow* row : allRows()) {
     const auto rule = rules.find(row->id);

@@ -74,6 +74,7 @@ class Engine {
                                      MRect* made) const;
 
  private:
+  bool isAllMargin(const MRect& part) const;
   ::testing::AssertionResult runWarp(const Picture& in, Picture& out,
                                      std::span<const int32_t> heights) const;
   void layOverlay(const Picture& picture, QPXFilterRecord* record);

@@ -22,7 +22,10 @@ KernelFrame::KernelFrame(uint32_t format) {
   stage_.record = stage_.param.bytes;
 }
 
-KernelFrame::~KernelFrame() { MMemFree(nullptr, stage_.lut); }
+KernelFrame::~KernelFrame() {
+  MMemFree(nullptr, stage_.lut);
+  MMemFree(nullptr, stage_.scratch2);
+}
 
 int32_t KernelFrame::setUp(uint32_t id) {
   effect_ = findEffect(id);
