@@ -6,45 +6,19 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <utility>
 #include <vector>
 
+#include "adjust/packed_pictures.h"
 #include "support/failing_memory.h"
-#include "support/kernel_frame.h"
 
 namespace qpx::testing {
 namespace {
-
-constexpr uint32_t kFormats[] = {QPX_FORMAT_BGR24, QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32,
-                                 QPX_FORMAT_RGBA32};
 
 struct Shape {
   int32_t width, height;
 };
 constexpr Shape kShapes[] = {{1, 1}, {2, 5}, {7, 3}, {37, 29}, {70, 11}};
-
-int32_t pixelBytes(const Picture& picture) {
-  return picture.format() == QPX_FORMAT_BGR24 || picture.format() == QPX_FORMAT_RGB24 ? 3 : 4;
-}
-
-uint8_t* sampleAt(const Picture& picture, int32_t x, int32_t y, int32_t channel) {
-  const MBitmap bitmap = picture.bitmap();
-  const int32_t column = std::clamp(x, 0, picture.width() - 1);
-  const int32_t row = std::clamp(y, 0, picture.height() - 1);
-  return bitmap.plane[0] + ptrdiff_t{row} * bitmap.pitch[0] + column * pixelBytes(picture) +
-         channel;
-}
-
-// A stage of the picture's size, set up.
-template <typename Record>
-std::unique_ptr<KernelFrame> frameOf(const Picture& picture, uint32_t id, const Record& record) {
-  auto frame = std::make_unique<KernelFrame>(picture.format());
-  frame->stage().inWidth = frame->stage().outWidth = picture.width();
-  frame->stage().inHeight = frame->stage().outHeight = picture.height();
-  EXPECT_EQ(frame->setUp(id, record), QPX_OK);
-  return frame;
-}
 
 Picture sourceOf(uint32_t format, const Shape& shape) {
   Picture source(format, shape.width, shape.height, Placement::exact);
@@ -101,7 +75,7 @@ class LiteralBlur {
 };
 
 TEST(GaussBlur, IsTheWeightedMeanOfRowsThenColumns) {
-  for (const uint32_t format : kFormats) {
+  for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       for (const int32_t size : {2, 3, 4, 7, 20, 41}) {
         const Picture source = sourceOf(format, shape);
@@ -159,7 +133,7 @@ TEST(GaussBlur, OfOnePixelAndOfAFlatPictureIsACopy) {
 
 TEST(UnsharpMask, MovesWhatIsAboveTheThreshold) {
   const QPXUnsharpMaskParam params[] = {{120, 3, 3}, {500, 0, 1}, {37, 40, 6}, {100, 254, 2}};
-  for (const uint32_t format : kFormats) {
+  for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       for (const QPXUnsharpMaskParam& param : params) {
         const Picture source = sourceOf(format, shape);
@@ -193,7 +167,7 @@ TEST(UnsharpMask, WithoutAmountOrAboveNoThresholdIsACopy) {
 TEST(Definition, MovesSamplesByTheirDifferenceFromTheWindow) {
   const QPXDefinitionParam params[] = {{100, 3, 0}, {-100, 5, 0}, {50, 21, 0}, {-33, 8, 0},
                                        {300, 3, 0}, {-101, 3, 0}, {1, 33, 0}};
-  for (const uint32_t format : kFormats) {
+  for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       for (const QPXDefinitionParam& param : params) {
         const Picture source = sourceOf(format, shape);
@@ -247,11 +221,6 @@ TEST(Neighbourhoods, InPlaceGiveTheSameBytes) {
   check(kGaussBlur, QPXGaussBlurParam{9});
   check(kUnsharpMask, QPXUnsharpMaskParam{200, 2, 5});
   check(kDefinition, QPXDefinitionParam{80, 11, 0});
-}
-
-template <auto kKernel>
-int32_t byName(const Frame& frame) {
-  return kKernel(&frame.stage, &frame.rect, frame.out, frame.in);
 }
 
 TEST(Neighbourhoods, KernelsByNameTakeStagesOfTheirEffectAlone) {
