@@ -131,7 +131,7 @@ struct Material {
     const MBitmap texture = textureRecord(blocks);
     MBitmap target = textureRecord(merged);
     const MRect whole = {0, 0, kWidth, kHeight};
-    const QPXEtcPoint origin = {0, 0};
+    const MPoint origin = {0, 0};
     TEXPK_Merge_ETC(&target, &texture, &texture, &whole, &origin, 0.5f);
   }
 };

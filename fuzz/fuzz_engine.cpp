@@ -54,11 +54,15 @@ struct List {
   bool warps = false;
 };
 
-// Wherever the first picture of a filter record is, it must be a picture or null.
+// Wherever records hold a picture of the host's, it must be a picture or null.
 void clearPointer(std::vector<uint8_t>* bytes) {
-  if (bytes->size() != sizeof(QPXFilterRecord)) return;
   const MBitmap* none = nullptr;
-  std::memcpy(bytes->data() + offsetof(QPXFilterRecord, overlayImage), &none, sizeof none);
+  if (bytes->size() == sizeof(QPXFilterRecord)) {
+    std::memcpy(bytes->data() + offsetof(QPXFilterRecord, overlayImage), &none, sizeof none);
+  }
+  if (bytes->size() == sizeof(QPXRemoveEdgeParam)) {
+    std::memcpy(bytes->data() + offsetof(QPXRemoveEdgeParam, selection), &none, sizeof none);
+  }
 }
 
 void addItem(FuzzedDataProvider& data, List* list) {

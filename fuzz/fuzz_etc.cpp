@@ -110,7 +110,7 @@ void cropAndMerge(FuzzedDataProvider& data) {
   const Texture base = sameSize ? Texture(data, target.width, target.height) : Texture(data);
   const MRect rect = {pickCoordinate(data), pickCoordinate(data), pickCoordinate(data),
                       pickCoordinate(data)};
-  const QPXEtcPoint origin = {pickCoordinate(data), pickCoordinate(data)};
+  const MPoint origin = {pickCoordinate(data), pickCoordinate(data)};
   const float alpha = data.ConsumeBool() ? data.ConsumeFloatingPointInRange(0.0f, 1.0f)
                                          : data.ConsumeFloatingPoint<float>();
   const std::vector<uint8_t> before = target.blocks.copy();

@@ -144,6 +144,7 @@ typedef struct QPXFeatherParam {
   int32_t radius; /* pixels, 0 ... 100; 0 copies */
   int32_t unused;
 } QPXFeatherParam;
+
 /* 0x5E00 nostalgic, 0x5F00 vintage, 0x6000 deep quiet, 0x6100 cold blue, 0x6200 Gothic, 0x6300
  * purple, 0x6400 vintage black and white: toned looks that darken towards the corners. All zero is
  * the look as it is meant, without darkened corners where it has a mode. */
@@ -370,9 +371,11 @@ typedef struct QPXTonalRangesParam {
 typedef struct QPXColorRangeParam {
   int32_t colorIndex; /* 0 red, 1 orange, 2 yellow, 3 green, 4 aqua, 5 blue, 6 purple, 7 magenta;
                          others change nothing */
-  int32_t hue;        /* -100 ... 100; 0 is neutral, as below */
+  int32_t hue;        /* -100 ... 100: a quarter of the range's width either way in its middle, none
+                         at its ends; 0 is neutral, as below */
   int32_t saturation; /* percent, -100 ... 100 */
-  int32_t lightness;  /* percent, -100 ... 100 */
+  int32_t lightness;  /* percent, -100 ... 100: most at mid value; above 0 lighter, but darker for
+                         aqua, blue and purple */
 } QPXColorRangeParam;
 
 /* 0x7800, split toning. */
@@ -408,6 +411,37 @@ typedef struct QPXSphereParam {
   float
       strength; /* 0 ... 1 bulges, up to a half sphere; below 0 radians, the other way; 0 copies */
 } QPXSphereParam;
+
+/* A range of hues, which changes fully from fullFrom to fullTo and fades out towards `from` and
+ * `to`: degrees in the order of the hue circle (red, yellow, green, cyan, blue, magenta), perhaps
+ * past 360. All four 0 stand for the range's usual place, at which the six ranges add up to one
+ * everywhere. */
+typedef struct QPXHueRange {
+  int32_t hue;        /* degrees added, -180 ... 180; 0 is neutral, as below */
+  int32_t saturation; /* percent, -100 ... 100: from none to two and a half times as much */
+  int32_t brightness; /* percent, -100 ... 100: towards the pixel's least or largest channel */
+  int32_t from;
+  int32_t fullFrom;
+  int32_t fullTo;
+  int32_t to;
+} QPXHueRange;
+
+/* 0x7F00, hue, saturation and brightness by hue. What a hue gains is the sum of all that holds for
+ * it. Greys only take part in the input's tones. */
+typedef struct QPXHsbAdjustParam {
+  int32_t hue;        /* of all colours: degrees added, -180 ... 180 */
+  int32_t saturation; /* of all colours, -100 ... 100 */
+  int32_t brightness; /* of all colours, -100 ... 100 */
+  QPXHueRange red;
+  QPXHueRange yellow;
+  QPXHueRange green;
+  QPXHueRange cyan;
+  QPXHueRange blue;
+  QPXHueRange magenta;
+  int32_t inputBrightness; /* of all tones, before anything else: -100 ... 100, 0 neutral */
+  int32_t inputContrast;   /* likewise */
+  int32_t reserved[2];
+} QPXHsbAdjustParam;
 
 /* 0x8000, fringe removal. */
 typedef struct QPXFringeRemovalParam {
@@ -447,6 +481,29 @@ typedef struct QPXColorBalanceParam {
   int32_t keepLuminosity; /* non-zero: lightness stays */
 } QPXColorBalanceParam;
 
+/* 0x9B00, edge fade, 28 bytes on every target: two windows of hues, each of 180 degrees in percent,
+ * whose colours fade to grey. Hues up to 20 degrees beyond a window fade less and less; those
+ * behind stay as they are. All zero changes nothing. */
+#pragma pack(push, 4)
+typedef struct QPXRemoveEdgeParam {
+  int32_t left;  /* 0 ... 90: where the window of blue and purple begins, from 200 degrees on; below
+                    0 acts as 0, above 90 as 90 */
+  int32_t right; /* 10 ... 100: where it ends; at least 10 above `left` */
+  int32_t top;   /* 0 ... 90: the window of yellow and green, from 20 degrees on, likewise */
+  int32_t bottom;         /* 10 ... 100; at least 10 above `top` */
+  uint8_t strength;       /* percent, 0 ... 100: how far colours of the first window fade */
+  uint8_t secondStrength; /* percent, 0 ... 100: those of the second */
+  uint8_t reservedBytes[2];
+  union {
+    const MBitmap* mask; /* null, or a grey picture of 8 bits: how much of the fade shows, 255 for
+                            all. It has exactly the size of each rectangle that is processed; for
+                            any other nothing is written. Read while bands are processed and never
+                            copied: it stays the host's and must live as long as the engine */
+    uint32_t reservedWords[2];
+  } selection;
+} QPXRemoveEdgeParam;
+#pragma pack(pop)
+
 /* 0x9D00 Hudson, 0x9E00 Brannan, 0x9F00 Toaster, 0xA000 Lo-fi, 0xA100 Valencia. */
 typedef struct QPXMapLookParam {
   int32_t intensity; /* percent, 0 ... 150; beyond 100 the look is overdone on purpose */
@@ -459,9 +516,15 @@ typedef struct QPXCrayonParam {
 
 /* 0xAD00, complexion. */
 typedef struct QPXComplexionParam {
-  int32_t radiusSize; /* pixels of the window's side; below 1 the smallest window */
+  int32_t radiusSize; /* pixels of the window's side, 0 ... 63; below 4 the smallest window, of 3 */
   int32_t reserved[5];
 } QPXComplexionParam;
+
+/* 0x9900, vibrance and saturation. */
+typedef struct QPXVibranceSaturationParam {
+  int32_t vibrance;   /* percent, -100 ... 100: weak colours first; both 0 copy */
+  int32_t saturation; /* percent, -100 ... 100: all colours alike */
+} QPXVibranceSaturationParam;
 
 /* 0xAE00, unsharp mask. */
 typedef struct QPXUnsharpMaskParam {

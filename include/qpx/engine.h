@@ -112,7 +112,9 @@ QPX_API int32_t QPXMultProcessIn(QPXEngine* handle, const MBitmap* out, const MB
 
 /* With an all-zero outRect: the output that the input rectangle gives. Otherwise: the input that
  * the output rectangle needs. Both are snapped to the picture's edges. For the rotated effects it
- * also fixes the rectangle that the next QPXProcess makes. Returns 0, or 2 for a null argument. */
+ * also fixes the rectangle that the next QPXProcess makes, and the input is cut to the size of the
+ * output: where the input is larger, hand over planes of the whole input. Returns 0, or 2 for a
+ * null argument. */
 QPX_API int32_t QPXCalcRect(QPXEngine* handle, MRect* outRect, MRect* inRect);
 
 /* Makes the next band start a new stream. Returns 0, or 2 for a null handle. */

@@ -34,12 +34,6 @@ typedef enum QPXEtcQuality {
   QPX_ETC_SLOW = 1  /* both ways to halve a block and two ways to choose base colours */
 } QPXEtcQuality;
 
-/* A place in pixels. */
-typedef struct QPXEtcPoint {
-  int32_t x;
-  int32_t y;
-} QPXEtcPoint;
-
 /* Whole images. */
 
 /* Compresses `src`, 24-bit RGB with sides that are multiples of 4, into the block at
@@ -60,7 +54,7 @@ QPX_API int32_t TEXPK_Uncompress_ETC(const MBitmap* src, MBitmap* dst);
  * `src` and `dst` must not overlap. Returns 0, also where nothing is left to copy; 2 for a null
  * argument or plane, another format, or coordinates that break these rules. */
 QPX_API int32_t TEXPK_Crop_ETC(const MBitmap* src, MBitmap* dst, const MRect* srcRect,
-                               const QPXEtcPoint* dstOrigin);
+                               const MPoint* dstOrigin);
 
 /* Copies the compressed image `base` over `dst`, which has its size, and blends the blocks of
  * `rect`, which lies inside `overlay`, into `dst` at `origin`, as by TEXPKABlock; what falls
@@ -69,7 +63,7 @@ QPX_API int32_t TEXPK_Crop_ETC(const MBitmap* src, MBitmap* dst, const MRect* sr
  * for a null argument or plane, another format, coordinates that break these rules or an alpha
  * outside 0 ... 1. */
 QPX_API int32_t TEXPK_Merge_ETC(MBitmap* dst, const MBitmap* overlay, const MBitmap* base,
-                                const MRect* rect, const QPXEtcPoint* origin, float alpha);
+                                const MRect* rect, const MPoint* origin, float alpha);
 
 /* Blocks of an RGB image: `image` has rows of width * 3 bytes without padding, (x, y) is the top
  * left pixel of a 4 x 4 block, which lies inside the image at any place. */

@@ -5,7 +5,7 @@
  *
  * Parameters come from the stage's own record and tables. Calls on distinct rectangles of one stage
  * may run at the same time in several threads, unless a kernel says otherwise. All return 0, or 2
- * for a null argument; what else they return is told with each. */
+ * for a null argument; what else they return is stated with each. */
 #ifndef QPX_KERNELS_H_
 #define QPX_KERNELS_H_
 

@@ -2,10 +2,10 @@
  * stage's picture, from `inRows` to `outRows`: row tables of the stage's format, indexed by image
  * row. The rectangle is cut to the picture.
  *
- * All take BGR24, RGB24, BGRA32 and RGBA32, and copy alpha; on a stage of another format they write
- * nothing and return 0. The stage is one that QPXCreate made for the effect whose id is given; its
- * tables are only read, so that calls on distinct rectangles may run at the same time in several
- * threads. All return 0, or 2 for a null argument or a stage of another effect. */
+ * Those named _RGB take BGR24, RGB24, BGRA32 and RGBA32, and copy alpha; on a stage of another
+ * format they write nothing and return 0. The stage is one that QPXCreate made for the effect whose
+ * id is given; its tables are only read, so that calls on distinct rectangles may run at the same
+ * time in several threads. All return 0, or 2 for a null argument or a stage of another effect. */
 #ifndef QPX_KERNELS_ADJUST_H_
 #define QPX_KERNELS_ADJUST_H_
 
@@ -70,6 +70,91 @@ QPX_API int32_t ColorBalance_RGB(QPXStage* stage, const MRect* rect, QPXRowTable
 /* 0x11500, QPXColorTemperatureParam. Warmer or cooler light; 5000 kelvin copies. */
 QPX_API int32_t ColorTemperature_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                      QPXRowTable* inRows);
+
+/* 0x7300, QPXSaturationParam. Colours spread from the mean of their extremes, in HSL; 0 copies and
+ * -100 leaves greys. The _NV21 form converts by full-range BT.601 in ten fractional bits, whatever
+ * the colorimetry; the chroma of a block comes from its top-left pixel, and pictures of other
+ * formats are left alone. */
+QPX_API int32_t Saturation_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                               QPXRowTable* inRows);
+QPX_API int32_t Saturation_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                QPXRowTable* inRows);
+
+/* 0x7700, QPXColorRangeParam. Hue, saturation and lightness of one range of hues, in HSV. Pixels of
+ * other hues are copied, and all pixels for an index of no range; those of the range are made again
+ * from whole degrees, so that neutral amounts change them by up to 8 levels, on average by less
+ * than one. Greys count as reds and oranges, and lose up to 1 level of green and blue there. */
+QPX_API int32_t HSLColor_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                             QPXRowTable* inRows);
+
+/* 0x7900, QPXVibranceParam. Colourfulness in CIELAB; 0 copies. Lightness goes through 116 steps and
+ * linear light through 256, so that other values change all tones by some levels. */
+QPX_API int32_t NaturalSaturation_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                      QPXRowTable* inRows);
+
+/* 0x7F00, QPXHsbAdjustParam. Hue, saturation and brightness by hue, in HSL. All pixels are made
+ * again from whole degrees of hue, so that neutral amounts change colours by up to 6 levels, on
+ * average by less than one; greys stay as they are. */
+QPX_API int32_t HSBAdjust_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                              QPXRowTable* inRows);
+
+/* 0x9900, QPXVibranceSaturationParam. As 0x7900, with saturation beside vibrance; both 0 copy. */
+QPX_API int32_t NewNaturalSaturation_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                         QPXRowTable* inRows);
+
+/* 0x7C00, QPXSelectiveColorParam. The inks of nine classes of colours change, in proportion to what
+ * a colour holds of its class. A colour that belongs to several classes takes the changes of all.
+ * SelectiveColorFilter1995_RGB is the same under the name by which a look knows it;
+ * SelectiveColorAbsolute_RGB adds and takes inks in absolute amounts. */
+QPX_API int32_t SelectiveColor_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                   QPXRowTable* inRows);
+QPX_API int32_t SelectiveColorFilter1995_RGB(QPXStage* stage, const MRect* rect,
+                                             QPXRowTable* outRows, QPXRowTable* inRows);
+QPX_API int32_t SelectiveColorAbsolute_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                           QPXRowTable* inRows);
+
+/* 0x9B00, QPXRemoveEdgeParam. Colours of two windows of hues fade to grey. Returns 2 for a mask
+ * that is not a grey picture of 8 bits of the size of the rectangle, as cut to the picture. */
+QPX_API int32_t RemoveEdge_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                               QPXRowTable* inRows);
+
+/* 0xAD00, QPXComplexionParam. Smooths skin by a bilateral mean and lifts the middle tones of the
+ * whole picture a little. Reads half a window of rows and columns around the rectangle, as far as
+ * the picture has them: rows beyond repeat its edge, columns beyond do not count. The forms for
+ * NV21 and YUYV take these formats alone and write nothing in others; they know skin by the chroma
+ * that is there, and work on its colours in full-range BT.601. Return 4 for no memory. */
+QPX_API int32_t ComplexionOptimizing_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                         QPXRowTable* inRows);
+QPX_API int32_t ComplexionOptimizing_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                          QPXRowTable* inRows);
+QPX_API int32_t ComplexionOptimizing_YUYV(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                                          QPXRowTable* inRows);
+
+/* 0xE900, QPXFilterRecord. Even, warm skin by the inks of reds and yellows, mixed with the source
+ * at the record's intensity. */
+QPX_API int32_t SkinTone_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
+                             QPXRowTable* inRows);
+
+/* Whitens skin in an NV21 preview, in place, block by block of 2 x 2 pixels. A last row or column
+ * that is no whole block stays as it is.
+ *
+ * `image`: width, height, planes and pitches 0 and 2 count; plane 2 is the one of V, U pairs.
+ * `mask`: how much of each pixel is skin, 0 ... 255, of the image's size, rows maskPitch bytes
+ * apart. `target`: 256 bytes, the luma that each luma becomes where the mask is full. `strength`:
+ * of the change of chroma, 256 for all of it. U rises by 9 at most, V by 4; neither falls, and U
+ * from 128 on and V below 129 stay.
+ *
+ * Return 0, also for an image without a block, or 2 for a null argument or plane. Touch no state;
+ * the three are one function. */
+QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU(const MBitmap* image, const uint8_t* mask,
+                                              int32_t maskPitch, const uint8_t* target,
+                                              int32_t strength);
+QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU_neon(const MBitmap* image, const uint8_t* mask,
+                                                   int32_t maskPitch, const uint8_t* target,
+                                                   int32_t strength);
+QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU_ARMv7(const MBitmap* image, const uint8_t* mask,
+                                                    int32_t maskPitch, const uint8_t* target,
+                                                    int32_t strength);
 
 /* Sums of square windows, moved down by one row, for pixels of 3 and of 4 bytes. `sums` holds three
  * planes of `width` sums, of bytes 0, 1 and 2 of the pixels; those of columns firstColumn ...

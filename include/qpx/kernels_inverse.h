@@ -4,7 +4,8 @@
  *
  * _RGB24 takes BGR24 and RGB24, _NV21 NV21, converted as by the looks' own YUV forms; on a stage of
  * another format a kernel writes nothing and returns 0. In YUV a rectangle's top and left are even.
- * Each look is undone at one strength, told below: what was filtered at another comes back changed.
+ * Each look is undone at one strength, given below: what was filtered at another comes back
+ * changed.
  *
  * The stage is one that QPXCreate made for the effect whose id is given, of the same size as the
  * picture that was filtered, so that textures lie where the look laid them. Its tables are only

@@ -108,7 +108,7 @@ QPX_API int32_t QPXRotateDestroy(QPXRotateHandle* handle);
  * Both records have one format: BGR24, RGB24, BGRA32 or RGBA32, or two of them that differ in the
  * order of bytes alone, which is then copied as it is. Any other format that both have does nothing
  * and returns 0. Returns 2 as above, for formats that do not go together, for a `dst` larger than
- * `src` and for an angle that is no finite number; 3 for sides above 65,535 pixels; 4 for no
+ * `src` and for an angle that is no finite number; 3 for sides above 65,536 pixels; 4 for no
  * memory. Takes 8 bytes of memory for each pixel of the longer side of `src`. */
 QPX_API int32_t QPX_Straighten(const MBitmap* src, MBitmap* dst, double angle, int32_t bilinear);
 

@@ -7,7 +7,7 @@
 #include "adjust/tone_effects.h"
 #include "adjust/tone_tables.h"
 #include "filters/point/table_kernel.h"
-#include "toolkit/hsv.h"
+#include "simd/hsv_math.h"
 #include "toolkit/kernel_call.h"
 #include "toolkit/pixel_run.h"
 

@@ -211,6 +211,22 @@ inline constexpr QPXParamInfo kColorBalanceParams[] = {
     flagParam("keepLuminosity", "1: lightness stays.",
               offsetof(QPXColorBalanceParam, keepLuminosity), true)};
 
+static_assert(sizeof(QPXRemoveEdgeParam) == 28);
+static_assert(offsetof(QPXRemoveEdgeParam, selection) == 20);
+inline constexpr QPXParamInfo kRemoveEdgeParams[] = {
+    intParam("left", "Where the window of blue and purple begins.", "percent",
+             offsetof(QPXRemoveEdgeParam, left), 0, 90, 30),
+    intParam("right", "Where it ends.", "percent", offsetof(QPXRemoveEdgeParam, right), 10, 100,
+             75),
+    intParam("top", "Where the window of yellow and green begins.", "percent",
+             offsetof(QPXRemoveEdgeParam, top), 0, 90, 40),
+    intParam("bottom", "Where it ends.", "percent", offsetof(QPXRemoveEdgeParam, bottom), 10, 100,
+             75),
+    byteParam("strength", "How far blue and purple fade.", "percent",
+              offsetof(QPXRemoveEdgeParam, strength), 100, 100),
+    byteParam("secondStrength", "How far yellow and green fade.", "percent",
+              offsetof(QPXRemoveEdgeParam, secondStrength), 100, 60)};
+
 static_assert(sizeof(QPXComplexionParam) == 24);
 inline constexpr QPXParamInfo kComplexionParams[] = {
     intParam("radiusSize", "Side of the window that skin is smoothed over.", "pixels",
@@ -229,5 +245,55 @@ static_assert(sizeof(QPXColorTemperatureParam) == 12);
 inline constexpr QPXParamInfo kColorTemperatureParams[] = {
     intParam("kelvin", "Below 5000 cooler, above it warmer.", "kelvin",
              offsetof(QPXColorTemperatureParam, kelvin), 4000, 6000, 5600)};
+
+constexpr QPXParamInfo degreesParam(const char* name, const char* summary, size_t offset,
+                                    double initial) {
+  return intParam(name, summary, "degrees", offset, -180, 180, initial);
+}
+
+constexpr QPXParamInfo angleParam(const char* name, const char* summary, size_t offset) {
+  return intParam(name, summary, "degrees", offset, 0, 360, 0);
+}
+
+// The names follow the field; what shows the effect at first is more of greens.
+#define QPX_HUE_RANGE(field, RANGE, turned, saturated)                                            \
+  degreesParam(#field "Hue", "Turns " RANGE ".", offsetof(QPXHsbAdjustParam, field.hue), turned), \
+      amountParam(#field "Saturation", "Stronger or weaker " RANGE ".",                           \
+                  offsetof(QPXHsbAdjustParam, field.saturation), saturated),                      \
+      amountParam(#field "Brightness", "Lighter or darker " RANGE ".",                            \
+                  offsetof(QPXHsbAdjustParam, field.brightness), 0),                              \
+      angleParam(#field "From", "Where " RANGE " begin; all four 0 for their usual place.",       \
+                 offsetof(QPXHsbAdjustParam, field.from)),                                        \
+      angleParam(#field "FullFrom", "Where " RANGE " begin to change fully.",                     \
+                 offsetof(QPXHsbAdjustParam, field.fullFrom)),                                    \
+      angleParam(#field "FullTo", "Where " RANGE " end to change fully.",                         \
+                 offsetof(QPXHsbAdjustParam, field.fullTo)),                                      \
+      angleParam(#field "To", "Where " RANGE " end.", offsetof(QPXHsbAdjustParam, field.to))
+
+static_assert(sizeof(QPXHsbAdjustParam) == 196);
+inline constexpr QPXParamInfo kHsbAdjustParams[] = {
+    degreesParam("hue", "Turns all colours.", offsetof(QPXHsbAdjustParam, hue), 0),
+    amountParam("saturation", "Stronger or weaker colours.",
+                offsetof(QPXHsbAdjustParam, saturation), 0),
+    amountParam("brightness", "Lighter or darker colours; greys stay.",
+                offsetof(QPXHsbAdjustParam, brightness), 0),
+    QPX_HUE_RANGE(red, "reds", 0, 0),
+    QPX_HUE_RANGE(yellow, "yellows", 0, 0),
+    QPX_HUE_RANGE(green, "greens", 10, 40),
+    QPX_HUE_RANGE(cyan, "cyans", 0, 20),
+    QPX_HUE_RANGE(blue, "blues", 0, 30),
+    QPX_HUE_RANGE(magenta, "magentas", 0, 0),
+    amountParam("inputBrightness", "Lighter or darker tones, before all else.",
+                offsetof(QPXHsbAdjustParam, inputBrightness), 0),
+    amountParam("inputContrast", "More or less contrast, before all else.",
+                offsetof(QPXHsbAdjustParam, inputContrast), 0)};
+#undef QPX_HUE_RANGE
+
+static_assert(sizeof(QPXVibranceSaturationParam) == 8);
+inline constexpr QPXParamInfo kVibranceSaturationParams[] = {
+    amountParam("vibrance", "Stronger or weaker colours, weak ones first.",
+                offsetof(QPXVibranceSaturationParam, vibrance), 50),
+    amountParam("saturation", "Stronger or weaker colours, all alike.",
+                offsetof(QPXVibranceSaturationParam, saturation), 15)};
 
 }  // namespace qpx::adjust

@@ -2,17 +2,20 @@
 #include "adjust/adjust.h"
 
 #include "adjust/params.h"
+#include "adjust/selective_color.h"
 
 namespace qpx {
 namespace {
 
 constexpr EffectRow kEffects[] = {
-    {.id = 0x7C00,
+    {.id = kSelectiveColor,
      .name = "SelectiveColor",
      .title = "Selective colour",
      .summary = "Cyan, magenta, yellow and black of nine colour classes.",
      .formats = kTakesRgb,
-     .record = {sizeof(QPXSelectiveColorParam), adjust::kSelectiveColorParams}},
+     .record = {sizeof(QPXSelectiveColorParam), adjust::kSelectiveColorParams},
+     .setup = setUpSelectiveColor,
+     .kernels = {{{kTakesRgb, selectiveColor}}}},
 };
 static_assert(idsAscend(kEffects));
 

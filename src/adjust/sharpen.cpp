@@ -2,6 +2,7 @@
 #include "adjust/adjust.h"
 
 #include "adjust/params.h"
+#include "adjust/remove_edge.h"
 #include "adjust/sharpening.h"
 #include "toolkit/row_ring.h"
 
@@ -29,13 +30,16 @@ constexpr EffectRow kEffects[] = {
      .setup = setUpGaussBlur,
      .kernels = {{{kTakesRgb, gaussBlur}}},
      .resetStream = forgetRing},
-    {.id = 0x9B00,
+    {.id = kRemoveEdge,
      .name = "RemoveEdge",
      .title = "Edge fade",
-     .summary = "Keeps a window of the picture and fades what lies outside, through a mask if "
-                "there is one.",
+     .summary =
+         "Fades coloured fringes along edges to grey, by their hue and through a mask if there "
+         "is one.",
      .formats = kTakesRgb,
-     .record = {.size = 28}},
+     .record = {sizeof(QPXRemoveEdgeParam), adjust::kRemoveEdgeParams},
+     .setup = setUpRemoveEdge,
+     .kernels = {{{kTakesRgb, removeEdge}}}},
     {.id = kUnsharpMask,
      .name = "SharpenUSM",
      .title = "Unsharp mask",

@@ -19,6 +19,7 @@ enum class ColorModel : uint32_t {
 
 // RGB: the first field sits in the lowest bits.
 inline constexpr uint32_t kReversedOrder = 0x1000;
+constexpr uint32_t withoutOrder(uint32_t format) { return format & ~kReversedOrder; }
 // YUV: planes of their own for Y, U and V.
 inline constexpr uint32_t kPlanarLayout = 0x800;
 

@@ -60,8 +60,8 @@ void setGreyPixelInfo(PixInfo* info) {
 uint32_t formatGroup(const PixInfo& pix) {
   switch (pix.family) {
     case kFamilyPackedRgb:
-      if ((pix.format & ~kReversedOrder) == QPX_FORMAT_BGR24) return QPX_TAKES_RGB24;
-      if ((pix.format & ~kReversedOrder) == QPX_FORMAT_BGRA32) return QPX_TAKES_RGB32;
+      if (withoutOrder(pix.format) == QPX_FORMAT_BGR24) return QPX_TAKES_RGB24;
+      if (withoutOrder(pix.format) == QPX_FORMAT_BGRA32) return QPX_TAKES_RGB32;
       return pix.format == QPX_FORMAT_RGB565 ? QPX_TAKES_RGB565 : QPX_TAKES_RGB_ANY;
     case 2:
     case 4:

@@ -4,6 +4,9 @@
 #include <kesbase.h>
 #include <qpx/stage.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include "engine/effect_row.h"
 
 namespace qpx {
@@ -39,6 +42,13 @@ struct Stage : QPXStage {
   uint32_t mergedTraits;  // what the point effects merged into this stage tell its kernel
   bool inputTablesValid;  // input tables still fit the plane pointers of this call
 };
+
+// Bytes of so many rows or entries; more than there can be where they pass the address space, so
+// that asking for them fails.
+inline size_t blockBytes(int64_t count, int64_t bytesEach) {
+  const auto most = static_cast<int64_t>(SIZE_MAX / 4);
+  return count > most / bytesEach ? SIZE_MAX : static_cast<size_t>(count * bytesEach);
+}
 
 // Blocks that die with their scope unless released.
 class Scratch {

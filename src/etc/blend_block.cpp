@@ -14,6 +14,15 @@ namespace {
 
 using simd::EtcWords;
 
+// Sums and products of 32 bits that wrap round.
+constexpr int32_t wrapped(int64_t value) {
+  return static_cast<int32_t>(static_cast<uint32_t>(value));
+}
+
+constexpr int32_t dividedBy255(int32_t v) { return wrapped(int64_t{v} + (v >> 8) + 128) >> 8; }
+constexpr int32_t to4Bits(int32_t sample) { return dividedBy255(wrapped(int64_t{sample} * 15)); }
+constexpr int32_t to5Bits(int32_t sample) { return dividedBy255(wrapped(int64_t{sample} * 31)); }
+
 int32_t mixed(int32_t overlay, int32_t base, BlendWeights weights) {
   return (weights.base * base + weights.overlay * overlay) >> 10;
 }
@@ -100,16 +109,9 @@ int32_t TEXPKABlock(uint32_t word0, uint32_t word1, uint32_t word2, uint32_t wor
   return QPX_OK;
 }
 
-namespace {
-
-// Sums and products of 32 bits that wrap round.
-int32_t wrapped(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
-
-}  // namespace
-
-int32_t divideBy255(int32_t v) { return wrapped(int64_t{v} + (v >> 8) + 128) >> 8; }
-int32_t convert8To4(int32_t x) { return divideBy255(wrapped(int64_t{x} * 15)); }
-int32_t convert8To5(int32_t x) { return divideBy255(wrapped(int64_t{x} * 31)); }
+int32_t divideBy255(int32_t v) { return dividedBy255(v); }
+int32_t convert8To4(int32_t x) { return to4Bits(x); }
+int32_t convert8To5(int32_t x) { return to5Bits(x); }
 
 uint32_t read_big_endian_4byte_word(const uint8_t* bytes) {
   return bytes == nullptr ? 0 : simd::readBigEndian(bytes);

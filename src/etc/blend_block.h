@@ -14,8 +14,4 @@ struct BlendWeights {
 
 simd::EtcWords blendBlocks(simd::EtcWords overlay, simd::EtcWords base, BlendWeights weights);
 
-constexpr int32_t dividedBy255(int32_t v) { return (v + (v >> 8) + 128) >> 8; }
-constexpr int32_t to4Bits(int32_t sample) { return dividedBy255(sample * 15); }
-constexpr int32_t to5Bits(int32_t sample) { return dividedBy255(sample * 31); }
-
 }  // namespace qpx::etc

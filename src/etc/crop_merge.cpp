@@ -12,7 +12,7 @@ using namespace qpx::etc;
 
 namespace {
 
-bool areBlockMultiples(const MRect& rect, const QPXEtcPoint& origin) {
+bool areBlockMultiples(const MRect& rect, const MPoint& origin) {
   return isBlockMultiple(rect.left) && isBlockMultiple(rect.top) && isBlockMultiple(rect.right) &&
          isBlockMultiple(rect.bottom) && isBlockMultiple(origin.x) && isBlockMultiple(origin.y);
 }
@@ -30,7 +30,7 @@ struct Placed {
 };
 
 // What of it lies inside an image of this size.
-Placed clipped(const MRect& rect, const QPXEtcPoint& origin, const MBitmap& to) {
+Placed clipped(const MRect& rect, const MPoint& origin, const MBitmap& to) {
   const int64_t left = std::max(origin.x, 0), top = std::max(origin.y, 0);
   const int64_t right = std::min<int64_t>(int64_t{origin.x} + rect.right - rect.left, to.width);
   const int64_t bottom = std::min<int64_t>(int64_t{origin.y} + rect.bottom - rect.top, to.height);
@@ -61,7 +61,7 @@ void blendRow(const uint8_t* overlay, uint8_t* out, int64_t blocks, BlendWeights
 }  // namespace
 
 int32_t TEXPK_Crop_ETC(const MBitmap* src, MBitmap* dst, const MRect* srcRect,
-                       const QPXEtcPoint* dstOrigin) {
+                       const MPoint* dstOrigin) {
   if (!isCompressed(src) || !isCompressed(dst) || srcRect == nullptr || dstOrigin == nullptr ||
       !areBlockMultiples(*srcRect, *dstOrigin) || !liesInside(*srcRect, *src)) {
     return QPX_BAD_PARAM;
@@ -77,7 +77,7 @@ int32_t TEXPK_Crop_ETC(const MBitmap* src, MBitmap* dst, const MRect* srcRect,
 }
 
 int32_t TEXPK_Merge_ETC(MBitmap* dst, const MBitmap* overlay, const MBitmap* base,
-                        const MRect* rect, const QPXEtcPoint* origin, float alpha) {
+                        const MRect* rect, const MPoint* origin, float alpha) {
   if (!isCompressed(dst) || !isCompressed(overlay) || !isCompressed(base) || rect == nullptr ||
       origin == nullptr || !areBlockMultiples(*rect, *origin) || !liesInside(*rect, *overlay) ||
       dst->width != base->width || dst->height != base->height || !(alpha >= 0 && alpha <= 1)) {

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "engine/format_code.h"
+
 namespace qpx::etc {
 
 constexpr int64_t kSide = 4;
@@ -14,7 +16,7 @@ constexpr ptrdiff_t kBlockBytes = 8;
 constexpr bool isBlockMultiple(int64_t value) { return value % kSide == 0; }
 
 inline bool isRgb24(const MBitmap* image) {
-  return image != nullptr && (image->format & ~0x1000u) == QPX_FORMAT_BGR24 &&
+  return image != nullptr && withoutOrder(image->format) == QPX_FORMAT_BGR24 &&
          image->plane[0] != nullptr;
 }
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
+#include "geometry/turn_math.h"
 #include "simd/rows.h"
 
 namespace qpx {
@@ -68,6 +70,18 @@ class LineWalk {
 };
 
 }  // namespace
+
+Line lineAt(int32_t degrees) {
+  const double radians = radiansOf(degrees);
+  return {static_cast<int32_t>(0.5 + std::fabs(std::cos(radians)) * 256.0),
+          static_cast<int32_t>(0.5 + std::fabs(std::sin(radians)) * 256.0), degrees > 90};
+}
+
+int64_t halfLength(const MBitmap& picture, int32_t length) {
+  const double w = picture.width, h = picture.height;
+  const auto diagonal = static_cast<int64_t>(std::sqrt(w * w + h * h) + 10.0) - 10;
+  return std::min<int64_t>(diagonal, length) >> 1;
+}
 
 void addLine(const LineRows& rows, const Line& line, int64_t first, int64_t last, int32_t y,
              int32_t left, int32_t right, const simd::QuadSums& sums) {

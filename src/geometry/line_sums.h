@@ -2,6 +2,8 @@
 // pixel, so that its steps are shifts of whole rows.
 #pragma once
 
+#include <qpx/types.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -23,6 +25,12 @@ struct Line {
   }
   int64_t down(int64_t t) const { return -((t * stepY) >> 8); }
 };
+
+// The line at an angle of 0 to 179 degrees, anticlockwise from the row's direction.
+Line lineAt(int32_t degrees);
+
+// Steps each way of a line of this length, which a picture's diagonal bounds.
+int64_t halfLength(const MBitmap& picture, int32_t length);
 
 // Pixels of four bytes: three channels and a 1 for a pixel that counts, or four zeros. Rows lie in
 // `slots` places, row y in place y % slots; what a walk meets must be there.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 
 #include "geometry/line_sums.h"
@@ -16,24 +15,15 @@
 namespace qpx {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr int32_t kTile = MaskedLines::kTileWidth;
 static_assert(kTile == SourceWeights::kTileWidth);
 
 int32_t normalised(int32_t angle) { return ((angle % 180) + 180) % 180; }
 
-Line lineAt(int32_t angle) {
-  const double radians = angle * kPi / 180.0;
-  return {static_cast<int32_t>(0.5 + std::fabs(std::cos(radians)) * 256.0),
-          static_cast<int32_t>(0.5 + std::fabs(std::sin(radians)) * 256.0), angle > 90};
-}
-
-int64_t halfLength(const MBitmap& picture, int32_t angle, int32_t length) {
+int64_t halfLengthAt(const MBitmap& picture, int32_t angle, int32_t length) {
   if (angle == 0) return std::min(length, picture.width) >> 1;
   if (angle == 90) return std::min(length, picture.height) >> 1;
-  const double w = picture.width, h = picture.height;
-  const auto diagonal = static_cast<int64_t>(std::sqrt(w * w + h * h) + 10.0) - 10;
-  return std::min<int64_t>(diagonal, length) >> 1;
+  return halfLength(picture, length);
 }
 
 // How far the transition reaches to each side: the more, the longer the line.
@@ -68,7 +58,7 @@ class MotionBlur {
         mask_(mask),
         dst_(dst),
         bytes_(packedRgbBytes(src.format)),
-        half_(halfLength(src, angle, length)),
+        half_(halfLengthAt(src, angle, length)),
         reciprocals_(half_, 0.5),
         lines_(src, {mask.plane[0], mask.pitch[0]}, lineAt(angle), half_),
         weights_(mask, passesFor(half_)) {}
@@ -203,7 +193,7 @@ class MotionBlur {
 
 bool fits(const MBitmap& src, const MBitmap& mask, const MBitmap& dst) {
   const int32_t bytes = packedRgbBytes(src.format);
-  return bytes != 0 && (src.format & ~kReversedOrder) == (dst.format & ~kReversedOrder) &&
+  return bytes != 0 && withoutOrder(src.format) == withoutOrder(dst.format) &&
          mask.format == QPX_FORMAT_GREY8 && hasRows(src, bytes) && hasRows(dst, bytes) &&
          hasRows(mask, 1) && sameSize(src, dst) && sameSize(src, mask);
 }

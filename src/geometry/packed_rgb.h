@@ -13,7 +13,7 @@ namespace qpx {
 
 // Bytes of a pixel of 8-bit channels in either order; 0 for every other format.
 constexpr int32_t packedRgbBytes(uint32_t format) {
-  switch (format & ~kReversedOrder) {
+  switch (withoutOrder(format)) {
     case QPX_FORMAT_BGR24:
       return 3;
     case QPX_FORMAT_BGRA32:
@@ -24,9 +24,17 @@ constexpr int32_t packedRgbBytes(uint32_t format) {
   }
 }
 
+// The formats that turn. A fourth byte without meaning is not among them: fill and border would
+// give it one.
+constexpr bool isBgr(uint32_t format) {
+  return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32;
+}
+
+inline bool hasSize(const MBitmap& bitmap) { return bitmap.width > 0 && bitmap.height > 0; }
+
 // A plane that can be walked: of positive size, its pitch holding a row.
 inline bool hasRows(const MBitmap& bitmap, int32_t bytesPerPixel) {
-  return bitmap.plane[0] != nullptr && bitmap.width > 0 && bitmap.height > 0 &&
+  return bitmap.plane[0] != nullptr && hasSize(bitmap) &&
          bitmap.pitch[0] >= int64_t{bitmap.width} * bytesPerPixel;
 }
 
@@ -38,11 +46,8 @@ inline uint8_t* rowOf(const MBitmap& bitmap, int32_t y) {
   return bitmap.plane[0] + ptrdiff_t{bitmap.pitch[0]} * y;
 }
 
-// Bytes of so many rows or entries; more than there can be where they pass the address space, so
-// that asking for them fails.
-inline size_t blockBytes(int64_t count, int64_t bytesEach) {
-  const auto most = static_cast<int64_t>(SIZE_MAX / 4);
-  return count > most / bytesEach ? SIZE_MAX : static_cast<size_t>(count * bytesEach);
+inline uint8_t* pixelAt(const MBitmap& bitmap, int32_t x, int32_t y, int32_t bytesPerPixel) {
+  return rowOf(bitmap, y) + ptrdiff_t{x} * bytesPerPixel;
 }
 
 }  // namespace qpx

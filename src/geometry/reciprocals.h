@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "engine/stage.h"
-#include "geometry/packed_rgb.h"
 
 namespace qpx {
 

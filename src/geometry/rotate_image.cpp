@@ -7,8 +7,9 @@
 #include <cstring>
 
 #include "engine/stage.h"
-#include "geometry/rgb_picture.h"
+#include "geometry/packed_rgb.h"
 #include "geometry/sampling.h"
+#include "geometry/turn_math.h"
 
 namespace qpx {
 namespace {
@@ -41,10 +42,8 @@ uint32_t fillPixel(uint32_t color, uint32_t format) {
 
 void fillRows(const MBitmap& image, uint8_t value) {
   const auto bytes =
-      static_cast<size_t>(image.width) * static_cast<size_t>(bytesOfRgb(image.format));
-  for (int32_t y = 0; y < image.height; ++y) {
-    std::memset(pixelAt(image, 0, y, 0), value, bytes);
-  }
+      static_cast<size_t>(image.width) * static_cast<size_t>(packedRgbBytes(image.format));
+  for (int32_t y = 0; y < image.height; ++y) std::memset(rowOf(image, y), value, bytes);
 }
 
 void placeBlock(const Turn& turn, int32_t x, int32_t y, SampleBlock& block) {
@@ -77,8 +76,9 @@ void turnImage(const MBitmap& src, const MBitmap& dst, const Turn& turn, double 
 }
 
 int32_t rotateImage(const MBitmap& src, int32_t degrees, uint32_t color, const MBitmap& dst) {
-  if (src.format != dst.format || !isRgb(src.format)) return QPX_BAD_PARAM;
-  if (!hasPixels(src) || !hasPixels(dst)) return QPX_BAD_PARAM;
+  if (src.format != dst.format || !isBgr(withoutOrder(src.format))) return QPX_BAD_PARAM;
+  const int32_t bytes = packedRgbBytes(src.format);
+  if (!hasRows(src, bytes) || !hasRows(dst, bytes)) return QPX_BAD_PARAM;
 
   const int32_t entries = std::max(dst.width, dst.height);
   const Scratch sineTable(static_cast<size_t>(entries) * sizeof(int32_t));
@@ -101,8 +101,8 @@ int32_t rotateImage(const MBitmap& src, int32_t degrees, uint32_t color, const M
       truncated(0.5 + (halfHeight * sine - halfWidth * cosine + (src.width >> 1)) * kUnit),
       truncated(0.5 + (-halfHeight * cosine - halfWidth * sine + (src.height >> 1)) * kUnit)};
   const uint32_t fill = fillPixel(color, src.format);
-  bytesOfRgb(src.format) == 3 ? turnImage<3>(src, dst, turn, radians, fill)
-                              : turnImage<4>(src, dst, turn, radians, fill);
+  bytes == 3 ? turnImage<3>(src, dst, turn, radians, fill)
+             : turnImage<4>(src, dst, turn, radians, fill);
   return QPX_OK;
 }
 

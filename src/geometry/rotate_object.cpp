@@ -7,8 +7,9 @@
 #include <cstring>
 
 #include "engine/stage.h"
-#include "geometry/rgb_picture.h"
+#include "geometry/packed_rgb.h"
 #include "geometry/sampling.h"
+#include "geometry/turn_math.h"
 
 struct QPXRotateHandle {
   int32_t dstW;
@@ -143,7 +144,8 @@ void turnRect(const QPXRotateHandle& handle, const MBitmap& src, const MBitmap& 
 }
 
 bool holds(const MBitmap& image, int32_t width, int32_t height) {
-  return hasPixels(image) && image.width >= width && image.height >= height;
+  return hasRows(image, packedRgbBytes(image.format)) && image.width >= width &&
+         image.height >= height;
 }
 
 int32_t process(const QPXRotateHandle& handle, const MBitmap& src, const MBitmap& dst,
@@ -159,8 +161,8 @@ int32_t process(const QPXRotateHandle& handle, const MBitmap& src, const MBitmap
             std::min(asked->bottom, handle.dstH)};
     if (rect.left >= rect.right || rect.top >= rect.bottom) return QPX_OK;
   }
-  bytesOfRgb(src.format) == 3 ? turnRect<3>(handle, src, dst, rect)
-                              : turnRect<4>(handle, src, dst, rect);
+  packedRgbBytes(src.format) == 3 ? turnRect<3>(handle, src, dst, rect)
+                                  : turnRect<4>(handle, src, dst, rect);
   return QPX_OK;
 }
 

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "geometry/rgb_picture.h"
+#include "geometry/packed_rgb.h"
+#include "geometry/turn_math.h"
 
 namespace qpx {
 namespace {

@@ -64,8 +64,6 @@ int32_t rotateScaled(const Frame& frame) {
   return warpFrame(frame, {param.color, param.repeat != 0});
 }
 
-constexpr MarginPolicy kMargin = {.rule = QPX_MARGIN_ROTATION, .measure = greatestDisplacement};
-
 constexpr EffectRow kEffects[] = {
     {.id = 0x4400,
      .name = "Fx4400",
@@ -73,7 +71,7 @@ constexpr EffectRow kEffects[] = {
      .summary = "Turns the picture by an angle.",
      .record = {sizeof(QPXRotationParam), kRotationParams},
      .flags = QPX_EFFECT_GENERIC | kSupportsRgb | kSupportsYuv | kSupportsGrey | kWarps,
-     .margin = kMargin,
+     .margin = {.rule = QPX_MARGIN_ROTATION, .measure = greatestDisplacement},
      .setup = setUpRotation,
      .generic = rotate},
     {.id = 0xA200,
@@ -82,7 +80,7 @@ constexpr EffectRow kEffects[] = {
      .summary = "Turns and scales the picture and fills what lies outside.",
      .record = {sizeof(QPXScaledRotationParam), kScaledRotationParams},
      .flags = kWarps,
-     .margin = kMargin,
+     .margin = {.rule = QPX_MARGIN_ROTATION},
      .setup = setUpScaledRotation,
      .generic = rotateScaled},
 };

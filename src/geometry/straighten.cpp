@@ -7,14 +7,15 @@
 #include <cstring>
 
 #include "engine/stage.h"
-#include "geometry/rgb_picture.h"
+#include "geometry/packed_rgb.h"
 #include "geometry/sampling.h"
+#include "geometry/turn_math.h"
 
 namespace qpx {
 namespace {
 
 constexpr int kFraction = 16;
-constexpr int32_t kMaxSide = 65535;  // half of it in 16.16 still fits 32 bits
+constexpr int32_t kMaxSide = 65536;  // steps from -32768 to 32767 in 16.16 just fit 32 bits
 
 // Both tables count from the centre of the destination, so they begin below zero.
 struct Level {
@@ -70,9 +71,9 @@ void levelImage(const MBitmap& src, const MBitmap& dst, const Level& level, doub
 
 // 0 and pixels to make, 0 and nothing to do, or 2.
 int32_t checkFormats(const MBitmap& src, const MBitmap& dst, bool* served) {
-  *served = isRgb(src.format);
+  *served = isBgr(withoutOrder(src.format));
   if (!*served) return src.format == dst.format ? QPX_OK : QPX_BAD_PARAM;
-  const bool sameBytes = ((src.format ^ dst.format) & ~kReversedOrder) == 0;
+  const bool sameBytes = withoutOrder(src.format) == withoutOrder(dst.format);
   return sameBytes ? QPX_OK : QPX_BAD_PARAM;
 }
 
@@ -80,7 +81,8 @@ int32_t straighten(const MBitmap& src, const MBitmap& dst, double angle, bool bi
   bool served = false;
   const int32_t result = checkFormats(src, dst, &served);
   if (result != QPX_OK || !served) return result;
-  if (!hasPixels(src) || !hasPixels(dst) || !std::isfinite(angle)) return QPX_BAD_PARAM;
+  const int32_t bytes = packedRgbBytes(src.format);
+  if (!hasRows(src, bytes) || !hasRows(dst, bytes) || !std::isfinite(angle)) return QPX_BAD_PARAM;
   if (dst.width > src.width || dst.height > src.height) return QPX_BAD_PARAM;
   const int32_t entries = std::max(src.width, src.height);
   if (entries > kMaxSide) return QPX_UNSUPPORTED;
@@ -99,8 +101,8 @@ int32_t straighten(const MBitmap& src, const MBitmap& dst, double angle, bool bi
   }
   const Level level = {sines - first,   cosines - first, dst.width >> 1,
                        dst.height >> 1, src.width >> 1,  src.height >> 1};
-  bytesOfRgb(src.format) == 3 ? levelImage<3>(src, dst, level, angle, bilinear)
-                              : levelImage<4>(src, dst, level, angle, bilinear);
+  bytes == 3 ? levelImage<3>(src, dst, level, angle, bilinear)
+             : levelImage<4>(src, dst, level, angle, bilinear);
   return QPX_OK;
 }
 

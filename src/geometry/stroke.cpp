@@ -72,7 +72,7 @@ void paintDisc(const StrokeMask& mask, const MPoint& centre, const Brush& brush)
       const double d = std::sqrt(dx * dx + dy * dy);
       if (d >= outer) continue;
       const double fall = d <= inner ? 0 : (d - inner) * 255.0 / (outer - inner);
-      row[x] = std::max(row[x], static_cast<uint8_t>(255.0 - fall));
+      row[x] = static_cast<uint8_t>(255.0 - fall);
     }
   }
 }
@@ -104,20 +104,19 @@ StrokeRange rangeOver(const Area& area, const MPoint& origin, const Direction& d
 void paintBand(const StrokeMask& mask, const Stroke& stroke, const Direction& direction,
                const Brush& brush) {
   if (mask.area.empty()) return;
-  const auto shift = [](int64_t steps, int32_t step) { return (steps * step + 128) >> 8; };
   const StrokeRange range = rangeOver(mask.area, stroke.first, direction);
   const int64_t steps = static_cast<int64_t>(stroke.length + 0.5);
   const int64_t lastStep = std::min(steps - 1, range.lastStep);
   const int64_t fall = 255 / (2 * brush.feather);
   const int64_t end = std::min(brush.outer, range.farthest + 1);
   for (int64_t k = std::max<int64_t>(0, range.firstStep); k <= lastStep; ++k) {
-    const int64_t x = stroke.first.x - shift(k, direction.cos);
-    const int64_t y = stroke.first.y + shift(k, direction.sin);
+    const int64_t x = stroke.first.x - roundedWay(k, direction.cos);
+    const int64_t y = stroke.first.y + roundedWay(k, direction.sin);
     mask.putTwo(x, y, 255);
     const int64_t begin = std::max(std::min<int64_t>(1, brush.inner), range.nearest);
     for (int64_t j = begin; j < end; ++j) {
       const int64_t value = j < brush.inner ? 255 : 255 - (j - brush.inner) * fall;
-      const int64_t a = shift(j, direction.sin), b = shift(j, direction.cos);
+      const int64_t a = roundedWay(j, direction.sin), b = roundedWay(j, direction.cos);
       mask.putTwo(x - a, y - b, static_cast<uint8_t>(value));
       mask.putTwo(x + a, y + b, static_cast<uint8_t>(value));
     }

@@ -25,6 +25,9 @@ struct Direction {
 };
 Direction directionOf(double degrees, double pi);
 
+// Steps with 8 fractional bits to whole pixels, to the nearest.
+inline int64_t roundedWay(int64_t steps, int32_t step) { return (steps * step + 128) >> 8; }
+
 // Rows and columns first and last, both inside; empty where a last one is before its first.
 struct Area {
   int32_t left, top, right, bottom;
@@ -57,7 +60,7 @@ struct StrokeMask {
   void putTwo(int64_t x, int64_t y, uint8_t value) const;
 };
 
-// A round cap; it leaves what is fuller.
+// A round cap. It goes over what was painted before, with its fading edge too.
 void paintDisc(const StrokeMask& mask, const MPoint& centre, const Brush& brush);
 
 // Lines across the stroke at every step from the first point. Later lines go over earlier ones.

@@ -9,6 +9,7 @@
 #include <new>
 #include <optional>
 
+#include "engine/stage.h"
 #include "geometry/line_sums.h"
 #include "geometry/packed_rgb.h"
 #include "geometry/stroke.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr int32_t kIdle = -2;
 // Single precision, which the directions of strokes are known in.
-constexpr double kPi = 3.1415927f;
+constexpr double kSinglePi = 3.1415927f;
 
 uint8_t* allocate(int64_t rows, int64_t pitch) {
   return static_cast<uint8_t*>(MMemAlloc(nullptr, blockBytes(rows, pitch)));
@@ -105,12 +106,14 @@ void QPXWaterFallHandle::restore() {
   }
 }
 
-// Caps never thin the band, so that a stroke has no notch where two segments meet.
+// Later marks go over earlier ones: the band over the cap at the new point, the cap at the old
+// point over the band. Its fading edge thins the band there, behind the point where two segments
+// meet.
 void QPXWaterFallHandle::prepareSegment(const MPoint& point) {
   restore();
-  const qpx::Stroke stroke = qpx::strokeBetween(*lastPoint, point, qpx::kPi);
+  const qpx::Stroke stroke = qpx::strokeBetween(*lastPoint, point, qpx::kSinglePi);
   const qpx::Brush brush(radius, feather);
-  direction = qpx::directionOf(stroke.degrees, qpx::kPi);
+  direction = qpx::directionOf(stroke.degrees, qpx::kSinglePi);
   dirty = qpx::areaAbout(stroke, brush.outer, mask.width, mask.height);
   progressRow = dirty.top;
   if (dirty.empty()) return;

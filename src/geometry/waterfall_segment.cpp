@@ -13,12 +13,12 @@
 #include "geometry/packed_rgb.h"
 #include "geometry/reciprocals.h"
 #include "geometry/stroke.h"
+#include "geometry/turn_math.h"
 #include "simd/sum_rows.h"
 
 namespace qpx {
 namespace {
 
-constexpr double kPi = 3.1415926535;
 constexpr int32_t kRun = MaskedLines::kTileWidth;
 
 struct Size {
@@ -95,8 +95,7 @@ class Masks {
 
 // Lines across the stroke, a pixel apart, into the first mask.
 void Masks::paint(const Stroke& stroke, const Area& area, int32_t radius) const {
-  const auto shift = [](int64_t steps, int32_t step) { return (steps * step + 128) >> 8; };
-  const double radians = stroke.degrees * kPi / 180.0;
+  const double radians = radiansOf(stroke.degrees);
   const auto cos = static_cast<int32_t>(0.5 + std::fabs(std::cos(radians)) * 256.0);
   const auto sin = static_cast<int32_t>(0.5 + std::fabs(std::sin(radians)) * 256.0);
   const int64_t side = stroke.degrees < 90 ? 1 : -1;
@@ -109,10 +108,10 @@ void Masks::paint(const Stroke& stroke, const Area& area, int32_t radius) const 
   const int64_t steps = static_cast<int64_t>(stroke.length + 0.5);
   const int64_t last = std::min<int64_t>(radius, range.farthest);
   for (int64_t k = std::max<int64_t>(0, range.firstStep); k < steps && k <= range.lastStep; ++k) {
-    const int64_t x = stroke.first.x - side * shift(k, cos);
-    const int64_t y = stroke.first.y + shift(k, sin);
+    const int64_t x = stroke.first.x - side * roundedWay(k, cos);
+    const int64_t y = stroke.first.y + roundedWay(k, sin);
     for (int64_t j = std::max<int64_t>(0, range.nearest); j <= last; ++j) {
-      const int64_t a = side * shift(j, sin), b = shift(j, cos);
+      const int64_t a = side * roundedWay(j, sin), b = roundedWay(j, cos);
       put(x - a, y - b);
       put(x + a, y + b);
     }
@@ -175,18 +174,6 @@ void Masks::soften(const Area& area) const {
   }
 }
 
-Line lineAlong(int32_t degrees) {
-  const double radians = degrees * kPi / 180.0;
-  return {static_cast<int32_t>(0.5 + std::fabs(std::cos(radians)) * 256.0),
-          static_cast<int32_t>(0.5 + std::fabs(std::sin(radians)) * 256.0), degrees >= 90};
-}
-
-int64_t halfLength(const MBitmap& picture, int32_t blurLength) {
-  const double w = picture.width, h = picture.height;
-  const auto diagonal = static_cast<int64_t>(std::sqrt(w * w + h * h) + 10.0) - 10;
-  return std::min<int64_t>(diagonal, blurLength) >> 1;
-}
-
 class Smear {
  public:
   Smear(const MBitmap& src, const MBitmap& dst, const MaskRows& mask, const Stroke& stroke,
@@ -196,7 +183,7 @@ class Smear {
         mask_(mask),
         bytes_(packedRgbBytes(src.format)),
         reciprocals_(halfLength(src, blurLength), 0.0),
-        lines_(src, mask, lineAlong(static_cast<int32_t>(stroke.degrees)),
+        lines_(src, mask, lineAt(static_cast<int32_t>(stroke.degrees)),
                halfLength(src, blurLength)) {}
 
   bool ready() const { return reciprocals_ && lines_; }
@@ -245,8 +232,8 @@ class Smear {
 int32_t check(const MBitmap& src, const MBitmap& dst) {
   const int32_t bytes = packedRgbBytes(src.format);
   if (bytes == 0 || packedRgbBytes(dst.format) == 0) return QPX_UNSUPPORTED;
-  const bool fits = (src.format & ~kReversedOrder) == (dst.format & ~kReversedOrder) &&
-                    hasRows(src, bytes) && hasRows(dst, bytes) && sameSize(src, dst);
+  const bool fits = withoutOrder(src.format) == withoutOrder(dst.format) && hasRows(src, bytes) &&
+                    hasRows(dst, bytes) && sameSize(src, dst);
   return fits ? QPX_OK : QPX_BAD_PARAM;
 }
 

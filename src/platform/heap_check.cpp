@@ -106,7 +106,8 @@ void* HEAPCK_MemAlloc(void* memContext, int32_t size, const char* file, int32_t 
     log(QPX_LOG_DEBUG, kTag,
         "%s_Alloc_OK,  Size = %8d bytes, Entries = %5d, Total Size = %10d bytes, Pointer = 0X%p, "
         "Allocated at: %s, Line: %6d",
-        entry.name, size, heap.entryCount, shown(heap.totalSize), entry.pointer, entry.file, line);
+        textOf(name), size, heap.entryCount, shown(heap.totalSize), entry.pointer, entry.file,
+        line);
   }
   ++heap.entryCount;
   heap.totalSize += size;

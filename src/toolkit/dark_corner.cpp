@@ -77,7 +77,7 @@ void darkenCorners(const Frame& frame, const CornerTerms& terms, const uint8_t* 
 
 int32_t darkenCorners(const Frame& frame) {
   const Stage& stage = frame.stage;
-  if (stage.lut == nullptr) return QPX_BAD_PARAM;
+  if (stage.lut == nullptr || stage.lutSize < 256) return QPX_BAD_PARAM;
   const CornerTerms terms(record<QPXDarkCornerParam>(stage), stage.inWidth, stage.inHeight);
   darkenCorners(frame, terms, stage.lut);
   return QPX_OK;

@@ -39,6 +39,7 @@ _Static_assert(offsetof(QPXFilterRecord, style) == 22, "the third byte");
 _Static_assert(offsetof(QPXFilterRecord, overlayImage) == 24, "behind four bytes");
 _Static_assert(offsetof(QPXFilterRecord, overlayRect) == 36, "on every target");
 _Static_assert(offsetof(QPXFilterRecord, color) == 52, "behind the rectangle");
+_Static_assert(sizeof(QPXRemoveEdgeParam) == 28, "on every target");
 
 _Static_assert(sizeof(QPXSecondPictureParam) == 8, "record of 0x1100");
 _Static_assert(sizeof(QPXColorWashParam) == 8, "record of 0x1200");

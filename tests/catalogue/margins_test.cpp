@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "engine/stage.h"
+#include "engine/warp.h"
 
 namespace qpx {
 namespace {
@@ -54,6 +55,15 @@ TEST(Margins, OfTheFishEyeGoByTheSize) {
   EXPECT_EQ(margin(1, 200), 100);
   EXPECT_EQ(margin(0, -5), 0);
   EXPECT_EQ(margin(INT32_MAX, INT32_MAX), 444758425);  // (sqrt(2) - 1) * (2^30 - 1)
+}
+
+// A rotation with a scale declares none: hosts ask QPXCalcRect for either.
+TEST(Margins, OfTheRotatedEffectsAreTheDisplacementOfOneOfThem) {
+  ASSERT_NE(findEffect(0x4400), nullptr);
+  EXPECT_EQ(findEffect(0x4400)->margin.measure, &greatestDisplacement);
+  ASSERT_NE(findEffect(0xA200), nullptr);
+  EXPECT_EQ(findEffect(0xA200)->margin.measure, nullptr);
+  EXPECT_EQ(findEffect(0xA200)->margin.fixed, 0);
 }
 
 }  // namespace

@@ -37,6 +37,19 @@ TEST(Records, HoldTheirFieldsInOrder) {
   expectWords(0x5B00, {"frameMode", "vignetteMode", "corners", "reach", "centerX", "centerY"});
   expectWords(0x5C00, {"angle", "shape", "blurMode", "focusSize", "transition", "kernelSize",
                        "centerX", "centerY"});
+  for (const uint32_t id : {0x5E00u, 0x5F00u, 0x6000u, 0x6400u}) {
+    expectWords(id, {"mode", "corners", "reach", "centerX", "centerY"});
+  }
+  for (const uint32_t id : {0x6100u, 0x6200u, 0x6300u}) {
+    expectWords(id, {"corners", "reach", "centerX", "centerY"}, 4);
+  }
+  expectWords(0x6700, {"hue"});
+  expectWords(0x6A00, {"brightness"});
+  expectWords(0x6E00, {"greenGain", "blueGain", "exposure", "contrast", "warmth"});
+  for (const uint32_t id : {0xA800u, 0xAC00u}) expectWords(id, {"strength"});
+  for (const uint32_t id : {0xA900u, 0xAA00u, 0xAB00u}) {
+    expectWords(id, {"curveStrength", "maskStrength"});
+  }
   expectWords(0x6500, {"centerX", "centerY", "radius"});
   expectWords(0x6D00, {"levels"});
   expectWords(0x7100, {"brightness", "contrast"});

@@ -155,6 +155,28 @@ TEST(Warp, CalcRectBoundsTheSourceOfTheRectangle) {
   }
 }
 
+// The middle of the input starts at (10, 8). Its rectangle is cut to the output's 10 x 8 pixels, so
+// the host hands over the whole input.
+TEST(Warp, OutputSmallerThanTheInputShowsItsMiddle) {
+  const RotatedRecord record = {0.0};
+  Engine engine(formatOf(3), {10, 8}, {30, 24}, {rotation(record)});
+  ASSERT_EQ(engine.result(), 0);
+  MRect out = {};
+  MRect in = {};
+  ASSERT_EQ(QPXCalcRect(engine.get(), &out, &in), 0);
+  EXPECT_EQ(out.right, 10);
+  EXPECT_EQ(out.bottom, 8);
+  EXPECT_EQ(in.left, 8);
+  EXPECT_EQ(in.top, 6);
+  EXPECT_EQ(in.right, 10);
+  EXPECT_EQ(in.bottom, 8);
+  Picture source = Picture::random(30, 24, 3, 1);
+  const Picture result = rotatedWhole(engine.get(), source, {10, 8});
+  for (int32_t y = 0; y < 8; ++y) {
+    for (int32_t i = 0; i < 30; ++i) ASSERT_EQ(result.at(0, y)[i], source.at(10, 8 + y)[i]);
+  }
+}
+
 TEST(Warp, SenselessRectanglesAreRefused) {
   const RotatedRecord record = {10.0};
   Engine engine(formatOf(3), {8, 8}, {8, 8}, {rotation(record)});

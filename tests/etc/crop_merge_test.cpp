@@ -25,8 +25,7 @@ struct Texture {
 
 // Calls place(from x, from y, to x, to y) for each block that lands inside.
 template <typename Place>
-void forEachPlaced(const MRect& rect, const QPXEtcPoint& origin, const Texture& to,
-                   const Place& place) {
+void forEachPlaced(const MRect& rect, const MPoint& origin, const Texture& to, const Place& place) {
   for (int y = rect.top; y < rect.bottom; y += 4) {
     for (int x = rect.left; x < rect.right; x += 4) {
       const int64_t toX = int64_t{origin.x} + x - rect.left;
@@ -47,7 +46,7 @@ void put(std::vector<uint8_t>& blocks, int width, int x, int y, const Words& wor
 
 struct Placing {
   MRect rect;
-  QPXEtcPoint origin;
+  MPoint origin;
 };
 
 // Rectangles inside 24 x 16, at places in and around 16 x 20.
@@ -93,7 +92,7 @@ TEST(CropEtc, KeepsPixelsToTheByte) {
   std::vector<uint8_t> part(24 * 20 / 2);
   MBitmap to = recordOf(part, 24, 20);
   const MRect rect = {12, 8, 36, 28};
-  const QPXEtcPoint origin = {0, 0};
+  const MPoint origin = {0, 0};
   ASSERT_EQ(QPX_OK, TEXPK_Crop_ETC(&from, &to, &rect, &origin));
   const Image whole = decompressed(blocks, 64, 48), cropped = decompressed(part, 24, 20);
   for (int y = 0; y < 20; ++y) {
@@ -131,7 +130,7 @@ TEST(MergeEtc, OutsideLeavesACopyOfTheBase) {
   const MBitmap over = overlay.record(), under = base.record();
   MBitmap to = target.record();
   const MRect rect = {0, 0, 24, 16};
-  for (const QPXEtcPoint& origin : {QPXEtcPoint{16, 0}, {0, 20}, {-24, 0}, {0, -16}}) {
+  for (const MPoint& origin : {MPoint{16, 0}, {0, 20}, {-24, 0}, {0, -16}}) {
     target.blocks.assign(target.blocks.size(), 0);
     EXPECT_EQ(QPX_OK, TEXPK_Merge_ETC(&to, &over, &under, &rect, &origin, 1));
     EXPECT_EQ(target.blocks, base.blocks);
@@ -146,7 +145,7 @@ TEST(MergeEtc, LooksLikeAMixOfThePictures) {
                        under = compressed(bottom, QPX_ETC_FAST);
   const MBitmap overlay = recordOf(over, 64, 64), base = recordOf(under, 64, 64);
   const MRect rect = {0, 0, 64, 64};
-  const QPXEtcPoint origin = {0, 0};
+  const MPoint origin = {0, 0};
   const Image a = decompressed(over, 64, 64), b = decompressed(under, 64, 64);
   for (const float alpha : {0.0f, 0.25f, 0.5f, 0.75f, 1.0f}) {
     std::vector<uint8_t> out(over.size());
@@ -165,7 +164,7 @@ class RefusedPlacing : public ::testing::Test {
  protected:
   // Both calls answer `code` and leave the target alone.
   void expect(int32_t code, const MBitmap& source, const MBitmap& target, const MRect& rect,
-              const QPXEtcPoint& origin) {
+              const MPoint& origin) {
     MBitmap to = target;
     EXPECT_EQ(code, TEXPK_Crop_ETC(&source, &to, &rect, &origin));
     EXPECT_EQ(code, TEXPK_Merge_ETC(&to, &source, &base_, &rect, &origin, 0.5f));
@@ -176,7 +175,7 @@ class RefusedPlacing : public ::testing::Test {
   std::vector<uint8_t> blocks_ = target_.blocks;
   MBitmap from_ = source_.record(), to_ = target_.record(), base_ = under_.record();
   MRect rect_ = {4, 4, 16, 12};
-  QPXEtcPoint origin_ = {4, 8};
+  MPoint origin_ = {4, 8};
 };
 
 TEST_F(RefusedPlacing, ForCoordinatesThatAreNoMultiplesOfABlock) {

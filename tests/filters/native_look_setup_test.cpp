@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -75,6 +76,28 @@ TEST_P(Corners, ParametersMoveThem) {
   EXPECT_GT(sumOf({1, 0, 0, 50, 0}, 0, 50), sumOf({1, 0, 0, 50, 0}, 199, 50));
   EXPECT_GT(sumOf({1, 0, 0, 0, 50}, 100, 0), sumOf({1, 0, 0, 0, 50}, 100, 99));
   EXPECT_EQ(sumOf({1, 0, 0, 100, 0}, 199, 3), sumOf({1, 0, 0, 900, 0}, 199, 3));
+}
+
+// By hand: the clear share of half the squared distances is 0.25, and 0 or 0.5 at the ends of
+// reach.
+TEST_P(Corners, ReachAndShiftCountAsTheySay) {
+  const auto frameFor = [](const QPXCornerLookParam& param, int32_t width, int32_t height) {
+    auto frame = std::make_unique<SizedFrame>(QPX_FORMAT_BGR24, width, height);
+    EXPECT_EQ(frame->setUp(GetParam(), param), QPX_OK);
+    return frame;
+  };
+  // Half of both half sides, where half the squares add up to a quarter.
+  EXPECT_EQ(sumAt(frameFor({1, 0, 0, 0, 0}, 402, 402)->stage(), 301, 301), 128);
+  EXPECT_EQ(sumAt(frameFor({1, 0, 100, 0, 0}, 401, 301)->stage(), 200, 150), 128);
+  EXPECT_NEAR(sumAt(frameFor({1, 0, -100, 0, 0}, 402, 301)->stage(), 401, 150), 128, 4);
+  // A shift by 100 percent puts the clear middle on the edge.
+  const auto shifted = frameFor({1, 0, 0, 100, -100}, 300, 200);
+  for (int32_t x = 1; x < 300; ++x) {
+    ASSERT_LE(columnTerm(shifted->stage(), x), columnTerm(shifted->stage(), x - 1));
+  }
+  for (int32_t y = 1; y < 200; ++y) {
+    ASSERT_GE(rowTerm(shifted->stage(), y), rowTerm(shifted->stage(), y - 1));
+  }
 }
 
 TEST_P(Corners, PicturesOfOnePixelAreClearAndEmptyOnesHaveNoTerms) {
@@ -322,6 +345,47 @@ TEST(NativeLookSetup, SepiaSortsTheChannels) {
   EXPECT_EQ(out.rgb(0, 0).r, 200);
   EXPECT_EQ(out.rgb(0, 0).g, 84);  // (197 * 50 + 59 * 200) / 256 = 84.57
   EXPECT_EQ(out.rgb(0, 0).b, 50);
+}
+
+// What the film's record makes of its tables: the tone at 0, light of red at 256, of blue at 768.
+TEST(ReversalFilm, ParametersMoveItsCurves) {
+  const auto tableOf = [](const QPXReversalFilmParam& param, size_t at) {
+    SizedFrame frame(QPX_FORMAT_BGR24, 8, 8);
+    EXPECT_EQ(frame.setUp(0x6E00, param), QPX_OK);
+    return std::vector<uint8_t>(frame.stage().lut + at, frame.stage().lut + at + 256);
+  };
+  const std::vector<uint8_t> straight = tableOf({0, 0, 0, -100, 0}, 0);
+  for (size_t i = 0; i < 256; ++i) ASSERT_EQ(straight[i], i);
+  const std::vector<uint8_t> film = tableOf({}, 0);
+  EXPECT_EQ(film[64], 52);
+  EXPECT_EQ(film[192], 208);
+  EXPECT_EQ(tableOf({0, 0, 0, 100, 0}, 0)[64], 40) << "twice the film's lean";
+  EXPECT_EQ(tableOf({0, 0, 100, -100, 0}, 0)[128],
+            170);  // 255 * 200 * 128 / (200 * 128 + 100 * 127)
+  EXPECT_EQ(tableOf({0, 0, -100, -100, 0}, 0)[127], 85);
+
+  const std::vector<uint8_t> red = tableOf({}, 256), blue = tableOf({}, 768);
+  const std::vector<uint8_t> warmRed = tableOf({0, 0, 0, 0, 100}, 256);
+  const std::vector<uint8_t> warmBlue = tableOf({0, 0, 0, 0, 100}, 768);
+  const std::vector<uint8_t> coolRed = tableOf({0, 0, 0, 0, -100}, 256);
+  for (size_t i = 0; i < 256; ++i) {
+    ASSERT_EQ(warmRed[i], std::min(red[i] + 24, 255));
+    ASSERT_EQ(warmBlue[i], std::max(blue[i] - 40, 0));
+    ASSERT_EQ(coolRed[i], std::max(red[i] - 24, 0));
+  }
+}
+
+// By hand: at full contrast a quarter falls to three sixteenths. Three tables of 256.
+TEST(SingleColor, ContrastIsAnS) {
+  SizedFrame frame(QPX_FORMAT_BGR24, 8, 8);
+  ASSERT_EQ(frame.setUp(0x5800, QPXSingleColorParam{0, 0, 0, 100, 0, 0, 100}), QPX_OK);
+  for (size_t channel = 0; channel < 3; ++channel) {
+    const uint8_t* table = frame.stage().lut + 256 * channel;
+    EXPECT_EQ(table[64], 48);
+    EXPECT_EQ(table[191], 207);
+    EXPECT_EQ(table[0], 0);
+    EXPECT_EQ(table[255], 255);
+  }
 }
 
 }  // namespace

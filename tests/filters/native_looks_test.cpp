@@ -87,7 +87,7 @@ std::string nameOf(const ::testing::TestParamInfo<KernelCase>& tested) {
 
 // Parameters that bring out every branch of a rule; effects without a record ignore them.
 struct Anything {
-  int32_t words[5];
+  int32_t words[6];
 };
 
 // A stage of a size with the kernel's effect on it, any bytes in its tables.

@@ -138,5 +138,16 @@ TEST(Polaroid, GreysRunFromBlueBlackToCream) {
   EXPECT_GT(white.g, 225);
 }
 
+TEST(Polaroid, ParametersMoveCorners) {
+  const auto sumsOf = [](const QPXPolaroidParam& param, int32_t x, int32_t y) {
+    Film film(QPX_FORMAT_BGR24, 200, 100, param);
+    return sumAt(film.stage(), x, y);
+  };
+  EXPECT_GT(sumsOf({0, 1, 0, 0, 50, 0}, 0, 50), sumsOf({0, 1, 0, 0, 50, 0}, 199, 50));
+  EXPECT_GT(sumsOf({0, 1, 0, 0, 0, 50}, 100, 0), sumsOf({0, 1, 0, 0, 0, 50}, 100, 99));
+  EXPECT_EQ(sumsOf({0, 1, -100, 0, 0, 0}, 0, 0), 128) << "without any darkening";
+  EXPECT_GT(sumsOf({0, 1, 0, 100, 0, 0}, 60, 50), sumsOf({0, 1, 0, 0, 0, 0}, 60, 50));
+}
+
 }  // namespace
 }  // namespace qpx

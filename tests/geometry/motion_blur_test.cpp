@@ -91,9 +91,9 @@ int32_t weightAt(const MBitmap& mask, int32_t passes, int32_t x, int32_t y) {
   return (zeros << 10) / area;
 }
 
-// The description, pixel by pixel.
-void transcribe(const MBitmap& src, const MBitmap& mask, int32_t angle, int32_t length,
-                const MBitmap& dst) {
+// A plain model, pixel by pixel.
+void model(const MBitmap& src, const MBitmap& mask, int32_t angle, int32_t length,
+           const MBitmap& dst) {
   const int32_t a = upright(angle);
   const int32_t half = halfOf(src, a, length);
   const int32_t passes = passesOf(half);
@@ -116,9 +116,9 @@ class MotionBlur : public ::testing::Test {
  protected:
   ~MotionBlur() override { QPX_UsePlainForms(0); }
 
-  // Blurs, and holds the result against the transcription; nothing else may be written.
-  static void expectTranscription(uint32_t format, int32_t width, int32_t height, MaskShape shape,
-                                  int32_t angle, int32_t length, uint64_t seed) {
+  // Blurs, and holds the result against the model; nothing else may be written.
+  static void expectModel(uint32_t format, int32_t width, int32_t height, MaskShape shape,
+                          int32_t angle, int32_t length, uint64_t seed) {
     Random random(seed);
     Picture src(format, width, height, Placement::exact);
     src.paint(seed);
@@ -130,7 +130,7 @@ class MotionBlur : public ::testing::Test {
     const Picture before(expected);
     const MBitmap from = src.bitmap(), under = mask.bitmap(), wanted = expected.bitmap();
     MBitmap to = actual.bitmap();
-    transcribe(from, under, angle, length, wanted);
+    model(from, under, angle, length, wanted);
     QPX_UsePlainForms(seed % 3 == 0 ? 1 : 0);
     ASSERT_EQ(QPX_OK, QPX_MotionBlur(&from, &under, angle, length, &to));
     const std::string what = std::to_string(width) + "x" + std::to_string(height) + ", mask " +
@@ -142,34 +142,33 @@ class MotionBlur : public ::testing::Test {
   }
 };
 
-TEST_F(MotionBlur, EqualsTheTranscriptionAtEveryAngle) {
+TEST_F(MotionBlur, EqualsTheModelAtEveryAngle) {
   Random random(1);
   for (int32_t angle = -5; angle < 185; ++angle) {
-    expectTranscription(kFormats[static_cast<size_t>(angle + 5) % 6], random.between(20, 70),
-                        random.between(20, 50), kMaskShapes[random.next() % 6], angle,
-                        random.between(0, 60), static_cast<uint64_t>(angle + 7));
+    expectModel(kFormats[static_cast<size_t>(angle + 5) % 6], random.between(20, 70),
+                random.between(20, 50), kMaskShapes[random.next() % 6], angle,
+                random.between(0, 60), static_cast<uint64_t>(angle + 7));
   }
 }
 
-TEST_F(MotionBlur, EqualsTheTranscriptionInPicturesOfAllSizes) {
+TEST_F(MotionBlur, EqualsTheModelInPicturesOfAllSizes) {
   Random random(2);
   constexpr int32_t kAngles[] = {0, 1, 30, 45, 60, 89, 90, 91, 120, 135, 150, 179};
   constexpr int32_t kLengths[] = {0, 1, 2, 3, 7, 30, 31, 32, 33, 100, 1000, INT_MAX};
   for (uint64_t i = 0; i < 700; ++i) {
-    expectTranscription(kFormats[i % 6], random.between(1, 33), random.between(1, 33),
-                        kMaskShapes[random.next() % 6], kAngles[i % 12],
-                        kLengths[random.next() % 12], i);
+    expectModel(kFormats[i % 6], random.between(1, 33), random.between(1, 33),
+                kMaskShapes[random.next() % 6], kAngles[i % 12], kLengths[random.next() % 12], i);
   }
 }
 
 // Wider than a tile, lines longer than 16 bits hold the sum of.
-TEST_F(MotionBlur, EqualsTheTranscriptionInLargePictures) {
-  expectTranscription(QPX_FORMAT_BGR24, 1100, 9, MaskShape::ragged, 3, 700, 3);
-  expectTranscription(QPX_FORMAT_BGR24, 1100, 9, MaskShape::all, 0, 1000, 4);
-  expectTranscription(QPX_FORMAT_RGBA32, 520, 40, MaskShape::disc, 160, 90, 5);
-  expectTranscription(QPX_FORMAT_RGBA32, 9, 700, MaskShape::all, 90, 700, 6);
-  expectTranscription(QPX_FORMAT_BGR24, 9, 700, MaskShape::noise, 91, 700, 7);
-  expectTranscription(QPX_FORMAT_BGR24, 200, 200, MaskShape::all, 45, 600, 8);
+TEST_F(MotionBlur, EqualsTheModelInLargePictures) {
+  expectModel(QPX_FORMAT_BGR24, 1100, 9, MaskShape::ragged, 3, 700, 3);
+  expectModel(QPX_FORMAT_BGR24, 1100, 9, MaskShape::all, 0, 1000, 4);
+  expectModel(QPX_FORMAT_RGBA32, 520, 40, MaskShape::disc, 160, 90, 5);
+  expectModel(QPX_FORMAT_RGBA32, 9, 700, MaskShape::all, 90, 700, 6);
+  expectModel(QPX_FORMAT_BGR24, 9, 700, MaskShape::noise, 91, 700, 7);
+  expectModel(QPX_FORMAT_BGR24, 200, 200, MaskShape::all, 45, 600, 8);
 }
 
 // A picture, its mask and a place for the result, with a call that expects a code.

@@ -1,4 +1,4 @@
-// QPX_RotateImage against a transcription pixel by pixel, and at its edges.
+// QPX_RotateImage against its formula pixel by pixel, and at its edges.
 #include <gtest/gtest.h>
 
 #include <algorithm>

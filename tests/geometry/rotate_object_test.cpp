@@ -1,4 +1,4 @@
-// The QPXRotate* object against a transcription pixel by pixel, strip by strip, and at its edges.
+// The QPXRotate* object against its formula pixel by pixel, strip by strip, and at its edges.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <thread>
+#include <vector>
 
 #include "geometry/turned_picture.h"
 #include "support/failing_memory.h"
@@ -143,6 +144,33 @@ TEST(Rotate, MultiplesOfNinetyMoveWholePixels) {
       }
     }
   }
+}
+
+// Six numbered pixels. Odd differences of the sizes are halved towards zero, so that pixels to the
+// right and below are repeated, or left out, by one more than on the other sides of the turn.
+TEST(Rotate, MultiplesOfNinetyShiftWhereSizesDifferByOdd) {
+  const auto turned = [](int32_t width, int32_t height, int32_t degrees) {
+    RgbPicture src(QPX_FORMAT_BGR24, 3, 2), dst(QPX_FORMAT_BGR24, width, height);
+    for (int32_t i = 0; i < 6; ++i) src.put(i % 3, i / 3, {i + 1, 0, 0, 0});
+    EXPECT_EQ(0, Rotation(QPX_FORMAT_BGR24, 3, 2, width, height, degrees).run(src, dst));
+    std::vector<int> numbers;
+    for (int32_t i = 0; i < width * height; ++i) numbers.push_back(dst.at(i % width, i / width)[0]);
+    return numbers;
+  };
+  using Numbers = std::vector<int>;
+  EXPECT_EQ(turned(2, 1, 0), (Numbers{1, 2}));
+  EXPECT_EQ(turned(4, 3, 0), (Numbers{1, 2, 3, 3,  //
+                                      4, 5, 6, 6,  //
+                                      4, 5, 6, 6}));
+  EXPECT_EQ(turned(4, 3, 180), (Numbers{6, 6, 5, 4,  //
+                                        3, 3, 2, 1,  //
+                                        3, 3, 2, 1}));
+  EXPECT_EQ(turned(2, 3, 90), (Numbers{4, 1,  //
+                                       5, 2,  //
+                                       6, 3}));
+  EXPECT_EQ(turned(2, 3, 270), (Numbers{2, 5,  //
+                                        1, 4,  //
+                                        1, 4}));
 }
 
 TEST(Rotate, NoAngleOntoALargerPictureRepeatsTheBorder) {

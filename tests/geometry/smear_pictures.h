@@ -1,4 +1,4 @@
-// Pictures and masks with plain access to their samples, for literal transcriptions.
+// Pictures and masks with plain access to their samples, for plain models.
 #pragma once
 
 #include <qpx/types.h>

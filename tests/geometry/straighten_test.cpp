@@ -1,4 +1,4 @@
-// QPX_Straighten against a transcription pixel by pixel, and at its edges.
+// QPX_Straighten against its formula pixel by pixel, and at its edges.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -121,6 +121,31 @@ TEST(Straighten, AQuarterTurnOfASquareDoesNotScale) {
   EXPECT_GE(same, 19 * 19);
 }
 
+// A disc has the same area however it lies, so that its area tells the enlargement: of a square
+// sine and cosine together, twice the area at 45 degrees and nothing gained at quarter turns.
+TEST(Straighten, EnlargesASquareMostAtFortyFiveDegrees) {
+  RgbPicture src(QPX_FORMAT_BGR24, 201, 201), dst(QPX_FORMAT_BGR24, 201, 201);
+  for (int32_t i = 0; i < 201 * 201; ++i) {
+    const int32_t dx = i % 201 - 100, dy = i / 201 - 100;
+    const int value = dx * dx + dy * dy <= 50 * 50 ? 255 : 0;
+    src.put(i % 201, i / 201, {value, value, value, 0});
+  }
+  const auto areaAt = [&](double degrees) {
+    const MBitmap from = src.bitmap();
+    MBitmap to = dst.bitmap();
+    EXPECT_EQ(0, QPX_Straighten(&from, &to, radians(degrees), 1));
+    double area = 0;
+    for (int32_t i = 0; i < 201 * 201; ++i) area += dst.at(i % 201, i / 201)[0] / 255.0;
+    return area;
+  };
+  const double area = areaAt(0);
+  EXPECT_NEAR(area, 7854, 10);  // 50 * 50 * pi
+  EXPECT_NEAR(areaAt(20) / area, 1.643, 0.01);
+  EXPECT_NEAR(areaAt(45) / area, 2, 0.01);
+  EXPECT_NEAR(areaAt(70) / area, 1.643, 0.01);
+  EXPECT_NEAR(areaAt(90) / area, 1, 0.01);
+}
+
 TEST(Straighten, TurnsClockwiseAndCoversEveryCorner) {
   RgbPicture src(QPX_FORMAT_BGR24, 200, 150), dst(QPX_FORMAT_BGR24, 200, 150);
   for (int32_t i = 0; i < 200 * 150; ++i) {
@@ -185,7 +210,7 @@ TEST(Straighten, Refuses) {
   EXPECT_EQ(2, straighten([](MBitmap&, MBitmap& b) { b.format = QPX_FORMAT_BGRA32; }));
   EXPECT_EQ(2, straighten(nothing, std::numeric_limits<double>::quiet_NaN()));
   EXPECT_EQ(2, straighten(nothing, std::numeric_limits<double>::infinity()));
-  EXPECT_EQ(3, straighten([](MBitmap& a, MBitmap&) { a.width = 65536, a.pitch[0] = 65536 * 3; }));
+  EXPECT_EQ(3, straighten([](MBitmap& a, MBitmap&) { a.width = 65537, a.pitch[0] = 65537 * 3; }));
   EXPECT_EQ(RgbPicture(QPX_FORMAT_BGR24, 9, 7).differenceTo(dst), "");
   FailingMemory::reset();
   FailingMemory::failOnly(1);
@@ -196,10 +221,10 @@ TEST(Straighten, Refuses) {
 }
 
 TEST(Straighten, LongSidesKeepTheirPlaces) {
-  const RgbPicture src = RgbPicture::random(QPX_FORMAT_BGR24, 65535, 2, 4);
+  const RgbPicture src = RgbPicture::random(QPX_FORMAT_BGR24, 65536, 2, 4);
   for (const double angle : {0.0, 0.00002, 3.14159, 1e9}) {
     ASSERT_EQ(check(src, 700, 2, angle, true), "") << angle;
-    ASSERT_EQ(check(src, 65535, 1, angle, false), "") << angle;
+    ASSERT_EQ(check(src, 65536, 1, angle, false), "") << angle;
   }
 }
 

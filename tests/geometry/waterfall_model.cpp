@@ -15,7 +15,7 @@ WaterfallModel::WaterfallModel(const MBitmap& image) : width_(image.width), heig
   mask_.resize(result_.size() / 3);
 }
 
-bool WaterfallModel::touch(const MPoint& point, bool finish) {
+bool WaterfallModel::touch(const MPoint& point, bool finish, bool filters) {
   if (!last_) {
     last_ = point;
     return false;
@@ -24,7 +24,7 @@ bool WaterfallModel::touch(const MPoint& point, bool finish) {
   const double dy = static_cast<double>(point.y) - last_->y;
   const double third = radius / 3;
   const bool draws = dx * dx + dy * dy > third * third;
-  if (draws) segment(point);
+  if (draws) segment(point, filters);
   if (finish) {
     last_.reset();
     strokes_ = 0;
@@ -52,13 +52,12 @@ void WaterfallModel::disc(const MPoint& centre) {
       const double d = std::sqrt(dx * dx + dy * dy);
       if (d >= outer) continue;
       const double value = d <= inner ? 255 : 255 - (d - inner) * 255 / (2 * feather);
-      uint8_t& mask = mask_[place(x, y, 0) / 3];
-      mask = std::max(mask, static_cast<uint8_t>(value));
+      mask_[place(x, y, 0) / 3] = static_cast<uint8_t>(value);
     }
   }
 }
 
-void WaterfallModel::segment(const MPoint& point) {
+void WaterfallModel::segment(const MPoint& point, bool filters) {
   for (int32_t y = dirty_.top; y <= dirty_.bottom; ++y) {
     for (int32_t x = dirty_.left; x <= dirty_.right; ++x) {
       for (int c = 0; c < 3; ++c) snapshot_[place(x, y, c)] = result_[place(x, y, c)];
@@ -110,6 +109,7 @@ void WaterfallModel::segment(const MPoint& point) {
     }
   }
   if (strokes_ > 0) disc(*last_);
+  if (!filters) return;
   for (int32_t y = dirty_.top; y <= dirty_.bottom; ++y) {
     for (int32_t x = dirty_.left; x <= dirty_.right; ++x) {
       if (maskValue(x, y) != 0) filter(x, y);

@@ -1,4 +1,4 @@
-// The waterfall as it is described, pixel by pixel, for tests to hold the library against.
+// A plain model of the waterfall, pixel by pixel, for tests to hold the library against.
 #pragma once
 
 #include <qpx/types.h>
@@ -20,8 +20,8 @@ class WaterfallModel {
  public:
   explicit WaterfallModel(const MBitmap& image);
 
-  // True when a segment was drawn.
-  bool touch(const MPoint& point, bool finish);
+  // True when a segment was drawn, which without `filters` is given up before its first row.
+  bool touch(const MPoint& point, bool finish, bool filters = true);
 
   int32_t value(int32_t x, int32_t y, int c) const { return result_[place(x, y, c)]; }
   uint8_t maskValue(int32_t x, int32_t y) const { return mask_[place(x, y, 0) / 3]; }
@@ -35,7 +35,7 @@ class WaterfallModel {
   }
   void put(int64_t x, int64_t y, int32_t value);
   void disc(const MPoint& centre);
-  void segment(const MPoint& point);
+  void segment(const MPoint& point, bool filters);
   void filter(int32_t x, int32_t y);
 
   int32_t width_, height_;

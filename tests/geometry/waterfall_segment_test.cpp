@@ -18,10 +18,10 @@ constexpr double kPi = 3.1415926535;
 
 using Mask = std::vector<uint8_t>;
 
-// The description, step by step.
-class Transcription {
+// A plain model, step by step.
+class Model {
  public:
-  Transcription(const MBitmap& src, MPoint& p0, MPoint& p1, int32_t radius, int32_t blurLength)
+  Model(const MBitmap& src, MPoint& p0, MPoint& p1, int32_t radius, int32_t blurLength)
       : src_(src), width_(src.width), height_(src.height), radius_(radius) {
     if (p1.y < p0.y || (p1.y == p0.y && p1.x > p0.x)) std::swap(p0, p1);
     const double run = static_cast<double>(p0.x) - p1.x, rise = static_cast<double>(p1.y) - p0.y;
@@ -135,8 +135,8 @@ class WaterfallSegment : public ::testing::Test {
  protected:
   ~WaterfallSegment() override { QPX_UsePlainForms(0); }
 
-  static void expectTranscription(uint32_t format, int32_t width, int32_t height, MPoint p0,
-                                  MPoint p1, int32_t radius, int32_t length) {
+  static void expectModel(uint32_t format, int32_t width, int32_t height, MPoint p0, MPoint p1,
+                          int32_t radius, int32_t length) {
     Picture src(format, width, height, Placement::exact);
     src.paint(static_cast<uint64_t>(width));
     Picture dst(format, width, height, Placement::guarded);
@@ -145,7 +145,7 @@ class WaterfallSegment : public ::testing::Test {
     const MBitmap from = src.bitmap();
     MBitmap to = dst.bitmap();
     MPoint first = p0, second = p1;
-    const Transcription expected(from, first, second, radius, length);
+    const Model expected(from, first, second, radius, length);
     ASSERT_EQ(QPX_OK, QPX_Waterfall(&from, &p0, &p1, radius, length, &to));
     const std::string what = std::to_string(width) + "x" + std::to_string(height) + ", " +
                              std::to_string(p0.x) + "," + std::to_string(p0.y) + " to " +
@@ -170,7 +170,7 @@ class WaterfallSegment : public ::testing::Test {
   }
 };
 
-TEST_F(WaterfallSegment, EqualsTheTranscription) {
+TEST_F(WaterfallSegment, EqualsTheModel) {
   constexpr uint32_t kFormats[] = {QPX_FORMAT_BGR24, QPX_FORMAT_RGBA32, QPX_FORMAT_RGB24,
                                    QPX_FORMAT_BGRX32};
   Random random(8);
@@ -179,27 +179,27 @@ TEST_F(WaterfallSegment, EqualsTheTranscription) {
     const int32_t width = random.between(1, 70), height = random.between(1, 60);
     const MPoint p0 = {random.between(-15, 80), random.between(-15, 70)};
     const MPoint p1 = {random.between(-15, 80), random.between(-15, 70)};
-    expectTranscription(kFormats[i % 4], width, height, p0, p1, random.between(1, 20),
-                        random.between(1, 60));
+    expectModel(kFormats[i % 4], width, height, p0, p1, random.between(1, 20),
+                random.between(1, 60));
   }
 }
 
-TEST_F(WaterfallSegment, EqualsTheTranscriptionInEveryDirection) {
+TEST_F(WaterfallSegment, EqualsTheModelInEveryDirection) {
   constexpr MPoint kEnds[] = {{90, 50}, {10, 50}, {50, 90}, {50, 10}, {80, 80}, {20, 20}, {80, 20},
                               {20, 80}, {90, 51}, {51, 90}, {10, 49}, {49, 10}, {50, 50}};
   for (const MPoint& end : kEnds) {
-    expectTranscription(QPX_FORMAT_BGR24, 100, 100, {50, 50}, end, 7, 31);
+    expectModel(QPX_FORMAT_BGR24, 100, 100, {50, 50}, end, 7, 31);
   }
 }
 
-TEST_F(WaterfallSegment, EqualsTheTranscriptionInLargePicturesAndFarAway) {
-  expectTranscription(QPX_FORMAT_BGR24, 1200, 30, {10, 20}, {1190, 9}, 5, 900);
-  expectTranscription(QPX_FORMAT_BGR24, 1200, 12, {0, 5}, {1199, 5}, 3, 4000);
-  expectTranscription(QPX_FORMAT_BGR24, 12, 700, {5, 0}, {5, 699}, 3, 4000);
-  expectTranscription(QPX_FORMAT_BGR24, 50, 40, {-3000, -2500}, {3000, 2600}, 9, 30);
-  expectTranscription(QPX_FORMAT_BGR24, 50, 40, {-3000, 2500}, {3000, -2400}, 9, 30);
-  expectTranscription(QPX_FORMAT_BGR24, 50, 40, {-500, 20}, {-300, 25}, 9, 30);
-  expectTranscription(QPX_FORMAT_BGR24, 50, 40, {5, 20}, {45, 25}, 400, INT_MAX);
+TEST_F(WaterfallSegment, EqualsTheModelInLargePicturesAndFarAway) {
+  expectModel(QPX_FORMAT_BGR24, 1200, 30, {10, 20}, {1190, 9}, 5, 900);
+  expectModel(QPX_FORMAT_BGR24, 1200, 12, {0, 5}, {1199, 5}, 3, 4000);
+  expectModel(QPX_FORMAT_BGR24, 12, 700, {5, 0}, {5, 699}, 3, 4000);
+  expectModel(QPX_FORMAT_BGR24, 50, 40, {-3000, -2500}, {3000, 2600}, 9, 30);
+  expectModel(QPX_FORMAT_BGR24, 50, 40, {-3000, 2500}, {3000, -2400}, 9, 30);
+  expectModel(QPX_FORMAT_BGR24, 50, 40, {-500, 20}, {-300, 25}, 9, 30);
+  expectModel(QPX_FORMAT_BGR24, 50, 40, {5, 20}, {45, 25}, 400, INT_MAX);
 }
 
 TEST_F(WaterfallSegment, TakesPointsAndSizesWithoutLimit) {

@@ -3,7 +3,9 @@
 #include <qpx/qpx.h>
 
 #include <cstring>
+#include <optional>
 
+#include "geometry/waterfall_model.h"
 #include "support/picture.h"
 
 namespace qpx::testing {
@@ -23,12 +25,23 @@ class WaterfallSteps : public ::testing::Test {
     const MBitmap image = picture.bitmap();
     ASSERT_EQ(QPX_OK, QPX_WaterFall_Create(&whole_, &image, &wholeRecord_));
     ASSERT_EQ(QPX_OK, QPX_WaterFall_Create(&steps_, &image, &stepsRecord_));
+    model_.emplace(image);
   }
 
   void expectSamePicture() const {
     const size_t bytes =
         static_cast<size_t>(wholeRecord_->pitch[0]) * static_cast<size_t>(wholeRecord_->height);
     EXPECT_EQ(0, std::memcmp(wholeRecord_->plane[0], stepsRecord_->plane[0], bytes));
+  }
+
+  void expectModelPicture() const {
+    for (int32_t y = 0; y < stepsRecord_->height; ++y) {
+      for (int32_t x = 0; x < stepsRecord_->width; ++x) {
+        for (int c = 0; c < 3; ++c) {
+          ASSERT_EQ(model_->value(x, y, c), sampleAt(*stepsRecord_, x, y, c)) << x << ", " << y;
+        }
+      }
+    }
   }
 
   // Prepares the segment in one handle and draws it in the other; returns whether there was one.
@@ -62,6 +75,7 @@ class WaterfallSteps : public ::testing::Test {
   QPXWaterFallHandle* steps_ = nullptr;
   MBitmap* wholeRecord_ = nullptr;
   MBitmap* stepsRecord_ = nullptr;
+  std::optional<WaterfallModel> model_;
   int32_t area_[4] = {};
 };
 
@@ -95,7 +109,7 @@ TEST_F(WaterfallSteps, GetOnWithRowsSlowerThanTheLimit) {
   start({5, 20}, false);
   ASSERT_TRUE(start({2390, 21}, false));
   const int calls = finish(1);
-  EXPECT_GE(calls, 1);
+  EXPECT_GT(calls, 1);
   EXPECT_LE(calls, 40);
   expectSamePicture();
 }
@@ -139,12 +153,15 @@ TEST_F(WaterfallSteps, AreGivenUpForASegmentAtOnce) {
   MBitmap* shown = nullptr;
   int32_t started = 0;
   const MPoint points[] = {{10, 10}, {50, 30}, {5, 35}};
-  EXPECT_EQ(0, QPX_WaterFall_Process(whole_, &points[0], 0, &shown, nullptr));
   EXPECT_EQ(0, QPX_WaterFall_ProcessAsync(steps_, &points[0], 0, &started));
   EXPECT_EQ(0, QPX_WaterFall_ProcessAsync(steps_, &points[1], 0, &started));
   EXPECT_EQ(1, started);
   EXPECT_EQ(0, QPX_WaterFall_Process(steps_, &points[2], 1, &shown, nullptr));
   EXPECT_EQ(stepsRecord_, shown);
+  model_->touch(points[0], false);
+  model_->touch(points[1], false, false);
+  model_->touch(points[2], true);
+  expectModelPicture();
   EXPECT_EQ(0, QPX_WaterFall_Dostep(steps_, 0, &shown, nullptr));
   EXPECT_EQ(nullptr, shown);
   EXPECT_EQ(0, QPX_WaterFall_ProcessAsync(steps_, &points[0], 0, &started));

@@ -206,8 +206,12 @@ TEST_F(HeapCheck, HoldsFortyThousandBlocks) {
                 "Pointer = 0X%p, Allocated at: file.cpp, Line: %6d",
                 2, 39980, 39980, static_cast<void*>(blocks.back()), 42);
   EXPECT_EQ(expected, onlyLine());
+  const std::string longName(100, 'u');
+  blocks.push_back(
+      static_cast<uint8_t*>(HEAPCK_MemAlloc(nullptr, 1, "f.cpp", 1, longName.c_str())));
+  EXPECT_EQ(0u, onlyLine().find(longName + "_Alloc_OK"));
   while (blocks.size() < 40000) blocks.push_back(allocate(1));
-  EXPECT_EQ(19u, lines_.size());
+  EXPECT_EQ(18u, lines_.size());
   lines_.clear();
   EXPECT_EQ(nullptr, allocate(1));
   EXPECT_EQ("unit Alloc Fail entries over flow, max entries = 40000", onlyLine());

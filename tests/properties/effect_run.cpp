@@ -160,6 +160,12 @@ Engine::Engine(const Picture& picture, const QPXEffectInfo& effect, const Record
     layOverlay(picture, &filterRecord);
     item.param = &filterRecord;
   }
+  QPXRemoveEdgeParam edgeRecord;
+  if (effect.id == 0x9B00 && record.size() == static_cast<int32_t>(sizeof edgeRecord)) {
+    std::memcpy(&edgeRecord, record.data(), sizeof edgeRecord);
+    edgeRecord.selection.mask = nullptr;
+    item.param = &edgeRecord;
+  }
   const QPXEffectList list = {&item, 1, 0};
   const MBitmap secondImage = second != nullptr ? second->bitmap() : MBitmap{};
   const MBitmap maskImage = mask != nullptr ? mask->bitmap() : MBitmap{};

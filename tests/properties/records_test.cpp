@@ -27,6 +27,7 @@ constexpr const char* kMixesBeyond = "previews mix beyond the ends of the range"
 constexpr Unclamped kUnclamped[] = {
     {0x5B00, "frameMode", "hosts switch the effect off by a mode that it does not know"},
     {0x6000, "mode", "hosts switch the effect off by a mode that it does not know"},
+    {0x7700, "colorIndex", "an index of no range leaves the picture as it is"},
     {0x8500, "mode", "the kernel refuses a mode that it does not know"},
     {0xA800, "strength", kMixesBeyond},
     {0xA900, "curveStrength", kMixesBeyond},

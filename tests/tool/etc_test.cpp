@@ -151,7 +151,11 @@ TEST_F(EtcTest, MergeRefusesWrongPlaces) {
   };
   EXPECT_TRUE(failedWith(merge({"--at", "2,0"}), 2, "multiple of 4"));
   EXPECT_TRUE(failedWith(merge({"--at", "0"}), 2, "x,y"));
-  EXPECT_TRUE(failedWith(merge({"--alpha", "1.5"}), 2, "1.5"));
+  for (const char* alpha : {"1.5", "-0.01", "nan", "inf", "half"}) {
+    EXPECT_TRUE(failedWith(merge({std::string("--alpha=") + alpha}), 2,
+                           "--alpha: give a number from 0 to 1"))
+        << alpha;
+  }
   EXPECT_TRUE(failedWith(merge({"--rect", "0,0,68,4"}), 1, "leaves the picture"));
   EXPECT_TRUE(failedWith(etc({"merge", "-", "-", "b.pkm"}), 2, "standard input"));
   EXPECT_TRUE(succeeded(merge({"--at", "400,400"})));

@@ -77,7 +77,11 @@ TEST_F(TurnTest, RotateRefuses) {
     EXPECT_TRUE(failedWith(run({"rotate", "in.png", "o.png", "--degrees", degrees}), 2,
                            "takes whole degrees"));
   }
-  for (const char* degrees : {"left", "13deg", "1,5"}) {
+  for (const char* degrees : {"99999999999999999999", "-1e3", "13.0"}) {
+    EXPECT_TRUE(failedWith(run({"rotate", "in.png", "o.png", "--degrees", degrees}), 2,
+                           "give a whole number of up to 18 digits"));
+  }
+  for (const char* degrees : {"left", "13deg", "1,5", "nan"}) {
     EXPECT_TRUE(failedWith(run({"rotate", "in.png", "o.png", "--degrees", degrees}), 2,
                            "is no whole number"));
   }

@@ -117,7 +117,7 @@ TEST(BlackAndWhite, ForChalkBoardIsCutInSinglePrecision) {
   EXPECT_EQ(ApplyBlackAndWhiteForChalkBoard(2, 0, 0), 0u);  // 0.8
 }
 
-// Integers that divide towards zero and shift downwards, as the rules are told.
+// Integers that divide towards zero and shift downwards, as the rules say.
 int shift(int64_t v, int bits) { return static_cast<int>(v >> bits); }
 
 std::array<int, 3> tinted(int y, int r, int g, int b) {

@@ -302,6 +302,10 @@ TEST(DarkCorner, NeedsAToneTable) {
   KernelFrame frame(QPX_FORMAT_RGB24);
   setSize(frame, 4, 4);
   EXPECT_EQ(frame.run(cornerKernel, source, out, wholeOf(source)), QPX_BAD_PARAM);
+  ASSERT_EQ(frame.setUp(0x8400, QPXDarkCornerParam{0, 0, 25, -80}), QPX_OK);
+  EXPECT_EQ(frame.run(cornerKernel, source, out, wholeOf(source)), QPX_OK);
+  frame.stage().lutSize = 255;  // as the working block of another effect may be
+  EXPECT_EQ(frame.run(cornerKernel, source, out, wholeOf(source)), QPX_BAD_PARAM);
   EXPECT_EQ(DarkCornerOptimized(nullptr, nullptr, nullptr, nullptr), QPX_BAD_PARAM);
   EXPECT_EQ(DarkCornerOptimized(&frame.stage(), nullptr, nullptr, nullptr), QPX_BAD_PARAM);
   EXPECT_EQ(ApplyIntensityOfFilteredImage(nullptr, nullptr, nullptr, nullptr), QPX_BAD_PARAM);

@@ -177,7 +177,7 @@ void crop(const EtcArguments& arguments) {
   const MBitmap source = texture.record();
   MBitmap target = cropped.record();
   const MRect rect = blocksOf(region);
-  const QPXEtcPoint origin = {0, 0};
+  const MPoint origin = {0, 0};
   check(TEXPK_Crop_ETC(&source, &target, &rect, &origin), name);
   writePkm(cropped, arguments.out);
 }
@@ -199,7 +199,7 @@ void merge(const EtcArguments& arguments) {
   const MBitmap baseRecord = base.record(), overlayRecord = overlay.record();
   MBitmap target = merged.record();
   const MRect rect = blocksOf(*region);
-  const QPXEtcPoint origin = {at[0], at[1]};
+  const MPoint origin = {at[0], at[1]};
   check(TEXPK_Merge_ETC(&target, &overlayRecord, &baseRecord, &rect, &origin,
                         static_cast<float>(arguments.alpha)),
         displayName(arguments.in, true));
@@ -207,6 +207,16 @@ void merge(const EtcArguments& arguments) {
 }
 
 using ArgumentsPtr = std::shared_ptr<EtcArguments>;
+
+// 0 to 1. CLI::Range lets 'nan' through.
+CLI::Validator share() {
+  return {[](std::string& text) {
+            const std::optional<double> value = parseReal(text);
+            const bool inside = value && *value >= 0 && *value <= 1;
+            return std::string(inside ? "" : "give a number from 0 to 1");
+          },
+          ""};
+}
 
 void addFile(CLI::App& command, const std::string& name, std::string& to, const std::string& text) {
   command.add_option(name, to, text)->required()->check(notEmpty());
@@ -279,7 +289,7 @@ void addMerge(CLI::App& etc) {
       ->check(notEmpty())
       ->type_name("x,y");
   command->add_option("--alpha", arguments->alpha, "Share of the overlay (default 1)")
-      ->check(CLI::Range(0.0, 1.0));
+      ->check(share());
   command->footer(
       "Works by whole blocks of 4 x 4: x and y are multiples of 4; w and h too, unless\n"
       "they reach the overlay's edge, whose last blocks are then laid on whole.\n\n"

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,15 +42,20 @@ struct Turn {
   bool crop = false;
 };
 
+// What to give in place of degrees that are no integer.
+const char* adviceFor(const std::string& degrees) {
+  const std::optional<double> value = parseReal(degrees);
+  if (!value) return " is no whole number: give one such as 13 or -90";
+  if (*value != std::floor(*value)) {
+    return ": rotate takes whole degrees: give a whole number, or level the picture with "
+           "'qpx straighten', which takes any";
+  }
+  return ": give a whole number of up to 18 digits, such as 13 or -90";
+}
+
 Turn turnFor(const RotateArguments& arguments) {
   const std::optional<int64_t> degrees = parseInteger(arguments.degrees);
-  if (!degrees) {
-    const bool fraction = parseReal(arguments.degrees).has_value();
-    throw UsageError("--degrees " + arguments.degrees +
-                     (fraction ? ": rotate takes whole degrees: give a whole number, or level the "
-                                 "picture with 'qpx straighten', which takes any"
-                               : " is no whole number: give one such as 13 or -90"));
-  }
+  if (!degrees) throw UsageError("--degrees " + arguments.degrees + adviceFor(arguments.degrees));
   Turn turn;
   turn.degrees = static_cast<int32_t>((*degrees % 360 + 360) % 360);
   if (!arguments.fill.empty()) turn.fill = parseColor(arguments.fill);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+
 namespace qpx {
 
 Falloff::Falloff(int32_t excess, int32_t corners, int32_t reach) {

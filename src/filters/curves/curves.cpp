@@ -40,8 +40,7 @@ constexpr EffectRow kEffects[] = {
     {.id = 0x1900,
      .name = "Sepia",
      .title = "Sepia",
-     .summary = "Warm brown picture: red takes the brightest channel, blue the darkest, green a "
-                "mix of both.",
+     .summary = "Every colour turns to a red or an orange of its own strength; greys stay grey.",
      .flags = QPX_EFFECT_SAME_AREA | QPX_EFFECT_GENERIC,
      .kernels = kernelsFor<kSepia>(kRgb24AndYuv),
      .generic = overLook<kSepia>},

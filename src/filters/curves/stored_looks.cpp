@@ -1,5 +1,7 @@
 #include "filters/curves/stored_looks.h"
 
+#include <algorithm>
+
 #include "filters/curves/look_block.h"
 #include "filters/curves/stretched_texels.h"
 #include "filters/curves/texel_weights.h"

@@ -1,5 +1,4 @@
 // Sunlight: warm curves, then highlights that glow and shadows that cool, each channel by luma.
-#include <cmath>
 
 #include "filters/curves/light_looks.h"
 #include "filters/curves/look_block.h"

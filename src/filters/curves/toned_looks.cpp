@@ -46,7 +46,7 @@ double colorShare(double grey, const QPXSingleColorParam& param) {
   return 1.0 - (1.0 - end) * distance * distance;
 }
 
-// An S about mid grey: at full contrast tones of a quarter fall by an eighth of the way to black.
+// An S about mid grey: at full contrast tones of a quarter fall by a quarter of the way to black.
 double contrasted(double grey, double contrast) {
   return grey + contrast * 2.0 * grey * (1.0 - grey) * (grey - 0.5) / 1.5;
 }

@@ -13,7 +13,7 @@ constexpr uint32_t kPolaroidFormats =
 constexpr EffectRow kEffects[] = {
     {.id = 0x5B00,
      .name = "Polaroid",
-     .title = "Polaroid",
+     .title = "Instant film",
      .summary =
          "Instant film: curves, a colour matrix and an overlay, with frame and corners if wanted.",
      .record = {sizeof(QPXPolaroidParam), kPolaroidParams},
