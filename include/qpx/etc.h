@@ -5,7 +5,7 @@
  * Each half has a base colour and a table of four brightness offsets; each pixel takes one of the
  * four. Base colours have 5 bits a channel where the second is near the first (differential mode),
  * else 4 (individual mode). The layout is that of OES_compressed_ETC1_RGB8_texture and of the
- * Khronos Data Format Specification, "ETC1 compressed texture image formats".
+ * Khronos Data Format standard, "ETC1 compressed texture image formats".
  *
  * A compressed image is an MBitmap of format QPX_FORMAT_ETC1: sides are multiples of 4; plane[0]
  * holds the blocks in raster order, 8 bytes each, as two big-endian words, word 0 first. A row of
