@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,9 @@ class Suite {
   void addAll() {
     for (const char* name : kLooks) {
       QPXEffectInfo look;
-      if (!findBuilt(name, look)) std::printf("not built: %s\n", name);
+      if (findBuilt(name, look)) continue;
+      std::fprintf(stderr, "bench_looks: the library has no look %s\n", name);
+      std::exit(1);
     }
     for (const Frame& size : {kFull, kPhoto}) {
       for (const NamedFormat& format : kLookFormats) addFormat(size, format);
