@@ -166,11 +166,9 @@ QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU_ARMv7(const MBitmap* image, const 
  * Return 0, or 2 for a null argument, a range of columns that is not in the picture or a window
  * below 1. Touch no state. */
 QPX_API int32_t UpdateBoxSums24(int32_t width, int32_t firstColumn, int32_t endColumn,
-                                int32_t* sums, const QPXRowTable rows, int32_t line,
-                                int32_t windowSize);
+                                int32_t* sums, QPXRowTable rows, int32_t line, int32_t windowSize);
 QPX_API int32_t UpdateBoxSums32(int32_t width, int32_t firstColumn, int32_t endColumn,
-                                int32_t* sums, const QPXRowTable rows, int32_t line,
-                                int32_t windowSize);
+                                int32_t* sums, QPXRowTable rows, int32_t line, int32_t windowSize);
 
 QPX_END_DECLS
 

@@ -42,8 +42,8 @@ class SlidingSum {
   int32_t sum_ = 0;
 };
 
-int32_t updateBoxSums(ptrdiff_t pixelBytes, const Columns& columns, int32_t* sums,
-                      const QPXRowTable rows, int32_t line, int32_t window) {
+int32_t updateBoxSums(ptrdiff_t pixelBytes, const Columns& columns, int32_t* sums, QPXRowTable rows,
+                      int32_t line, int32_t window) {
   if (sums == nullptr || rows == nullptr || window < 1 || columns.width < 1) return QPX_BAD_PARAM;
   if (columns.first < 0 || columns.first > columns.end || columns.end > columns.width) {
     return QPX_BAD_PARAM;
@@ -72,11 +72,11 @@ int32_t updateBoxSums(ptrdiff_t pixelBytes, const Columns& columns, int32_t* sum
 using namespace qpx;
 
 int32_t UpdateBoxSums24(int32_t width, int32_t firstColumn, int32_t endColumn, int32_t* sums,
-                        const QPXRowTable rows, int32_t line, int32_t windowSize) {
+                        QPXRowTable rows, int32_t line, int32_t windowSize) {
   return updateBoxSums(3, {width, firstColumn, endColumn}, sums, rows, line, windowSize);
 }
 
 int32_t UpdateBoxSums32(int32_t width, int32_t firstColumn, int32_t endColumn, int32_t* sums,
-                        const QPXRowTable rows, int32_t line, int32_t windowSize) {
+                        QPXRowTable rows, int32_t line, int32_t windowSize) {
   return updateBoxSums(4, {width, firstColumn, endColumn}, sums, rows, line, windowSize);
 }

@@ -42,6 +42,8 @@ inline constexpr std::array<QPXParamInfo, 15> kToneLevelsParams = [] {
 }();
 
 // The points of a curve, x and y in turn; the names follow the field.
+// Names of fields and literals that are put together stand no parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define QPX_CURVE_POINT(field, name, i, x, y)                            \
   byteParam(name "X" #i, "Where point " #i " is.", "",                   \
             offsetof(QPXCurveParam, field.point) + 2 * (i - 1), 255, x), \
@@ -54,6 +56,7 @@ inline constexpr std::array<QPXParamInfo, 15> kToneLevelsParams = [] {
       QPX_CURVE_POINT(field, name, 3, x3, y3), QPX_CURVE_POINT(field, name, 4, 255, 255),          \
       QPX_CURVE_POINT(field, name, 5, 255, 255), QPX_CURVE_POINT(field, name, 6, 255, 255),        \
       QPX_CURVE_POINT(field, name, 7, 255, 255)
+// NOLINTEND(bugprone-macro-parentheses)
 
 static_assert(sizeof(QPXCurveParam) == 64);
 inline constexpr QPXParamInfo kCurveParams[] = {
@@ -145,6 +148,7 @@ constexpr QPXParamInfo inkParam(const char* name, const char* summary, size_t in
 }
 
 // Class by class within an ink, as the record has them; nothing but skies changes at first.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define QPX_INK(ink, name, Title, initial)                         \
   inkParam(name "Reds", Title " of reds.", ink, 0, 0),             \
       inkParam(name "Yellows", Title " of yellows.", ink, 1, 0),   \
@@ -155,6 +159,8 @@ constexpr QPXParamInfo inkParam(const char* name, const char* summary, size_t in
       inkParam(name "Whites", Title " of whites.", ink, 6, 0),     \
       inkParam(name "Neutrals", Title " of neutrals.", ink, 7, 0), \
       inkParam(name "Blacks", Title " of blacks.", ink, 8, 0)
+// NOLINTEND(bugprone-macro-parentheses)
+
 inline constexpr QPXParamInfo kSelectiveColorParams[] = {
     QPX_INK(0, "cyan", "Cyan", 60), QPX_INK(1, "magenta", "Magenta", 20),
     QPX_INK(2, "yellow", "Yellow", -40), QPX_INK(3, "black", "Black", 0)};
@@ -256,6 +262,7 @@ constexpr QPXParamInfo angleParam(const char* name, const char* summary, size_t 
 }
 
 // The names follow the field; what shows the effect at first is more of greens.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define QPX_HUE_RANGE(field, RANGE, turned, saturated)                                            \
   degreesParam(#field "Hue", "Turns " RANGE ".", offsetof(QPXHsbAdjustParam, field.hue), turned), \
       amountParam(#field "Saturation", "Stronger or weaker " RANGE ".",                           \
@@ -269,6 +276,7 @@ constexpr QPXParamInfo angleParam(const char* name, const char* summary, size_t 
       angleParam(#field "FullTo", "Where " RANGE " end to change fully.",                         \
                  offsetof(QPXHsbAdjustParam, field.fullTo)),                                      \
       angleParam(#field "To", "Where " RANGE " end.", offsetof(QPXHsbAdjustParam, field.to))
+// NOLINTEND(bugprone-macro-parentheses)
 
 static_assert(sizeof(QPXHsbAdjustParam) == 196);
 inline constexpr QPXParamInfo kHsbAdjustParams[] = {

@@ -35,8 +35,9 @@ const Table& chosenForm() {
 
 }  // namespace qpx::simd
 
-#define QPX_ROW_ENTRY(Table, name) .name = name,
-#define QPX_ROW_DECLARATION(Table, name) std::remove_pointer_t<decltype(Table::name)> name;
+#define QPX_ROW_ENTRY(Table, name) .name = name,  // NOLINT
+#define QPX_ROW_DECLARATION(Table, name) \
+  std::remove_pointer_t<decltype(Table::name)> name;  // NOLINT
 
 // Within namespace qpx::simd.
 #define QPX_DECLARE_ROWS(Table, LIST) \

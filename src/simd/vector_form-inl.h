@@ -14,7 +14,7 @@ namespace {
 using namespace plain;  // a target without vectors
 #endif
 
-const QPX_TABLE& formOfTarget() {
+const QPX_TABLE& formOfTarget() {  // NOLINT(misc-definitions-in-headers)
   static constexpr QPX_TABLE kTable = {QPX_TABLE_ROWS(QPX_ROW_ENTRY, QPX_TABLE)};
   return kTable;
 }
@@ -30,7 +30,7 @@ namespace qpx::simd {
 HWY_EXPORT(formOfTarget);
 
 template <>
-const QPX_TABLE& vectorForm<QPX_TABLE>() {
+const QPX_TABLE& vectorForm<QPX_TABLE>() {  // NOLINT(misc-definitions-in-headers)
   return HWY_DYNAMIC_DISPATCH(formOfTarget)();
 }
 

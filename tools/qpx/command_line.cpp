@@ -40,8 +40,10 @@ void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words)
     }
     if (names.empty() || looksLikeOption(word)) return;
     if (std::find(names.begin(), names.end(), word) == names.end()) {
-      throw UsageError("unknown command '" + word + "'" + suggestion(word, names) +
-                       ": use one of " + joined(names, ", ") + ", or see '" + call + " --help'");
+      std::string message = "unknown command '" + word + "'" + suggestion(word, names);
+      message.append(": use one of ").append(joined(names, ", "));
+      message.append(", or see '").append(call).append(" --help'");
+      throw UsageError(message);
     }
     level = level->get_subcommand(word);
     call += " " + word;
