@@ -120,10 +120,6 @@ Body peerBody(const PicturesPtr& on, double radians, double scale, int interpola
   };
 }
 
-std::string sizeName(const Frame& frame) {
-  return std::to_string(frame.width) + "x" + std::to_string(frame.height);
-}
-
 class Suite {
  public:
   explicit Suite(Report* report) : report_(report) {}
@@ -137,13 +133,12 @@ class Suite {
  private:
   void add(const std::string& group, const std::string& workload, const std::string& name,
            const PicturesPtr& on, const Body& body, bool plain = false) {
-    const std::string benchmarkName = group + "/" + workload + "/" + name;
-    report_->add(benchmarkName, {group, workload, name, on->source.frame().pixels()});
-    benchmark::RegisterBenchmark(benchmarkName.c_str(), [body, plain](benchmark::State& state) {
-      QPX_UsePlainForms(plain);
-      for (auto _ : state) body();
-      QPX_UsePlainForms(0);
-    })->MeasureProcessCPUTime();
+    report_->add({group, workload, name, on->source.frame().pixels()},
+                 [body, plain](benchmark::State& state) {
+                   QPX_UsePlainForms(plain);
+                   for (auto _ : state) body();
+                   QPX_UsePlainForms(0);
+                 });
   }
 
   void addSize(const Frame& size, const NamedFormat& format) {
@@ -179,21 +174,8 @@ class Suite {
 }  // namespace qpx::bench
 
 int main(int argc, char** argv) {
-  // Arguments of the call come last and win.
-  std::vector<std::string> texts = {argv[0], "--benchmark_repetitions=7",
-                                    "--benchmark_min_time=0.02",
-                                    "--benchmark_enable_random_interleaving=true"};
-  texts.insert(texts.end(), argv + 1, argv + argc);
-  std::vector<char*> arguments;
-  for (std::string& text : texts) arguments.push_back(text.data());
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-
   qpx::bench::Report report;
   qpx::bench::Suite suite(&report);
   suite.addAll();
-  benchmark::RunSpecifiedBenchmarks(&report);
-  benchmark::Shutdown();
-  return 0;
+  return qpx::bench::run(argc, argv, report);
 }

@@ -10,7 +10,7 @@ void Report::add(Subject subject, std::function<void(benchmark::State&)> body) {
   const std::string name = subject.group + "/" + subject.workload + "/" + subject.name;
   places_[name] = rows_.size();
   rows_.push_back({std::move(subject), {}});
-  benchmark::RegisterBenchmark(name.c_str(), std::move(body));
+  benchmark::RegisterBenchmark(name.c_str(), std::move(body))->MeasureProcessCPUTime();
 }
 
 double Report::Row::median() const {
@@ -22,7 +22,7 @@ double Report::Row::median() const {
 }
 
 bool Report::ReportContext(const Context& context) {
-  std::printf("%d processors of %.0f MHz, one thread used. Running ...\n",
+  std::printf("%d processors of %.0f MHz, CPU time of all threads. Running ...\n",
               context.cpu_info.num_cpus, context.cpu_info.cycles_per_second / 1e6);
   std::fflush(stdout);
   return true;
