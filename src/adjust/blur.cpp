@@ -27,14 +27,13 @@ struct Steps {
   }
 };
 
-void sharpen(const Stage& stage, const uint8_t* source, uint8_t* blurred, ptrdiff_t count) {
-  const Steps steps(record<QPXUnsharpMaskParam>(stage));
+void sharpen(const uint8_t* steps, const uint8_t* source, uint8_t* blurred, ptrdiff_t count) {
   const simd::WindowRows& rows = simd::windowRows();
   uint8_t move[kPart];
   for (ptrdiff_t i = 0; i < count; i += kPart) {
     const ptrdiff_t part = std::min(kPart, count - i);
     rows.distance(source + i, blurred + i, move, part);
-    simd::rows().lookup(move, move, part, steps.of);
+    simd::rows().lookup(move, move, part, steps);
     rows.moveAway(source + i, blurred + i, move, blurred + i, part);
   }
 }
@@ -45,12 +44,13 @@ int32_t unsharpRadius(const Stage& stage) { return record<QPXUnsharpMaskParam>(s
 
 int32_t gaussBlurOf(const Frame& frame, bool kept) {
   if ((formatGroup(frame.stage.pix) & kTakesRgb) == 0) return QPX_OK;
-  return blurFrame(frame, {gaussRadius(frame.stage), nullptr, kept});
+  return blurFrame(frame, {gaussRadius(frame.stage), nullptr, nullptr, kept});
 }
 
 int32_t unsharpMaskOf(const Frame& frame, bool kept) {
   if ((formatGroup(frame.stage.pix) & kTakesRgb) == 0) return QPX_OK;
-  return blurFrame(frame, {unsharpRadius(frame.stage), sharpen, kept});
+  const Steps steps(record<QPXUnsharpMaskParam>(frame.stage));
+  return blurFrame(frame, {unsharpRadius(frame.stage), sharpen, steps.of, kept});
 }
 
 }  // namespace

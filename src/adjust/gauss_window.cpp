@@ -118,7 +118,7 @@ class Blur {
   void finishRow(int32_t y) {
     format_.load(frame_.in[0][y], frame_.rect.left, frame_.rect.right, 0, padded_);
     for (int p = 0; p < kPlanes; ++p) {
-      job_.finish(frame_.stage, padded_.plane[p], result_.plane[p], columns_);
+      job_.finish(job_.table, padded_.plane[p], result_.plane[p], columns_);
     }
   }
 

@@ -30,7 +30,17 @@ int32_t callOnFrame(QPXStage* publicStage, const MRect* rect, QPXRowTable* outRo
   return body(Frame{stage, cut, outRows, inRows, nullptr, nullptr});
 }
 
-// The same for kernels that read the record and tables of one effect: 2 on any other stage.
+// A kernel by the name of a layout: in formats that the name does not take nothing is written.
+inline int32_t callInFormats(Kernel kernel, uint32_t formats, QPXStage* stage, const MRect* rect,
+                             QPXRowTable* outRows, QPXRowTable* inRows) {
+  return callOnFrame(stage, rect, outRows, inRows, [&](const Frame& frame) {
+    const bool taken = (formatGroup(frame.stage.pix) & formats) != 0;
+    return taken ? kernel(frame) : int32_t{QPX_OK};
+  });
+}
+
+// The same as callOnFrame for kernels that read the record and tables of one effect: 2 on any other
+// stage.
 template <typename Body>
 int32_t callOnFrameOf(uint32_t effectId, QPXStage* publicStage, const MRect* rect,
                       QPXRowTable* outRows, QPXRowTable* inRows, const Body& body) {
