@@ -56,7 +56,9 @@ class Image {
   Image& operator=(const Image&) = delete;
 
   uint8_t* pairs() const { return plane[2]; }  // of NV21
-  cv::Mat mat(int type) const { return {height, width, type, plane[0], static_cast<size_t>(pitch[0])}; }
+  cv::Mat mat(int type) const {
+    return {height, width, type, plane[0], static_cast<size_t>(pitch[0])};
+  }
 
   uint32_t format;
   int32_t width, height;
@@ -74,8 +76,8 @@ ImagePtr image(uint32_t format, int32_t width, int32_t height) {
 
 Body postProcess(ImagePtr src, ImagePtr dst, uint32_t orientation, bool bilinear) {
   const auto side = [](const Image& of) {
-    return PostProcessImage{of.format, static_cast<uint32_t>(of.width),
-                            static_cast<uint32_t>(of.height), {}, nullptr};
+    return PostProcessImage{
+        of.format, static_cast<uint32_t>(of.width), static_cast<uint32_t>(of.height), {}, nullptr};
   };
   const PostProcessImage from = side(*src), to = side(*dst);
   PostProcessOption option = {};
@@ -136,9 +138,8 @@ class Suite {
       cv::cvtColor(yuyv->mat(CV_8UC2), to, cv::COLOR_YUV2BGR_YUY2);
     });
     ours("RGBA32 to RGB565", rgba, rgb16);
-    peer("libyuv", [=] {
-      libyuv::ARGBToRGB565(bgra->plane[0], 4 * w, rgb16->plane[0], 2 * w, w, h);
-    });
+    peer("libyuv",
+         [=] { libyuv::ARGBToRGB565(bgra->plane[0], 4 * w, rgb16->plane[0], 2 * w, w, h); });
   }
 
   void addToYuv() {

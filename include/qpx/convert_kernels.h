@@ -1,5 +1,5 @@
-/* The specialised conversions: frames, which look at a conversion record and hand a rectangle to the
- * kernel for it, and the kernels, each of which converts one kind of picture to one other. They
+/* The specialised conversions: frames, which look at a conversion record and hand a rectangle to
+ * the kernel for it, and the kernels, each of which converts one kind of picture to one other. They
  * give the bytes of ANY_ANY_C_SLOW, but for the dither of some that say so.
  *
  * A name reads <source>[To]<destination>[Fast]_<resampling>[_<orientation>][_<block>][_<extra>].
@@ -12,16 +12,17 @@
  * plane of luma.
  *
  * Resampling. NORESAMPLE, NoResample, NoResize, NO: both steps are 1. RESAMPLE, N_RESAMPLE,
- * N_RESIZE, Nearest, REAMPLE: the nearest pixel to the left and above. BILINEAR, BILINEARN, BILINAR,
- * BilNear: between four pixels, chroma of YUV sources nearest. No word: as the record says.
+ * N_RESIZE, Nearest, REAMPLE: the nearest pixel to the left and above. BILINEAR, BILINEARN,
+ * BILINAR, BilNear: between four pixels, chroma of YUV sources nearest. No word: as the record
+ * says.
  *
  * Orientation, by the three bits of ConvParams.orient (exchange of X and Y, mirror left-right,
- * mirror top-bottom): R0, NOROTATE 0 0 0; R90, 90 1 1 0; R180, 180, Rotate180 0 1 1; R270, 270 1 0 1;
- * SwapXY, SXY 1 0 0; H_Flip, HFlip, HORIZONTAL, MLR 0 1 0; V_Flip, VERTICAL 0 0 1; Rotate a quarter
- * turn either way. No word: any.
+ * mirror top-bottom): R0, NOROTATE 0 0 0; R90, 90 1 1 0; R180, 180, Rotate180 0 1 1; R270, 270 1 0
+ * 1; SwapXY, SXY 1 0 0; H_Flip, HFlip, HORIZONTAL, MLR 0 1 0; V_Flip, VERTICAL 0 0 1; Rotate a
+ * quarter turn either way. No word: any.
  *
- * Block. Frames choose kernels of 2x2 and 4x4 for rectangles that are multiples of it, under a block
- * mode that allows it; called by themselves they take any rectangle.
+ * Block. Frames choose kernels of 2x2 and 4x4 for rectangles that are multiples of it, under a
+ * block mode that allows it; called by themselves they take any rectangle.
  *
  * All functions are reentrant: records are only read, and a call keeps nothing. Planes and pitches
  * are arrays of three, of which formats with one plane use the first; the planes of the source are
@@ -38,32 +39,31 @@
 QPX_BEGIN_DECLS
 
 /* The arguments of a frame. */
-#define QPX_CONVERT_FRAME_ARGUMENTS                                                          \
-  const MRect *rect, const int32_t *dstPitch, const int32_t *srcPitch,                       \
-      uint8_t *const *dstPlanes, const uint8_t *const *srcPlanes, const ConvRecord *record
+#define QPX_CONVERT_FRAME_ARGUMENTS                                                               \
+  const MRect *rect, const int32_t *dstPitch, const int32_t *srcPitch, uint8_t *const *dstPlanes, \
+      const uint8_t *const *srcPlanes, const ConvRecord *record
 
 /* The arguments of a kernel: `firstSy` is the source row, 16.16, one step before that of the
  * rectangle's first row; steps are 16.16 source pixels a destination pixel; the shifts are the
  * subsampling of chroma less one, of the YUV side, which the record holds as well. Null arguments,
  * rectangles outside the destination and missing planes leave everything as it is. */
-#define QPX_CONVERT_KERNEL_ARGUMENTS                                                         \
-  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes,             \
-      const int32_t *srcPitch, const int32_t *dstPitch, int32_t firstSy, uint32_t stepX,     \
+#define QPX_CONVERT_KERNEL_ARGUMENTS                                                     \
+  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes,         \
+      const int32_t *srcPitch, const int32_t *dstPitch, int32_t firstSy, uint32_t stepX, \
       uint32_t stepY, int32_t chromaShiftX, int32_t chromaShiftY, const ConvRecord *record
 
 /* The arguments of kernels that check by themselves whether a conversion is theirs: the record's
  * subsampling of the three planes of both sides, or whether V stands before U in the destination's
- * chroma pairs. They return 0; 3 for what is not theirs, also by block, block mode or a colour table
- * in use; 2 for null arguments. */
-#define QPX_CONVERT_SUBSAMPLED_ARGUMENTS                                                     \
-  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes,             \
-      const int32_t *srcPitch, const int32_t *dstPitch, const int32_t *srcSubX,              \
-      const int32_t *srcSubY, const int32_t *dstSubX, const int32_t *dstSubY,                \
+ * chroma pairs. They return 0; 3 for what is not theirs, also by block, block mode or a colour
+ * table in use; 2 for null arguments. */
+#define QPX_CONVERT_SUBSAMPLED_ARGUMENTS                                         \
+  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes, \
+      const int32_t *srcPitch, const int32_t *dstPitch, const int32_t *srcSubX,  \
+      const int32_t *srcSubY, const int32_t *dstSubX, const int32_t *dstSubY,    \
       const ConvRecord *record
-#define QPX_CONVERT_PAIRED_ARGUMENTS                                                         \
-  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes,             \
-      const int32_t *srcPitch, const int32_t *dstPitch, int32_t isNV21,                      \
-      const ConvRecord *record
+#define QPX_CONVERT_PAIRED_ARGUMENTS                                             \
+  const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes, \
+      const int32_t *srcPitch, const int32_t *dstPitch, int32_t isNV21, const ConvRecord *record
 
 /* Frames. They return 0 when they converted, 3 when no kernel of theirs is for it, 2 for null
  * arguments. In turn: one side in 24-bit RGB; YUV to YUV without a colour table; one side in 16-bit
@@ -110,12 +110,12 @@ QPX_API void RGB2RGBFast_RGB888_N_RESIZE_4x4_R90(QPX_CONVERT_KERNEL_ARGUMENTS);
 QPX_API void RGB2RGBFast_RGB888_N_RESIZE_4x4_R180(QPX_CONVERT_KERNEL_ARGUMENTS);
 QPX_API void RGB2RGBFast_RGB888_N_RESIZE_4x4_HORIZONTAL(QPX_CONVERT_KERNEL_ARGUMENTS);
 
-/* To and from 16-bit RGB. 16-bit pixels made from YUV are dithered where the record asks for it: what
- * the fields cut off is added to the next pixel of the row, and from the last of a row to the first
- * of the next. 2x2 kernels with Dither do so through the four pixels of each 2x2 cell in turn, left
- * top, right top, left bottom, right bottom, so that their bytes are not those of ANY_ANY_C_SLOW;
- * other 2x2 kernels, the 4x4 ones without Dither and those with NODither never do. Sources in RGB
- * are dithered by RGB888Fast_NORESAMPLE_R5G6B5_Dither alone. */
+/* To and from 16-bit RGB. 16-bit pixels made from YUV are dithered where the record asks for it:
+ * what the fields cut off is added to the next pixel of the row, and from the last of a row to the
+ * first of the next. 2x2 kernels with Dither do so through the four pixels of each 2x2 cell in
+ * turn, left top, right top, left bottom, right bottom, so that their bytes are not those of
+ * ANY_ANY_C_SLOW; other 2x2 kernels, the 4x4 ones without Dither and those with NODither never do.
+ * Sources in RGB are dithered by RGB888Fast_NORESAMPLE_R5G6B5_Dither alone. */
 QPX_API void NV21_To_RGB565_NoResample_2x2_R270_Dither(QPX_CONVERT_KERNEL_ARGUMENTS);
 QPX_API void NV21_To_RGB565_NoResample_2x2_Dither(QPX_CONVERT_KERNEL_ARGUMENTS);
 QPX_API void NV21_To_RGB565_NoResample_4x4_R270(QPX_CONVERT_KERNEL_ARGUMENTS);
@@ -387,8 +387,8 @@ QPX_API int32_t YUVtoNV21Fast_NORESAMPLE_R0_1x1(QPX_CONVERT_PAIRED_ARGUMENTS);
 QPX_API int32_t YUVtoNVXY_Fast_NORESAMPLE_R0_4x4(QPX_CONVERT_PAIRED_ARGUMENTS);
 
 /* Quick turns of I420 for hosts, which no frame picks. As frames, but for conversions from I420 to
- * the format named (I420 where there is no other) under block mode 3 alone: with _90 for orientation
- * 3, with _270 for 5, Rotate for both, else for 0; Resample nearest. */
+ * the format named (I420 where there is no other) under block mode 3 alone: with _90 for
+ * orientation 3, with _270 for 5, Rotate for both, else for 0; Resample nearest. */
 QPX_API int32_t MCC_I420_Bilinear(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t MCC_I420_Bilinear_90(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t MCC_I420_Bilinear_270(QPX_CONVERT_FRAME_ARGUMENTS);

@@ -85,8 +85,8 @@ void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
 // Both bytes of the words of pixels whose lowest field is cut from `low`.
 template <class D, class V>
 HWY_INLINE void storeWords(D d, V low, V middle, V high, uint8_t* dst) {
-  const auto first = hn::Or(hn::ShiftRight<3>(low),
-                            hn::ShiftLeft<3>(hn::And(middle, hn::Set(d, uint8_t{0x1C}))));
+  const auto first =
+      hn::Or(hn::ShiftRight<3>(low), hn::ShiftLeft<3>(hn::And(middle, hn::Set(d, uint8_t{0x1C}))));
   const auto second = hn::Or(hn::And(high, hn::Set(d, uint8_t{0xF8})), hn::ShiftRight<5>(middle));
   hn::StoreInterleaved2(first, second, d, dst);
 }
@@ -138,14 +138,47 @@ void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
   plain::swapPairs(src + 2 * done, pairs - done, dst + 2 * done);
 }
 
-void everySecond(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(count, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
-    auto first = hn::Zero(d), second = first;
-    hn::LoadInterleaved2(d, src + 2 * i, first, second);
-    hn::StoreU(second, d, dst + i);
+void everySecond4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+  const hn::ScalableTag<uint32_t> d;
+  const hn::Repartition<uint8_t, decltype(d)> bytes;
+  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  const ptrdiff_t done = wholeVectors(count, length, [&](ptrdiff_t i) HWY_ATTR {
+    const auto first = hn::BitCast(d, hn::LoadU(bytes, src + 8 * i));
+    const auto second = hn::BitCast(d, hn::LoadU(bytes, src + 8 * i + 4 * length));
+    hn::StoreU(hn::BitCast(bytes, hn::ConcatOdd(d, second, first)), bytes, dst + 4 * i);
   });
-  plain::everySecond(src + 2 * done, count - done, dst + done);
+  plain::everySecond4(src + 8 * done, count - done, dst + 4 * done);
+}
+
+HWY_ALIGN constexpr uint8_t kPadded[16] = {0, 1, 2, 128, 3, 4,  5,  128,
+                                           6, 7, 8, 128, 9, 10, 11, 128};
+
+// Four pixels out of sixteen bytes: the row must hold six of them.
+void pad24To32(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  const Block d;
+  const auto indices = hn::Load(d, kPadded);
+  const ptrdiff_t done = wholeVectors(pixels - 2, 4, [&](ptrdiff_t i) HWY_ATTR {
+    hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(d, src + 3 * i), indices), d, dst + 4 * i);
+  });
+  plain::pad24To32(src + 3 * done, pixels - done, dst + 4 * done);
+}
+
+void weigh4(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  const hn::ScalableTag<int32_t> d;
+  const hn::Repartition<uint8_t, decltype(d)> bytes;
+  const hn::Rebind<uint8_t, decltype(d)> narrow;
+  const auto w0 = hn::Set(d, w[0]), w1 = hn::Set(d, w[1]), w2 = hn::Set(d, w[2]);
+  const auto base = hn::Set(d, w[3]), byte = hn::Set(d, 0xFF);
+  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  const ptrdiff_t done = wholeVectors(pixels, length, [&](ptrdiff_t i) HWY_ATTR {
+    const auto v = hn::BitCast(d, hn::LoadU(bytes, src + 4 * i));
+    const auto first = hn::Mul(hn::And(v, byte), w0);
+    const auto second = hn::Mul(hn::And(hn::ShiftRight<8>(v), byte), w1);
+    const auto third = hn::Mul(hn::And(hn::ShiftRight<16>(v), byte), w2);
+    const auto sum = hn::Add(hn::Add(first, second), hn::Add(third, base));
+    hn::StoreU(hn::DemoteTo(narrow, hn::ShiftRight<16>(sum)), narrow, dst + i);
+  });
+  plain::weigh4(src + 4 * done, pixels - done, w, dst + done);
 }
 
 HWY_ALIGN constexpr uint8_t kReversed1[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
@@ -259,16 +292,16 @@ HWY_INLINE ptrdiff_t transposeRows(D d, const uint8_t* src, ptrdiff_t srcPitch, 
 }
 
 void transpose1(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
-                           uint8_t* dst, ptrdiff_t dstPitch) {
+                uint8_t* dst, ptrdiff_t dstPitch) {
   const Block d;
   ptrdiff_t y = transposeRows<16>(d, src, srcPitch, columns, rows, 0, dst, dstPitch);
   y = transposeRows<8>(d, src, srcPitch, columns, rows, y, dst, dstPitch);
-  transposeRest<1>(plain::transpose1, src, srcPitch, columns, rows, columns & ~ptrdiff_t{15}, y, dst,
-                   dstPitch);
+  transposeRest<1>(plain::transpose1, src, srcPitch, columns, rows, columns & ~ptrdiff_t{15}, y,
+                   dst, dstPitch);
 }
 
 void transpose2(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
-                           uint8_t* dst, ptrdiff_t dstPitch) {
+                uint8_t* dst, ptrdiff_t dstPitch) {
   const hn::FixedTag<uint16_t, 8> d;
   const ptrdiff_t y = transposeRows<8>(d, src, srcPitch, columns, rows, 0, dst, dstPitch);
   transposeRest<2>(plain::transpose2, src, srcPitch, columns, rows, columns & ~ptrdiff_t{7}, y, dst,
@@ -276,7 +309,7 @@ void transpose2(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdi
 }
 
 void transpose4(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
-                           uint8_t* dst, ptrdiff_t dstPitch) {
+                uint8_t* dst, ptrdiff_t dstPitch) {
   const hn::FixedTag<uint32_t, 4> d;
   const ptrdiff_t y = transposeRows<4>(d, src, srcPitch, columns, rows, 0, dst, dstPitch);
   transposeRest<4>(plain::transpose4, src, srcPitch, columns, rows, columns & ~ptrdiff_t{3}, y, dst,

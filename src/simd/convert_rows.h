@@ -13,7 +13,8 @@
 
 namespace qpx::simd {
 
-// The tables from YUV to RGB. With y = luma[Y], u = blue[Cb] and v = red[Cr], a pixel's channels are
+// The tables from YUV to RGB. With y = luma[Y], u = blue[Cb] and v = red[Cr], a pixel's channels
+// are
 //   R: value(y + v, 512)      B: value(y + u, 512)      G: value(y + ((u + v) << 16), greenBias)
 //   value(sum, bias) = clamp(int32(sum - (bias << 20)) >> 20, 0, 255)
 // with all sums modulo 2^32 and an arithmetic shift; a field of fewer than 8 bits takes the highest
@@ -50,12 +51,12 @@ struct YuvRow {
 // Where a row of a resampled picture takes its pixels, for one run of destination pixels.
 struct SampledRow {
   const uint8_t* top;
-  const uint8_t* bottom;      // the row below, or `top` again
-  const int32_t* place;       // source column of each pixel, never negative
-  const int32_t* fraction;    // 0..65535; where it is 0 column place + 1 is not read
-  int32_t down;               // 0..65535, from top towards bottom
-  uint32_t step;              // 16.16, from one place to the next
-  bool even;                  // place and fraction are exactly that far apart all along the run
+  const uint8_t* bottom;    // the row below, or `top` again
+  const int32_t* place;     // source column of each pixel, never negative
+  const int32_t* fraction;  // 0..65535; where it is 0 column place + 1 is not read
+  int32_t down;             // 0..65535, from top towards bottom
+  uint32_t step;            // 16.16, from one place to the next
+  bool even;                // place and fraction are exactly that far apart all along the run
 };
 
 struct ConvertRows {
@@ -77,6 +78,14 @@ struct ConvertRows {
   void (*rgb24To32)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
   void (*rgb32To24)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
 
+  // Pixels of 3 bytes with a fourth one, 0.
+  void (*pad24To32)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
+
+  // Of pixels of 4 bytes, b0 b1 b2 and one that does not matter, with 16 fractional bits:
+  //   dst = (w[0] * b0 + w[1] * b1 + w[2] * b2 + w[3]) >> 16
+  // for weights that keep every result within 0..255 and every sum within 32 bits.
+  void (*weigh4)(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst);
+
   // Pixels of 3 or 4 bytes, b0 b1 b2, cut to 16-bit words, low byte first:
   // b2 >> 3 << 11 | b1 >> 2 << 5 | b0 >> 3, b0 and b2 exchanged with `swap`; and back, without
   // replication: b0 = (w & 31) << 3, b1 = (w >> 5 & 63) << 2, b2 = w >> 11 << 3.
@@ -87,8 +96,8 @@ struct ConvertRows {
   // The two bytes of each pair exchanged. In place.
   void (*swapPairs)(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst);
 
-  // dst[i] = src[2 * i + 1]: the second of each two.
-  void (*everySecond)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+  // The second of each two elements, of 4 bytes: dst[i] = src[2 * i + 1].
+  void (*everySecond4)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
 
   // Elements of 1 to 4 bytes in reverse order.
   void (*reverse1)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
@@ -130,11 +139,13 @@ struct ConvertRows {
   ROW(Table, swapEnds4)              \
   ROW(Table, rgb24To32)              \
   ROW(Table, rgb32To24)              \
+  ROW(Table, pad24To32)              \
+  ROW(Table, weigh4)                 \
   ROW(Table, rgb24To16)              \
   ROW(Table, rgb32To16)              \
   ROW(Table, rgb16To24)              \
   ROW(Table, swapPairs)              \
-  ROW(Table, everySecond)            \
+  ROW(Table, everySecond4)           \
   ROW(Table, reverse1)               \
   ROW(Table, reverse2)               \
   ROW(Table, reverse3)               \

@@ -96,11 +96,12 @@ int32_t mix(int32_t p, int32_t q, int32_t fraction) {
 
 template <int kBytes>
 void blend(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
+  constexpr ptrdiff_t kColours = std::min(kBytes, 3);
   for (ptrdiff_t i = 0; i < count; ++i, dst += kBytes) {
     const int32_t across = row.fraction[i];
     const ptrdiff_t a = ptrdiff_t{row.place[i]} * kBytes;
     const ptrdiff_t b = across != 0 ? a + kBytes : a;
-    for (ptrdiff_t c = 0; c < 3 && c < kBytes; ++c) {
+    for (ptrdiff_t c = 0; c < kColours; ++c) {
       const int32_t top = mix(row.top[a + c], row.top[b + c], across);
       const int32_t bottom = mix(row.bottom[a + c], row.bottom[b + c], across);
       dst[c] = static_cast<uint8_t>(mix(top, bottom, row.down));
@@ -156,6 +157,19 @@ void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   }
 }
 
+void pad24To32(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i) {
+    memcpy(dst + 4 * i, src + 3 * i, 3);
+    dst[4 * i + 3] = 0;
+  }
+}
+
+void weigh4(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4) {
+    dst[i] = static_cast<uint8_t>((w[0] * src[0] + w[1] * src[1] + w[2] * src[2] + w[3]) >> 16);
+  }
+}
+
 void rgb24To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   rgbTo16<3>(src, pixels, swap, dst);
 }
@@ -182,8 +196,8 @@ void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
   }
 }
 
-void everySecond(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < count; ++i) dst[i] = src[2 * i + 1];
+void everySecond4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < count; ++i) memcpy(dst + 4 * i, src + 8 * i + 4, 4);
 }
 
 void reverse1(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<1>(src, count, dst); }

@@ -37,8 +37,8 @@ HWY_INLINE V meanOf(V p, V q) {
   return hn::Sub(hn::AverageRound(p, q), odd);
 }
 
-// p + (f * (q - p) >> 16) for fractions below 65536, held in lanes of 16 bits: those from the middle
-// on read as negative, which takes q - p once too often.
+// p + (f * (q - p) >> 16) for fractions below 65536, held in lanes of 16 bits: those from the
+// middle on read as negative, which takes q - p once too often.
 template <class V>
 HWY_INLINE V mix16(V p, V q, V fraction) {
   const auto way = hn::Sub(q, p);
@@ -128,10 +128,9 @@ HWY_INLINE ptrdiff_t halve4(const SampledRow& row, ptrdiff_t count, uint8_t* dst
   const auto colours = hn::Set(d, 0x00FFFFFFu);
   const auto load = [&](const uint8_t* at)
                         HWY_ATTR { return hn::BitCast(d, hn::LoadU(bytes, at)); };
-  const auto meanAcross = [&](const decltype(hn::Zero(d))& left, const decltype(hn::Zero(d))& right)
-                              HWY_ATTR {
-                                return meanOf(hn::BitCast(bytes, left), hn::BitCast(bytes, right));
-                              };
+  const auto meanAcross =
+      [&](const decltype(hn::Zero(d))& left, const decltype(hn::Zero(d))& right)
+          HWY_ATTR { return meanOf(hn::BitCast(bytes, left), hn::BitCast(bytes, right)); };
   ptrdiff_t i = 0;
   for (; i <= count - length; i += length) {
     const uint8_t *const top = row.top + start + 8 * i, *const bottom = row.bottom + start + 8 * i;

@@ -20,10 +20,22 @@ bool frameHolds(int32_t (*frame)(QPX_CONVERT_FRAME_ARGUMENTS)) {
   return frame(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2;
 }
 
-#define QPX_KERNEL(name) {#name, [] { return kernelHolds(name); }}
-#define QPX_SUBSAMPLED(name) {#name, [] { return subsampledHolds(name); }}
-#define QPX_PAIRED(name) {#name, [] { return pairedHolds(name); }}
-#define QPX_FRAME(name) {#name, [] { return frameHolds(name); }}
+#define QPX_KERNEL(name)                    \
+  {                                         \
+#name, [] { return kernelHolds(name); } \
+  }
+#define QPX_SUBSAMPLED(name)                    \
+  {                                             \
+#name, [] { return subsampledHolds(name); } \
+  }
+#define QPX_PAIRED(name)                    \
+  {                                         \
+#name, [] { return pairedHolds(name); } \
+  }
+#define QPX_FRAME(name)                    \
+  {                                        \
+#name, [] { return frameHolds(name); } \
+  }
 
 constexpr ConvertNullCall kCalls[] = {
     QPX_FRAME(ANY_ANY_C_FAST_R8G8B8),

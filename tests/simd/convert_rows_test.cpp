@@ -72,7 +72,18 @@ const std::vector<Row>& shuffles() {
       {"rgb16To24", 2, 3, with(&ConvertRows::rgb16To24, false)},
       {"rgb16To24, swap", 2, 3, with(&ConvertRows::rgb16To24, true)},
       {"swapPairs", 2, 2, as(&ConvertRows::swapPairs), true},
-      {"everySecond", 2, 1, as(&ConvertRows::everySecond)},
+      {"everySecond4", 8, 4, as(&ConvertRows::everySecond4)},
+      {"pad24To32", 3, 4, as(&ConvertRows::pad24To32)},
+      {"weigh4", 4, 1,
+       [](const ConvertRows& rows, const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+         constexpr int32_t kLuma[4] = {7471, 38470, 19595, 0x8000};
+         rows.weigh4(src, count, kLuma, dst);
+       }},
+      {"weigh4, chroma", 4, 1,
+       [](const ConvertRows& rows, const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+         constexpr int32_t kChroma[4] = {32768, -21710, -11058, 0x800000};
+         rows.weigh4(src, count, kChroma, dst);
+       }},
       {"reverse1", 1, 1, as(&ConvertRows::reverse1)},
       {"reverse2", 2, 2, as(&ConvertRows::reverse2)},
       {"reverse3", 3, 3, as(&ConvertRows::reverse3)},
@@ -171,9 +182,8 @@ TEST_P(ConvertRowsTest, BlendsEqualTheSumsAsWritten) {
       const auto size = static_cast<size_t>(places.columns * blend.bytes);
       const std::vector<uint8_t> top = noise(size, next(state)), bottom = noise(size, next(state));
       const int32_t down = i % 8 < 5 ? 0x8000 : static_cast<int32_t>(next(state) & 0xFFFF);
-      const SampledRow row = {top.data(),             bottom.data(), places.place.data(),
-                              places.fraction.data(), down,          step,
-                              true};
+      const SampledRow row = {
+          top.data(), bottom.data(), places.place.data(), places.fraction.data(), down, step, true};
       const size_t count = places.place.size();
       std::vector<uint8_t> made = noise(count * static_cast<size_t>(blend.bytes) + 8, 3);
       std::vector<uint8_t> expected = made;
@@ -183,9 +193,9 @@ TEST_P(ConvertRowsTest, BlendsEqualTheSumsAsWritten) {
         const auto left = static_cast<size_t>(places.place[pixel] * blend.bytes + channel);
         const int32_t fx = places.fraction[pixel];
         const size_t right = fx != 0 ? left + static_cast<size_t>(blend.bytes) : left;
-        expected[k] = channel == 3 ? top[left]
-                                   : mixed(top[left], top[right], bottom[left], bottom[right], fx,
-                                           down);
+        expected[k] = channel == 3
+                          ? top[left]
+                          : mixed(top[left], top[right], bottom[left], bottom[right], fx, down);
       }
       (vector().*blend.row)(row, static_cast<ptrdiff_t>(count), made.data());
       ASSERT_EQ(expected, made) << blend.bytes << " bytes, " << count << " by " << step;
@@ -255,8 +265,10 @@ TEST_P(ConvertRowsTest, PicksElementsByTheirPlaces) {
   const std::vector<uint8_t> src = noise(4 * 60, 12);
   std::vector<int32_t> places;
   for (int i = 0; i < 97; ++i) places.push_back(static_cast<int32_t>(next(state) % 60));
-  for (const auto& [bytes, row] : {std::pair{1, &ConvertRows::pick1}, {2, &ConvertRows::pick2},
-                                   {3, &ConvertRows::pick3}, {4, &ConvertRows::pick4}}) {
+  for (const auto& [bytes, row] : {std::pair{1, &ConvertRows::pick1},
+                                   {2, &ConvertRows::pick2},
+                                   {3, &ConvertRows::pick3},
+                                   {4, &ConvertRows::pick4}}) {
     std::vector<uint8_t> made(places.size() * static_cast<size_t>(bytes));
     (vector().*row)(src.data(), places.data(), static_cast<ptrdiff_t>(places.size()), made.data());
     for (size_t i = 0; i < made.size(); ++i) {

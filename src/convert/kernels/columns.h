@@ -37,8 +37,8 @@ class Cells {
 // Where the chroma samples of a run are taken.
 struct ChromaColumns {
   int32_t count;
-  bool direct;    // sample i is source sample start + i
-  bool halved;    // one sample for two pixels, else one a pixel or cell
+  bool direct;  // sample i is source sample start + i
+  bool halved;  // one sample for two pixels, else one a pixel or cell
   int32_t start;
   int32_t place[kRun];
 };

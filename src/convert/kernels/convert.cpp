@@ -13,8 +13,8 @@ namespace {
 int32_t runLength(const ConvRecord& record) { return record.swapXY != 0 ? kTileColumns : kRun; }
 
 bool hasTables(const ConvRecord& record) {
-  const bool needed = record.convKind == 1 || record.convKind == 3 ||
-                      (record.convKind == 0 && record.useLut != 0);
+  const bool needed =
+      record.convKind == 1 || record.convKind == 3 || (record.convKind == 0 && record.useLut != 0);
   return !needed || record.tables != nullptr;
 }
 
@@ -23,7 +23,8 @@ uint32_t kindOf(FormatSet from, FormatSet to) {
   return (to & kInRgb) != 0 ? 1 : 0;
 }
 
-void dither(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells, bool byCells) {
+void convertDithered(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells,
+                     bool byCells) {
   DitherSink sink;
   if (!sink.open(call, from, to)) return;
   if (byCells) {
@@ -62,13 +63,13 @@ bool canConvert(const ConvRecord& record) {
   return from != 0 && to != 0 && record.convKind == kindOf(from, to) && hasTables(record);
 }
 
-void convert(const Call& call, Dither order) {
+void convert(const Call& call, Dither dither) {
   const ConvRecord& record = *call.record;
   if (!canConvert(record)) return;
   const FormatSet from = sourceFormat(record), to = destinationFormat(record);
   const CellGrid cells = cellsOf(record, call.rect, record.dst.klass == kYuyv);
-  if (dithers(record, from, to, order)) {
-    dither(call, from, to, cells, order == Dither::cells);
+  if (dithers(record, from, to, dither)) {
+    convertDithered(call, from, to, cells, dither == Dither::cells);
   } else if ((to & kInRgb) != 0) {
     convertToRgb(call, from, to, cells);
   } else if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {

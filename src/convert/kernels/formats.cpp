@@ -11,12 +11,11 @@ struct ClassFormat {
 };
 
 constexpr ClassFormat kYuvFormats[] = {
-    {kGrey, kInGrey},      {kI420, kInI420},         {kI422V, kInI422V},
-    {kI422H, kInI422H},    {kI444, kInI444},         {kYv12, kInYv12},
-    {kYv12 + 1, kInYv422V}, {kYv12 + 2, kInYv422H},   {kYv444, kInYv444},
-    {kNv21, kInNv21},      {kNv12, kInNv12},         {kNv61, kInNv61},
-    {kNv16, kInNv16},      {kYuyv, kInYuyv},         {kYvyu, kInYvyu},
-    {kUyvy, kInUyvy},      {kVyuy, kInVyuy},
+    {kGrey, kInGrey},   {kI420, kInI420}, {kI422V, kInI422V},     {kI422H, kInI422H},
+    {kI444, kInI444},   {kYv12, kInYv12}, {kYv12 + 1, kInYv422V}, {kYv12 + 2, kInYv422H},
+    {kYv444, kInYv444}, {kNv21, kInNv21}, {kNv12, kInNv12},       {kNv61, kInNv61},
+    {kNv16, kInNv16},   {kYuyv, kInYuyv}, {kYvyu, kInYvyu},       {kUyvy, kInUyvy},
+    {kVyuy, kInVyuy},
 };
 
 struct Fields {

@@ -197,13 +197,12 @@ int32_t MCC_I420_NV12_Resample_270(QPX_CONVERT_FRAME_ARGUMENTS) {
 }
 
 int32_t MCC_I420_NV12_NoResample(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv12, kUnit, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runTurned({kInNv12, kUnit, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
 }
 
 int32_t MCC_I420_NV21_NoResampleRotate(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv21, kUnit, kR90 | kR270},
-                   {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
+  return runTurned({kInNv21, kUnit, kR90 | kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
 }
 
 namespace qpx::convert {

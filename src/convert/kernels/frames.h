@@ -1,8 +1,8 @@
 // The frames' last one.
 #pragma once
 
-#include <qpx/types.h>
 #include <qpx/convert_record.h>
+#include <qpx/types.h>
 
 namespace qpx::convert {
 

@@ -7,9 +7,9 @@ namespace qpx::convert::fast {
 namespace {
 
 Call callOf(const Pictures& pictures, const Steps& steps, const ConvRecord& record) {
-  return {*pictures.rect,    pictures.srcPlanes, pictures.dstPlanes, pictures.srcPitch,
-          pictures.dstPitch, steps.firstSy,      steps.stepX,        steps.stepY,
-          &record};
+  return {*pictures.rect,    pictures.srcPlanes, pictures.dstPlanes,
+          pictures.srcPitch, pictures.dstPitch,  steps.firstSy,
+          steps.stepX,       steps.stepY,        &record};
 }
 
 // Rectangle, block, and that no colour table is in use: what a kernel of YUV2YUV_Fast asks for.

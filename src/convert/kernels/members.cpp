@@ -44,9 +44,9 @@ bool keepsDither(const Member& member, const ConvRecord& record) {
 
 bool takes(const Member& member, const ConvRecord& record) {
   const FormatSet from = sourceFormat(record), to = destinationFormat(record);
-  return (member.from & from) != 0 && (member.to & to) != 0 &&
-         isInOrder(member.order, from, to) && (member.sampling & samplingOf(record)) != 0 &&
-         (member.orients & orientOf(record)) != 0 && canConvert(record);
+  return (member.from & from) != 0 && (member.to & to) != 0 && isInOrder(member.order, from, to) &&
+         (member.sampling & samplingOf(record)) != 0 && (member.orients & orientOf(record)) != 0 &&
+         canConvert(record);
 }
 
 bool suits(const Member& member, const ConvRecord& record, const MRect& rect) {

@@ -51,7 +51,8 @@ bool takes(const Member& member, const ConvRecord& record);
 // the record asks for is dropped nor one that only this kernel does is taken up.
 bool suits(const Member& member, const ConvRecord& record, const MRect& rect);
 
-// clang-format off: a table.
+// A table reads best by its columns.
+// clang-format off
 // Frame of 24-bit RGB.
 #define QPX_RGB24_KERNELS(KERNEL)                                                                                      \
   KERNEL(RGB2RGBFast_NORESAMPLE, kIn24, kIn24, Order::any, kUnit, kAnyWay, 1, Dither::none)                            \

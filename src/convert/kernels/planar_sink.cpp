@@ -1,5 +1,7 @@
 #include "convert/kernels/planar_sink.h"
 
+#include <algorithm>
+
 #include "convert/format_decoder.h"
 #include "convert/kernels/rgb_sink.h"
 
@@ -10,7 +12,7 @@ bool YuvMaker::open(const Call& call, FormatSet from) {
   convert_ = &simd::convertRows();
   if (!source_.open(call, from)) return false;
   lut_ = colourLutOf(*call.record);
-  if (source_.isRgb()) weights_ = toYuvWeightsOf(*call.record);
+  if (source_.isRgb()) weights_ = toYuvWeightsOf(*call.record, source_.isRedFirst());
   return true;
 }
 
@@ -19,7 +21,11 @@ void YuvMaker::begin(const Positions& positions, int32_t x, int32_t count, const
   columns_.locate(positions, x, count);
   firstInCell_ = 0;
   if (!wantsChroma) return;
-  columns_.chromaOfCells(source_.chromaShiftX(), cells, right);
+  if (source_.isRgb()) {
+    columns_.chroma.count = cells.of(x + count - 1) - cells.of(x) + 1;
+  } else {
+    columns_.chromaOfCells(source_.chromaShiftX(), cells, right);
+  }
   cellsOfTwo_ = cells.shift() != 0;
   firstInCell_ = cellsOfTwo_ && x == cells.lastOf(cells.of(x), x + 2) ? 1 : 0;
   wholeCells_ = (firstInCell_ + count) / 2;
@@ -28,31 +34,25 @@ void YuvMaker::begin(const Positions& positions, int32_t x, int32_t count, const
 void YuvMaker::load(const SourcePair& place) {
   place_ = place;
   if (!source_.isRgb()) return;
-  uint8_t room[4 * kRun];
-  split(source_.pixels(place, columns_, room));
-}
-
-void YuvMaker::split(const PixelRow& row) {
-  uint8_t room[3 * kRun], fourth[kRun];
-  const bool redFirst = source_.isRedFirst();
-  uint8_t* const first = (redFirst ? red_ : blue_) + firstInCell_;
-  uint8_t* const third = (redFirst ? blue_ : red_) + firstInCell_;
-  const uint8_t* pixels = row.pixels;
-  if (row.bytes == 4) {
-    rows_->deinterleave4(pixels, columns_.count, first, green_ + firstInCell_, third, fourth);
-    return;
-  }
+  const PixelRow row = source_.pixels(place, columns_, pixelRoom_);
+  pixels_ = row.pixels;
+  if (row.bytes == 4) return;
+  uint8_t room[3 * kRun];
+  const uint8_t* narrow = row.pixels;
   if (row.bytes == 2) {
-    convert_->rgb16To24(pixels, columns_.count, false, room);
-    pixels = room;
+    convert_->rgb16To24(row.pixels, columns_.count, false, room);
+    narrow = room;
+  } else if (narrow == pixelRoom_) {
+    std::copy_n(narrow, ptrdiff_t{3} * columns_.count, room);
+    narrow = room;
   }
-  rows_->deinterleave3(pixels, columns_.count, first, green_ + firstInCell_, third);
+  convert_->pad24To32(narrow, columns_.count, pixelRoom_);
+  pixels_ = pixelRoom_;
 }
 
 const uint8_t* YuvMaker::luma(uint8_t* room) {
   if (source_.isRgb()) {
-    rows_->weightedSum(red_ + firstInCell_, green_ + firstInCell_, blue_ + firstInCell_, room,
-                       columns_.count, weights_.y);
+    convert_->weigh4(pixels_, columns_.count, weights_.y, room);
     return room;
   }
   const uint8_t* const luma = source_.luma(place_, columns_, room);
@@ -61,23 +61,30 @@ const uint8_t* YuvMaker::luma(uint8_t* room) {
   return room;
 }
 
-// The second of each two samples; of a cell that the rectangle cuts, the first.
-void YuvMaker::pickCells(const uint8_t* channel, uint8_t* dst) const {
-  convert_->everySecond(channel, wholeCells_, dst);
-  if (wholeCells_ < columns_.chroma.count) dst[wholeCells_] = channel[2 * wholeCells_];
+// The second of each two pixels; of a cell that the rectangle cuts, the one there is.
+void YuvMaker::pickCells(uint8_t* dst) const {
+  const uint8_t* pixel = pixels_;
+  int32_t cells = wholeCells_;
+  if (firstInCell_ != 0) {
+    std::copy_n(pixel, 4, dst);
+    pixel += 4;
+    dst += 4;
+    --cells;
+  }
+  convert_->everySecond4(pixel, cells, dst);
+  if (wholeCells_ < columns_.chroma.count) {
+    std::copy_n(pixel + ptrdiff_t{8} * cells, 4, dst + ptrdiff_t{4} * cells);
+  }
 }
 
 ChromaRow YuvMaker::chroma(uint8_t* roomU, uint8_t* roomV) {
   const int32_t count = columns_.chroma.count;
   if (source_.isRgb()) {
-    uint8_t picked[3][kRun];
-    const uint8_t* channels[3] = {red_, green_, blue_};
-    for (int32_t c = 0; c < 3 && cellsOfTwo_; ++c) {
-      pickCells(channels[c], picked[c]);
-      channels[c] = picked[c];
-    }
-    rows_->weightedSum(channels[0], channels[1], channels[2], roomU, count, weights_.u);
-    rows_->weightedSum(channels[0], channels[1], channels[2], roomV, count, weights_.v);
+    uint8_t picked[4 * kRun];
+    if (cellsOfTwo_) pickCells(picked);
+    const uint8_t* const pixels = cellsOfTwo_ ? picked : pixels_;
+    convert_->weigh4(pixels, count, weights_.u, roomU);
+    convert_->weigh4(pixels, count, weights_.v, roomV);
     return {roomU, roomV};
   }
   const ChromaRow row = source_.chroma(place_, columns_.chroma, roomU, roomV);
@@ -111,7 +118,8 @@ bool PlanarSink::open(const Call& call, FormatSet from, FormatSet to, const Cell
 }
 
 bool PlanarSink::openChroma(const Call& call, FormatSet to) {
-  const int32_t planeU = planeOfU(call.record->dst.klass), planeV = planeOfV(call.record->dst.klass);
+  const int32_t planeU = planeOfU(call.record->dst.klass),
+                planeV = planeOfV(call.record->dst.klass);
   uint8_t *const u = call.dstPlanes[planeU], *const v = call.dstPlanes[planeV];
   if (u == nullptr || v == nullptr) return false;
   const Stride strideU = strideOf(call, 1, planeU), strideV = strideOf(call, 2, planeV);
@@ -145,13 +153,13 @@ bool PlanarSink::copyChroma(const Positions& positions) {
                          source.chromaShiftY() == cells_.y.shift() &&
                          cells_.x.endsWhole(rect_.right) && cells_.y.endsWhole(rect_.bottom);
   const bool planes = source.hasPlanes() && chroma_ == Chroma::planes;
-  const bool pairs =
-      source.hasPairs() && chroma_ == Chroma::pairs && source.isVFirst() == vFirst_;
+  const bool pairs = source.hasPairs() && chroma_ == Chroma::pairs && source.isVFirst() == vFirst_;
   if (!sameCells || (!planes && !pairs)) return false;
 
   const int32_t firstX = cells_.x.of(rect_.left), firstY = cells_.y.of(rect_.top);
   const int32_t x = (cells_.x.lastOf(firstX, rect_.right) + positions.shiftX()) >> cells_.x.shift();
-  const int32_t y = (cells_.y.lastOf(firstY, rect_.bottom) + positions.shiftY()) >> cells_.y.shift();
+  const int32_t y =
+      (cells_.y.lastOf(firstY, rect_.bottom) + positions.shiftY()) >> cells_.y.shift();
   const int32_t columns = cells_.x.of(rect_.right - 1) - firstX + 1;
   const int32_t rows = cells_.y.of(rect_.bottom - 1) - firstY + 1;
   if (pairs) {

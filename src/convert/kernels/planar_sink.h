@@ -28,8 +28,7 @@ class YuvMaker {
   const uint8_t* chromaPairs(bool vFirst, uint8_t* room);
 
  private:
-  void split(const PixelRow& row);
-  void pickCells(const uint8_t* channel, uint8_t* dst) const;
+  void pickCells(uint8_t* dst) const;
 
   Source source_;
   const simd::Rows* rows_;
@@ -41,10 +40,8 @@ class YuvMaker {
   int32_t firstInCell_;  // 1 where the run begins with the second pixel of a cell
   int32_t wholeCells_;
   bool cellsOfTwo_;
-  // Channels of an RGB source's row, from index firstInCell_ on.
-  uint8_t red_[kRun + 2];
-  uint8_t green_[kRun + 2];
-  uint8_t blue_[kRun + 2];
+  const uint8_t* pixels_;  // of an RGB source's row, 4 bytes each
+  uint8_t pixelRoom_[4 * kRun];
 };
 
 class PlanarSink {

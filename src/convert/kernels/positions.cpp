@@ -14,7 +14,8 @@ int64_t wideRowBefore(const ConvRecord& record, int32_t top) {
 // A row handed over in 32 bits, in full: far down a tall picture its upper bits are lost.
 int64_t widened(int32_t firstSy, const ConvRecord& record, int32_t top) {
   const int64_t usual = wideRowBefore(record, top);
-  return usual + static_cast<int32_t>(static_cast<uint32_t>(firstSy) - static_cast<uint32_t>(usual));
+  return usual +
+         static_cast<int32_t>(static_cast<uint32_t>(firstSy) - static_cast<uint32_t>(usual));
 }
 
 bool isInside(const MRect& rect, const ConvRecord& record, int32_t shiftX, int32_t shiftY) {

@@ -11,8 +11,8 @@ class RgbSink {
  public:
   bool open(const Call& call, FormatSet from, FormatSet to);
 
-  // Delivers all pixels where they only change their places: between pictures of one format. Returns
-  // whether it did.
+  // Delivers all pixels where they only change their places: between pictures of one format.
+  // Returns whether it did.
   bool copyPixels(const Positions& positions);
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
@@ -28,8 +28,8 @@ class RgbSink {
   const simd::ConvertRows* rows_;
   simd::YuvToRgb tables_;
   MRect rect_;
-  int32_t bytes_;        // of a stored pixel
-  bool keepsAlpha_;      // the fourth byte of the destination is not written
+  int32_t bytes_;    // of a stored pixel
+  bool keepsAlpha_;  // the fourth byte of the destination is not written
   bool redFirst_;
   uint8_t alpha_;
   Columns columns_;

@@ -153,9 +153,7 @@ PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* 
   const uint8_t* const pixels = rowOf(0, row.first);
   if (columns.direct) return {pixels + ptrdiff_t{bytes} * columns.start, bytes};
   if (!bilinear_) {
-    const auto pick = bytes == 2   ? convert_->pick2
-                      : bytes == 3 ? convert_->pick3
-                                   : convert_->pick4;
+    const auto pick = bytes == 2 ? convert_->pick2 : bytes == 3 ? convert_->pick3 : convert_->pick4;
     pick(pixels, columns.place, columns.count, room);
     return {room, bytes};
   }

@@ -22,12 +22,12 @@ simd::YuvToRgb yuvToRgbOf(const ConvRecord& record) {
 
 // The tables are straight lines: a step of each is its weight, its first entry its share of the
 // constant.
-ToYuvWeights toYuvWeightsOf(const ConvRecord& record) {
+ToYuvWeights toYuvWeightsOf(const ConvRecord& record, bool redFirst) {
   const auto* const words = static_cast<const int32_t*>(record.tables);
-  const auto fill = [words](int32_t r, int32_t g, int32_t b, int32_t* weights) {
-    weights[0] = words[r + 1] - words[r];
+  const auto fill = [=](int32_t r, int32_t g, int32_t b, int32_t* weights) {
+    weights[redFirst ? 0 : 2] = words[r + 1] - words[r];
     weights[1] = words[g + 1] - words[g];
-    weights[2] = words[b + 1] - words[b];
+    weights[redFirst ? 2 : 0] = words[b + 1] - words[b];
     weights[3] = words[r] + words[g] + words[b];
   };
   ToYuvWeights weights = {};

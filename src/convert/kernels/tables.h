@@ -9,13 +9,14 @@ namespace qpx::convert::fast {
 
 simd::YuvToRgb yuvToRgbOf(const ConvRecord& record);
 
-// Weights of R, G and B with 16 fractional bits, and what is added to their sum.
+// Weights of a pixel's three bytes in memory order with 16 fractional bits, and what is added to
+// their sum.
 struct ToYuvWeights {
   int32_t y[4];
   int32_t u[4];
   int32_t v[4];
 };
-ToYuvWeights toYuvWeightsOf(const ConvRecord& record);
+ToYuvWeights toYuvWeightsOf(const ConvRecord& record, bool redFirst);
 
 // Colour tables from YUV to YUV, or null where samples are copied.
 struct ColourLut {

@@ -27,8 +27,8 @@ template <typename Sink>
 void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const Positions positions(call);
   const MRect& rect = call.rect;
-  // Rows share the work of finding columns, and tiles are as high as can be; where there is neither,
-  // memory is best read and written in its order.
+  // Rows share the work of finding columns, and tiles are as high as can be; where there is
+  // neither, memory is best read and written in its order.
   const bool inOrder = positions.isDirect() && call.record->swapXY == 0;
   const int32_t rows = inOrder ? 2 : kBandRows;
   for (int32_t top = rect.top; top < rect.bottom;) {

@@ -25,8 +25,7 @@ struct Walk {
     carry[0] = red & 7;
     carry[1] = green & 3;
     carry[2] = blue & 7;
-    return static_cast<uint16_t>(clamp[red >> 3] << 11 | clamp[green >> 2] << 5 |
-                                 clamp[blue >> 3]);
+    return static_cast<uint16_t>(clamp[red >> 3] << 11 | clamp[green >> 2] << 5 | clamp[blue >> 3]);
   }
 
   uint16_t fromRgb(int32_t r, int32_t g, int32_t b) {
@@ -81,8 +80,8 @@ void expectCellWalk(const AnyKernel& kernel, uint32_t from, uint32_t orient) {
       for (int32_t k = 0; k < 4; ++k) {
         const int32_t x = cellX + k % 2, y = cellY + k / 2;
         const uint16_t word =
-            walk.fromYuv(converter.record, byteAt(src, 0, x, y),
-                         byteAt(src, 1, x / 2 * 2, y / 2), byteAt(src, 2, x / 2 * 2, y / 2));
+            walk.fromYuv(converter.record, byteAt(src, 0, x, y), byteAt(src, 1, x / 2 * 2, y / 2),
+                         byteAt(src, 2, x / 2 * 2, y / 2));
         const int32_t toX = orient == 5 ? y : x, toY = orient == 5 ? kWidth - 1 - x : y;
         ASSERT_EQ(word, wordAt(dst, toX, toY)) << x << ", " << y << ", orientation " << orient;
       }

@@ -10,11 +10,11 @@ namespace qpx::testing {
 namespace {
 
 constexpr uint32_t kFormats[] = {
-    QPX_FORMAT_BGR24,  QPX_FORMAT_RGB24,  QPX_FORMAT_BGRA32, QPX_FORMAT_RGBA32, QPX_FORMAT_RGB565,
-    QPX_FORMAT_BGR565, QPX_FORMAT_GREY8,  QPX_FORMAT_I420,   QPX_FORMAT_I422,   QPX_FORMAT_I440,
-    QPX_FORMAT_I444,   0x50000A11,        0x50000A10,        0x50000A01,        0x50000A00,
-    QPX_FORMAT_NV21,   QPX_FORMAT_NV12,   0x70000004,        0x70000005,        QPX_FORMAT_YUYV,
-    QPX_FORMAT_YVYU,   QPX_FORMAT_UYVY,   QPX_FORMAT_VYUY,
+    QPX_FORMAT_BGR24,  QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32, QPX_FORMAT_RGBA32, QPX_FORMAT_RGB565,
+    QPX_FORMAT_BGR565, QPX_FORMAT_GREY8, QPX_FORMAT_I420,   QPX_FORMAT_I422,   QPX_FORMAT_I440,
+    QPX_FORMAT_I444,   0x50000A11,       0x50000A10,        0x50000A01,        0x50000A00,
+    QPX_FORMAT_NV21,   QPX_FORMAT_NV12,  0x70000004,        0x70000005,        QPX_FORMAT_YUYV,
+    QPX_FORMAT_YVYU,   QPX_FORMAT_UYVY,  QPX_FORMAT_VYUY,
 };
 
 bool isYuv(uint32_t format) { return format >> 28 >= 5; }
@@ -57,8 +57,8 @@ TEST(ConvertKernels, EveryKernelEqualsTheGeneralPath) {
     for (int32_t i = 0; i < 3; ++i) {
       Conversion c = anyConversion(row.from, row.to, row.sampling, row.orient, row.block, random);
       const MRect rect = i == 0 ? c.rect() : partOf(c.rect(), row.block, random);
-      ASSERT_TRUE(equalsGeneral(c, rect, row.kernel, ++seed)) << row.name << ": "
-                                                              << describe(c, rect);
+      ASSERT_TRUE(equalsGeneral(c, rect, row.kernel, ++seed))
+          << row.name << ": " << describe(c, rect);
     }
   }
 }
@@ -84,15 +84,15 @@ TEST(ConvertKernels, KernelsLeaveAloneWhatIsNotTheirs) {
       const int32_t other = row.orient == 4 ? 2 : 4;
       const Conversion c = anyConversion(row.from, row.to, row.sampling, other, row.block, random);
       const bool takesBoth = last == "NV21_To_RGB565_NoResample_1x1_R90AndVertical";
-      EXPECT_EQ(!takesBoth, writesNothing(c, row.kernel, 1)) << row.name << ": "
-                                                             << describe(c, c.rect());
+      EXPECT_EQ(!takesBoth, writesNothing(c, row.kernel, 1))
+          << row.name << ": " << describe(c, c.rect());
     }
     if (row.onlyUnit) {
       const Conversion c = anyConversion(row.from, row.to, 'n', row.orient, row.block, random);
       EXPECT_TRUE(writesNothing(c, row.kernel, 2)) << row.name << ": " << describe(c, c.rect());
     }
-    const Conversion c = anyConversion(QPX_FORMAT_RGB555, row.to, row.sampling, row.orient,
-                                       row.block, random);
+    const Conversion c =
+        anyConversion(QPX_FORMAT_RGB555, row.to, row.sampling, row.orient, row.block, random);
     EXPECT_TRUE(writesNothing(c, row.kernel, 3)) << row.name << ": " << describe(c, c.rect());
   }
 }

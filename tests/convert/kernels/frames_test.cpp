@@ -131,6 +131,26 @@ TEST(ConvertFrames, DeclineWhatTheyAreNotFor) {
   EXPECT_EQ(3, answerOf(Gray2Gray_C_FAST, kGrey, kI420, 'u'));
 }
 
+TEST(ConvertFrames, KernelsBetweenYuvWantNoColourTableAndTheRecordsOwnLayout) {
+  Random random(6);
+  Conversion c = anyConversion(QPX_FORMAT_I420, QPX_FORMAT_NV21, 'u', 0, 4, random);
+  c.params.blockMode = 2;
+  const ConversionPicture src(c.from, c.params.srcX + c.srcWidth, c.params.srcY + c.srcHeight, 5);
+  ConversionPicture dst(c.to, c.params.dstX + c.dstWidth, c.params.dstY + c.dstHeight, 6);
+  EXPECT_EQ(0, Converter(c).run(src, c.rect(), YUVtoNV21Fast_NORESAMPLE_R0_1x1, &dst));
+  EXPECT_EQ(3, Converter(c).run(src, c.rect(), YUVtoNV21Fast_NORESAMPLE_R0_4x4, &dst));
+  const Converter plain(c);
+  const MRect rect = c.rect();
+  EXPECT_EQ(3, YUVtoNV21Fast_NORESAMPLE_R0_1x1(&rect, src.planes(), dst.planes(), src.pitches(),
+                                               dst.pitches(), 0, &plain.record));
+  const int32_t full[3] = {1, 1, 1};
+  EXPECT_EQ(3,
+            NV21toI420Fast_NORESAMPLE_R0_4x4(&rect, src.planes(), dst.planes(), src.pitches(),
+                                             dst.pitches(), full, full, full, full, &plain.record));
+  c.params.contrast = 5;
+  EXPECT_EQ(3, Converter(c).run(src, c.rect(), YUVtoNV21Fast_NORESAMPLE_R0_1x1, &dst));
+}
+
 // Block mode, orientation and formats are all that the quick turns look at.
 TEST(ConvertFrames, QuickTurnsWantBlocksOfFour) {
   Random random(4);

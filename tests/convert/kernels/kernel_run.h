@@ -25,8 +25,8 @@ struct KernelRow {
   AnyKernel kernel;
   uint32_t from;
   uint32_t to;
-  char sampling;      // 'u'nit, 'n'earest, 'b'ilinear
-  int32_t orient;     // the three bits, or -1 for any
+  char sampling;   // 'u'nit, 'n'earest, 'b'ilinear
+  int32_t orient;  // the three bits, or -1 for any
   int32_t block;
   bool onlyUnit;       // takes no other sampling
   bool equalsGeneral;  // not for those that dither in their own way
@@ -58,6 +58,9 @@ class Converter {
   // `rect` of the destination, by the strips of the library.
   int32_t run(const ConversionPicture& src, const MRect& rect, const AnyKernel& kernel,
               ConversionPicture* dst) const;
+  // In one call, as a host may make it.
+  int32_t runAtOnce(const ConversionPicture& src, const MRect& rect, const AnyKernel& kernel,
+                    ConversionPicture* dst) const;
 
   ConvRecord record = {};
   int32_t result;

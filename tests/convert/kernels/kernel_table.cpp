@@ -38,9 +38,9 @@ enum class Order { any, same, other };
 
 // Red before blue, V before U.
 bool isReversed(uint32_t format) {
-  for (const uint32_t reversed : {uint32_t{QPX_FORMAT_RGB24}, uint32_t{QPX_FORMAT_RGBA32},
-                                  uint32_t{QPX_FORMAT_BGR565}, uint32_t{QPX_FORMAT_NV21}, kYv12,
-                                  kYv422, kYv440, kYv444, kNv61}) {
+  for (const uint32_t reversed :
+       {uint32_t{QPX_FORMAT_RGB24}, uint32_t{QPX_FORMAT_RGBA32}, uint32_t{QPX_FORMAT_BGR565},
+        uint32_t{QPX_FORMAT_NV21}, kYv12, kYv422, kYv440, kYv444, kNv61}) {
     if (format == reversed) return true;
   }
   return false;
