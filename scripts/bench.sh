@@ -23,7 +23,7 @@ for argument in "$@"; do
   esac
 done
 if ((${#names[@]} == 0)); then
-  names=(engine looks rows geometry smear etc)
+  names=(engine looks rows geometry smear convert etc)
 fi
 
 scripts/install-deps.sh build tool bench

@@ -4,6 +4,9 @@
 #define QPX_QPX_H_
 
 #include <qpx/blend.h>
+#include <qpx/convert.h>
+#include <qpx/convert_kernels.h>
+#include <qpx/convert_record.h>
 #include <qpx/curves.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
@@ -17,6 +20,7 @@
 #include <qpx/log.h>
 #include <qpx/motion_blur.h>
 #include <qpx/png.h>
+#include <qpx/postprocess.h>
 #include <qpx/rotate.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 
+#include "api/convert_null_calls.h"
 #include "support/picture.h"
 
 namespace qpx::testing {
@@ -358,6 +359,19 @@ constexpr NullCall kPlatformCalls[] = {
     QPX_NULL_VOID_CALL(HEAPCK_MemConclusion, (nullptr)),
 };
 
+constexpr NullCall kPostProcessCalls[] = {
+    QPX_NULL_CALL(ANY_ANY_Bilinear_No_Table,
+                  (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(ANY_ANY_C_SLOW, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MPPCreate, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MPPAlign, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MPProcess, (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MPProcessEx,
+                  (nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(MPPDestroy, (nullptr) == 0),
+    QPX_NULL_CALL(PostProcessGetVersionInfo, () == 0),
+};
+
 constexpr NullCall kSmearCalls[] = {
     QPX_NULL_CALL(QPX_MotionBlur, (nullptr, nullptr, 0, 1, nullptr) == 2),
     QPX_NULL_CALL(QPX_WaterFall_Create, (nullptr, nullptr, nullptr) == 2),
@@ -420,13 +434,15 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskSize"};
 
 constexpr std::span<const NullCall> kAllCalls[] = {
-    kAdjustCalls, kImageCalls,   kEngineCalls, kRotationCalls,   kSmearCalls, kStreamCalls,
-    kStringCalls, kToolkitCalls, kPngCalls,    kLookKernelCalls, kEtcCalls,   kPlatformCalls};
+    kAdjustCalls, kImageCalls,    kEngineCalls,     kRotationCalls, kSmearCalls,
+    kStreamCalls, kStringCalls,   kToolkitCalls,    kPngCalls,      kLookKernelCalls,
+    kEtcCalls,    kPlatformCalls, kPostProcessCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {
     for (const NullCall& call : calls) EXPECT_TRUE(call.holds()) << call.name;
   }
+  for (const ConvertNullCall& call : convertNullCalls()) EXPECT_TRUE(call.holds()) << call.name;
 }
 
 TEST(NullArguments, OfEveryExportAreTried) {
@@ -434,6 +450,7 @@ TEST(NullArguments, OfEveryExportAreTried) {
   for (const auto& calls : kAllCalls) {
     for (const NullCall& call : calls) tried.insert(call.name);
   }
+  for (const ConvertNullCall& call : convertNullCalls()) tried.insert(call.name);
   std::ifstream file(QPX_EXPORTS_FILE);
   const std::set<std::string> exported{std::istream_iterator<std::string>(file),
                                        std::istream_iterator<std::string>()};

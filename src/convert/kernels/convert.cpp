@@ -1,0 +1,82 @@
+#include "convert/kernels/convert.h"
+
+#include "convert/format_decoder.h"
+#include "convert/kernels/dither_sink.h"
+#include "convert/kernels/group_sink.h"
+#include "convert/kernels/planar_sink.h"
+#include "convert/kernels/rgb_sink.h"
+#include "convert/kernels/walk.h"
+
+namespace qpx::convert::fast {
+namespace {
+
+int32_t runLength(const ConvRecord& record) { return record.swapXY != 0 ? kTileColumns : kRun; }
+
+bool hasTables(const ConvRecord& record) {
+  const bool needed =
+      record.convKind == 1 || record.convKind == 3 || (record.convKind == 0 && record.useLut != 0);
+  return !needed || record.tables != nullptr;
+}
+
+uint32_t kindOf(FormatSet from, FormatSet to) {
+  if ((from & kInRgb) != 0) return (to & kInRgb) != 0 ? 2 : 3;
+  return (to & kInRgb) != 0 ? 1 : 0;
+}
+
+void convertDithered(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells,
+                     bool byCells) {
+  DitherSink sink;
+  if (!sink.open(call, from, to)) return;
+  if (byCells) {
+    sink.convertCells(call);
+  } else {
+    walkRows(call, cells, &sink);
+  }
+}
+
+void convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  RgbSink sink;
+  if (!sink.open(call, from, to) || (from == to && sink.copyPixels(Positions(call)))) return;
+  walk(call, cells, runLength(*call.record), &sink);
+}
+
+void convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
+  GroupSink sink;
+  if (sink.open(call, from, cells)) walk(call, cells, runLength(*call.record), &sink);
+}
+
+void convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  PlanarSink sink;
+  if (!sink.open(call, from, to, cells) || sink.copyPlanes(Positions(call))) return;
+  walk(call, cells, runLength(*call.record), &sink);
+}
+
+bool dithers(const ConvRecord& record, FormatSet from, FormatSet to, Dither dither) {
+  if ((to & kIn16) == 0 || record.dither == 0 || dither == Dither::none) return false;
+  return (from & kInRgb) == 0 || dither == Dither::pixels;
+}
+
+}  // namespace
+
+bool canConvert(const ConvRecord& record) {
+  const FormatSet from = sourceFormat(record), to = destinationFormat(record);
+  return from != 0 && to != 0 && record.convKind == kindOf(from, to) && hasTables(record);
+}
+
+void convert(const Call& call, Dither dither) {
+  const ConvRecord& record = *call.record;
+  if (!canConvert(record)) return;
+  const FormatSet from = sourceFormat(record), to = destinationFormat(record);
+  const CellGrid cells = cellsOf(record, call.rect, record.dst.klass == kYuyv);
+  if (dithers(record, from, to, dither)) {
+    convertDithered(call, from, to, cells, dither == Dither::cells);
+  } else if ((to & kInRgb) != 0) {
+    convertToRgb(call, from, to, cells);
+  } else if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {
+    convertToGroups(call, from, cells);
+  } else {
+    convertToPlanes(call, from, to, cells);
+  }
+}
+
+}  // namespace qpx::convert::fast

@@ -1,0 +1,220 @@
+#include "convert/kernels/frames.h"
+
+#include <qpx/convert_kernels.h>
+
+#include <span>
+
+#include "convert/format_decoder.h"
+#include "convert/kernels/kernel_call.h"
+
+namespace qpx::convert::fast {
+namespace {
+
+using Kernel = void (*)(QPX_CONVERT_KERNEL_ARGUMENTS);
+using SubsampledKernel = int32_t (*)(QPX_CONVERT_SUBSAMPLED_ARGUMENTS);
+using PairedKernel = int32_t (*)(QPX_CONVERT_PAIRED_ARGUMENTS);
+
+struct Entry {
+  Kernel kernel;
+  Member member;
+};
+
+#define QPX_ENTRY(name, ...) {name, {__VA_ARGS__}},
+#define QPX_NAME(name, ...) name,
+
+constexpr Entry kRgb24Kernels[] = {QPX_RGB24_KERNELS(QPX_ENTRY)};
+constexpr Entry kRgb16Kernels[] = {QPX_RGB16_KERNELS(QPX_ENTRY)};
+constexpr Entry kPlanarKernels[] = {QPX_PLANAR_KERNELS(QPX_ENTRY)};
+constexpr Entry kYuyvKernels[] = {QPX_YUYV_KERNELS(QPX_ENTRY)};
+constexpr Entry kNvLutKernels[] = {QPX_NV_LUT_KERNELS(QPX_ENTRY)};
+constexpr Entry kNvKernels[] = {QPX_NV_KERNELS(QPX_ENTRY)};
+constexpr Entry kYuvRgb32Kernels[] = {QPX_YUV_RGB32_KERNELS(QPX_ENTRY)};
+constexpr Entry kYuyvRgb32Kernels[] = {QPX_YUYV_RGB32_KERNELS(QPX_ENTRY)};
+constexpr Entry kRgb32Kernels[] = {QPX_RGB32_KERNELS(QPX_ENTRY)};
+constexpr Entry kGreyKernels[] = {QPX_GREY_KERNELS(QPX_ENTRY)};
+constexpr SubsampledKernel kSubsampledKernels[] = {QPX_SUBSAMPLED_KERNELS(QPX_NAME)};
+constexpr PairedKernel kPairedKernels[] = {QPX_PAIRED_KERNELS(QPX_NAME)};
+
+bool involves(const ConvRecord& record, FormatSet formats) {
+  return ((sourceFormat(record) | destinationFormat(record)) & formats) != 0;
+}
+
+// Hands the call to the first kernel whose work it is. Null arguments are the frames' own check.
+int32_t pick(std::span<const Entry> entries, const Pictures& pictures, const ConvRecord& record) {
+  const MRect& rect = *pictures.rect;
+  if (!isInDestination(rect, record)) return QPX_UNSUPPORTED;
+  for (const Entry& entry : entries) {
+    if (!takes(entry.member, record) || !suits(entry.member, record, rect)) continue;
+    const Steps steps = stepsOf(record, rect);
+    const bool fromRgb = record.src.klass == kRgb;
+    const int32_t subX = fromRgb ? record.dstSubX[1] : record.srcSubX[1];
+    const int32_t subY = fromRgb ? record.dstSubY[1] : record.srcSubY[1];
+    entry.kernel(&rect, pictures.srcPlanes, pictures.dstPlanes, pictures.srcPitch,
+                 pictures.dstPitch, steps.firstSy, steps.stepX, steps.stepY, subX - 1, subY - 1,
+                 &record);
+    return QPX_OK;
+  }
+  return QPX_UNSUPPORTED;
+}
+
+int32_t trySubsampled(const Pictures& pictures, const ConvRecord& record) {
+  for (const SubsampledKernel kernel : kSubsampledKernels) {
+    const int32_t result = kernel(pictures.rect, pictures.srcPlanes, pictures.dstPlanes,
+                                  pictures.srcPitch, pictures.dstPitch, record.srcSubX,
+                                  record.srcSubY, record.dstSubX, record.dstSubY, &record);
+    if (result != QPX_UNSUPPORTED) return result;
+  }
+  return QPX_UNSUPPORTED;
+}
+
+int32_t tryPaired(const Pictures& pictures, const ConvRecord& record) {
+  const int32_t isNV21 = (destinationFormat(record) & (kInNv21 | kInNv61)) != 0 ? 1 : 0;
+  for (const PairedKernel kernel : kPairedKernels) {
+    const int32_t result = kernel(pictures.rect, pictures.srcPlanes, pictures.dstPlanes,
+                                  pictures.srcPitch, pictures.dstPitch, isNV21, &record);
+    if (result != QPX_UNSUPPORTED) return result;
+  }
+  return QPX_UNSUPPORTED;
+}
+
+// Of the family whose only callers are hosts: blocks of 4x4 in one orientation, from I420.
+struct TurnedMember {
+  FormatSet to;
+  SamplingSet sampling;
+  OrientSet orients;
+};
+
+int32_t runTurned(const TurnedMember& member, const Pictures& pictures, const ConvRecord* record) {
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  const Member whole = {kInI420,        member.to, Order::any,  member.sampling,
+                        member.orients, 1,         Dither::none};
+  if (record->blockMode != 3 || !takes(whole, *record) ||
+      !isInDestination(*pictures.rect, *record)) {
+    return QPX_UNSUPPORTED;
+  }
+  runKernel(whole, pictures, stepsOf(*record, *pictures.rect), record);
+  return QPX_OK;
+}
+
+}  // namespace
+}  // namespace qpx::convert::fast
+
+using namespace qpx::convert::fast;
+
+int32_t ANY_ANY_C_FAST_R8G8B8(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (!involves(*record, kIn24)) return QPX_UNSUPPORTED;
+  return pick(kRgb24Kernels, pictures, *record);
+}
+
+int32_t YUV2YUV_Fast(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (record->useLut != 0 || record->convKind != 0) return QPX_UNSUPPORTED;
+  const int32_t result = trySubsampled(pictures, *record);
+  return result != QPX_UNSUPPORTED ? result : tryPaired(pictures, *record);
+}
+
+int32_t ANY_ANY_C_FAST_R5G6B5(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (!involves(*record, kIn16)) return QPX_UNSUPPORTED;
+  return pick(kRgb16Kernels, pictures, *record);
+}
+
+int32_t I420_To_I422_Fast(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  return pick(kPlanarKernels, pictures, *record);
+}
+
+int32_t YUV_YUV_C_FAST(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (destinationFormat(*record) == kInYuyv) return pick(kYuyvKernels, pictures, *record);
+  if (record->useLut != 0) {
+    const int32_t result = pick(kNvLutKernels, pictures, *record);
+    if (result != QPX_UNSUPPORTED) return result;
+  }
+  return pick(kNvKernels, pictures, *record);
+}
+
+int32_t YUV_RGB32_C_FAST(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  return pick(kYuvRgb32Kernels, pictures, *record);
+}
+
+int32_t YUYV_RGB32_FAST(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (record->isUnit == 0) return QPX_UNSUPPORTED;
+  return pick(kYuyvRgb32Kernels, pictures, *record);
+}
+
+int32_t ANY_ANY_C_FAST_RGB32(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (!involves(*record, kIn32)) return QPX_UNSUPPORTED;
+  return pick(kRgb32Kernels, pictures, *record);
+}
+
+int32_t Gray2Gray_C_FAST(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  return pick(kGreyKernels, pictures, *record);
+}
+
+int32_t MCC_I420_Bilinear(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInI420, kBilinear, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_Bilinear_90(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInI420, kBilinear, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_Bilinear_270(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInI420, kBilinear, kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_NV12_Resample(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInNv12, kNearest, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_NV12_Resample_90(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInNv12, kNearest, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_NV12_Resample_270(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInNv12, kNearest, kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+int32_t MCC_I420_NV12_NoResample(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInNv12, kUnit, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
+}
+
+int32_t MCC_I420_NV21_NoResampleRotate(QPX_CONVERT_FRAME_ARGUMENTS) {
+  return runTurned({kInNv21, kUnit, kR90 | kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                   record);
+}
+
+namespace qpx::convert {
+
+int32_t convertByRows(QPX_CONVERT_FRAME_ARGUMENTS) {
+  const fast::Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
+  if (!fast::isComplete(pictures, record)) return QPX_BAD_PARAM;
+  if (!fast::canConvert(*record) || !fast::isInDestination(*rect, *record)) return QPX_UNSUPPORTED;
+  const fast::Steps steps = fast::stepsOf(*record, *rect);
+  fast::convert({*rect, srcPlanes, dstPlanes, srcPitch, dstPitch, steps.firstSy, steps.stepX,
+                 steps.stepY, record});
+  return QPX_OK;
+}
+
+}  // namespace qpx::convert

@@ -1,0 +1,221 @@
+#include "convert/kernels/planar_sink.h"
+
+#include <algorithm>
+
+#include "convert/format_decoder.h"
+#include "convert/kernels/rgb_sink.h"
+
+namespace qpx::convert::fast {
+
+bool YuvMaker::open(const Call& call, FormatSet from) {
+  rows_ = &simd::rows();
+  convert_ = &simd::convertRows();
+  if (!source_.open(call, from)) return false;
+  lut_ = colourLutOf(*call.record);
+  if (source_.isRgb()) weights_ = toYuvWeightsOf(*call.record, source_.isRedFirst());
+  return true;
+}
+
+void YuvMaker::begin(const Positions& positions, int32_t x, int32_t count, const Cells& cells,
+                     int32_t right, bool wantsChroma) {
+  columns_.locate(positions, x, count);
+  firstInCell_ = 0;
+  if (!wantsChroma) return;
+  if (source_.isRgb()) {
+    columns_.chroma.count = cells.of(x + count - 1) - cells.of(x) + 1;
+  } else {
+    columns_.chromaOfCells(source_.chromaShiftX(), cells, right);
+  }
+  cellsOfTwo_ = cells.shift() != 0;
+  firstInCell_ = cellsOfTwo_ && x == cells.lastOf(cells.of(x), x + 2) ? 1 : 0;
+  wholeCells_ = (firstInCell_ + count) / 2;
+}
+
+void YuvMaker::load(const SourcePair& place) {
+  place_ = place;
+  if (!source_.isRgb()) return;
+  const PixelRow row = source_.pixels(place, columns_, pixelRoom_);
+  pixels_ = row.pixels;
+  if (row.bytes == 4) return;
+  uint8_t room[3 * kRun];
+  const uint8_t* narrow = row.pixels;
+  if (row.bytes == 2) {
+    convert_->rgb16To24(row.pixels, columns_.count, false, room);
+    narrow = room;
+  } else if (narrow == pixelRoom_) {
+    std::copy_n(narrow, ptrdiff_t{3} * columns_.count, room);
+    narrow = room;
+  }
+  convert_->pad24To32(narrow, columns_.count, pixelRoom_);
+  pixels_ = pixelRoom_;
+}
+
+const uint8_t* YuvMaker::luma(uint8_t* room) {
+  if (source_.isRgb()) {
+    convert_->weigh4(pixels_, columns_.count, weights_.y, room);
+    return room;
+  }
+  const uint8_t* const luma = source_.luma(place_, columns_, room);
+  if (lut_.luma == nullptr) return luma;
+  rows_->lookup(luma, room, columns_.count, lut_.luma);
+  return room;
+}
+
+// The second of each two pixels; of a cell that the rectangle cuts, the one there is.
+void YuvMaker::pickCells(uint8_t* dst) const {
+  const uint8_t* pixel = pixels_;
+  int32_t cells = wholeCells_;
+  if (firstInCell_ != 0) {
+    std::copy_n(pixel, 4, dst);
+    pixel += 4;
+    dst += 4;
+    --cells;
+  }
+  convert_->everySecond4(pixel, cells, dst);
+  if (wholeCells_ < columns_.chroma.count) {
+    std::copy_n(pixel + ptrdiff_t{8} * cells, 4, dst + ptrdiff_t{4} * cells);
+  }
+}
+
+ChromaRow YuvMaker::chroma(uint8_t* roomU, uint8_t* roomV) {
+  const int32_t count = columns_.chroma.count;
+  if (source_.isRgb()) {
+    uint8_t picked[4 * kRun];
+    if (cellsOfTwo_) pickCells(picked);
+    const uint8_t* const pixels = cellsOfTwo_ ? picked : pixels_;
+    convert_->weigh4(pixels, count, weights_.u, roomU);
+    convert_->weigh4(pixels, count, weights_.v, roomV);
+    return {roomU, roomV};
+  }
+  const ChromaRow row = source_.chroma(place_, columns_.chroma, roomU, roomV);
+  if (lut_.chroma == nullptr) return row;
+  // Grey has one row for both.
+  rows_->lookup(row.v, roomV, count, lut_.chroma);
+  rows_->lookup(row.u, roomU, count, lut_.chroma);
+  return {roomU, roomV};
+}
+
+const uint8_t* YuvMaker::chromaPairs(bool vFirst, uint8_t* room) {
+  const uint8_t* pairs = source_.chromaPairs(place_, columns_.chroma, room);
+  const int32_t count = columns_.chroma.count;
+  if (source_.isVFirst() != vFirst) {
+    convert_->swapPairs(pairs, count, room);
+    pairs = room;
+  }
+  if (lut_.chroma == nullptr) return pairs;
+  rows_->lookup(pairs, room, ptrdiff_t{2} * count, lut_.chroma);
+  return room;
+}
+
+bool PlanarSink::open(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  cells_ = cells;
+  rect_ = call.rect;
+  if (call.dstPlanes[0] == nullptr || !maker_.open(call, from)) return false;
+  const Stride stride = strideOf(call, 0, 0);
+  luma_.open(call.dstPlanes[0] + call.record->dstPlane.offset[0], stride.along, stride.across, 1);
+  chroma_ = Chroma::none;
+  return to == kInGrey || openChroma(call, to);
+}
+
+bool PlanarSink::openChroma(const Call& call, FormatSet to) {
+  const int32_t planeU = planeOfU(call.record->dst.klass),
+                planeV = planeOfV(call.record->dst.klass);
+  uint8_t *const u = call.dstPlanes[planeU], *const v = call.dstPlanes[planeV];
+  if (u == nullptr || v == nullptr) return false;
+  const Stride strideU = strideOf(call, 1, planeU), strideV = strideOf(call, 2, planeV);
+  const bool adjacent = u + 1 == v || v + 1 == u;
+  if ((to & kInNv) != 0 && adjacent && call.dstPitch[1] == call.dstPitch[2]) {
+    chroma_ = Chroma::pairs;
+    vFirst_ = v < u;
+    u_.open(vFirst_ ? v : u, strideU.along, strideU.across, 2);
+  } else {
+    chroma_ = Chroma::planes;
+    u_.open(u + call.record->dstPlane.offset[1], strideU.along, strideU.across, 1);
+    v_.open(v + call.record->dstPlane.offset[2], strideV.along, strideV.across, 1);
+  }
+  return true;
+}
+
+bool PlanarSink::copyPlanes(const Positions& positions) {
+  const Source& source = maker_.source();
+  if (!positions.isDirect() || !maker_.copies() || !source.hasLumaPlane()) return false;
+  const int32_t x = rect_.left + positions.shiftX(), y = rect_.top + positions.shiftY();
+  const Source::Plane luma = source.plane(0);
+  luma_.take(luma.at(y, x), luma.pitch, rect_.right - rect_.left, rect_.bottom - rect_.top);
+  lumaIsDone_ = true;
+  return chroma_ == Chroma::none || copyChroma(positions);
+}
+
+// Cells of one side lie on cells of the other, and so does the last pixel of each.
+bool PlanarSink::copyChroma(const Positions& positions) {
+  const Source& source = maker_.source();
+  const bool sameCells = source.chromaShiftX() == cells_.x.shift() &&
+                         source.chromaShiftY() == cells_.y.shift() &&
+                         cells_.x.endsWhole(rect_.right) && cells_.y.endsWhole(rect_.bottom);
+  const bool planes = source.hasPlanes() && chroma_ == Chroma::planes;
+  const bool pairs = source.hasPairs() && chroma_ == Chroma::pairs && source.isVFirst() == vFirst_;
+  if (!sameCells || (!planes && !pairs)) return false;
+
+  const int32_t firstX = cells_.x.of(rect_.left), firstY = cells_.y.of(rect_.top);
+  const int32_t x = (cells_.x.lastOf(firstX, rect_.right) + positions.shiftX()) >> cells_.x.shift();
+  const int32_t y =
+      (cells_.y.lastOf(firstY, rect_.bottom) + positions.shiftY()) >> cells_.y.shift();
+  const int32_t columns = cells_.x.of(rect_.right - 1) - firstX + 1;
+  const int32_t rows = cells_.y.of(rect_.bottom - 1) - firstY + 1;
+  if (pairs) {
+    const Source::Plane plane = source.plane(vFirst_ ? 2 : 1);
+    u_.take(plane.at(y, 2 * x), plane.pitch, columns, rows);
+  } else {
+    const Source::Plane u = source.plane(1), v = source.plane(2);
+    u_.take(u.at(y, x), u.pitch, columns, rows);
+    v_.take(v.at(y, x), v.pitch, columns, rows);
+  }
+  return true;
+}
+
+void PlanarSink::begin(const Positions& positions, int32_t x, int32_t count, int32_t y) {
+  maker_.begin(positions, x, count, cells_.x, rect_.right, chroma_ != Chroma::none);
+  luma_.begin(x - rect_.left, count, y - rect_.top);
+  chromaRows_ = 0;
+  if (chroma_ == Chroma::none) return;
+  const int32_t column = cells_.x.of(x) - cells_.x.of(rect_.left);
+  const int32_t row = cells_.y.of(y) - cells_.y.of(rect_.top);
+  u_.begin(column, maker_.columns().chroma.count, row);
+  if (chroma_ == Chroma::planes) v_.begin(column, maker_.columns().chroma.count, row);
+}
+
+void PlanarSink::row(int32_t index, int32_t y, const SourcePair& place) {
+  maker_.load(place);
+  if (!lumaIsDone_) luma_.put(index, maker_.luma(luma_.room(index)));
+  if (chroma_ == Chroma::none || !cells_.y.isLast(y, rect_.bottom)) return;
+  const int32_t chromaIndex = chromaRows_++;
+  if (chroma_ == Chroma::pairs) {
+    putPairs(chromaIndex);
+    return;
+  }
+  const ChromaRow row = maker_.chroma(u_.room(chromaIndex), v_.room(chromaIndex));
+  u_.put(chromaIndex, row.u);
+  v_.put(chromaIndex, row.v);
+}
+
+void PlanarSink::putPairs(int32_t index) {
+  uint8_t* const room = u_.room(index);
+  if (maker_.source().hasPairs()) {
+    u_.put(index, maker_.chromaPairs(vFirst_, room));
+    return;
+  }
+  uint8_t u[kRun], v[kRun];
+  const ChromaRow row = maker_.chroma(u, v);
+  simd::rows().interleave2(vFirst_ ? row.v : row.u, vFirst_ ? row.u : row.v,
+                           maker_.columns().chroma.count, room);
+  u_.put(index, room);
+}
+
+void PlanarSink::end(int32_t rows) {
+  if (!lumaIsDone_) luma_.end(rows);
+  if (chroma_ == Chroma::none) return;
+  u_.end(chromaRows_);
+  if (chroma_ == Chroma::planes) v_.end(chromaRows_);
+}
+
+}  // namespace qpx::convert::fast

@@ -1,0 +1,110 @@
+#include "convert/kernels/rgb_sink.h"
+
+#include <cstring>
+
+#include "convert/kernels/tables.h"
+
+namespace qpx::convert::fast {
+
+Stride strideOf(const Call& call, int32_t component, int32_t plane) {
+  const ptrdiff_t step = call.record->dstStep[component], pitch = call.dstPitch[plane];
+  return call.record->swapXY != 0 ? Stride{pitch, step} : Stride{step, pitch};
+}
+
+bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
+  if (call.dstPlanes[0] == nullptr || !source_.open(call, from)) return false;
+  const ConvRecord& record = *call.record;
+  rows_ = &simd::convertRows();
+  if (!source_.isRgb()) tables_ = yuvToRgbOf(record);
+  rect_ = call.rect;
+  bytes_ = pixelBytes(to);
+  keepsAlpha_ = bytes_ == 4 && (from & (kIn24 | kIn16)) != 0;
+  redFirst_ = (to & kInRedFirst) != 0;
+  alpha_ = static_cast<uint8_t>(record.alpha);
+  const Stride stride = strideOf(call, 0, 0);
+  lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
+  if (keepsAlpha_ && !lane_.isForward()) {
+    bytes_ = 3;
+    lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
+  }
+  return true;
+}
+
+bool RgbSink::copyPixels(const Positions& positions) {
+  if (!positions.isDirect()) return false;
+  const Source::Plane plane = source_.plane(0);
+  const int32_t x = rect_.left + positions.shiftX(), y = rect_.top + positions.shiftY();
+  lane_.take(plane.at(y, bytes_ * x), plane.pitch, rect_.right - rect_.left,
+             rect_.bottom - rect_.top);
+  return true;
+}
+
+void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_t y) {
+  columns_.locate(positions, x, count);
+  if (!source_.isRgb()) columns_.chromaOfPixels(source_.chromaShiftX());
+  lane_.begin(x - rect_.left, count, y - rect_.top);
+}
+
+void RgbSink::row(int32_t index, int32_t, const SourcePair& place) {
+  if (!source_.isRgb()) {
+    fromYuv(index, place);
+    return;
+  }
+  uint8_t room[4 * kRun];
+  lane_.put(index, fromRgb(source_.pixels(place, columns_, room), lane_.room(index)));
+}
+
+void RgbSink::fromYuv(int32_t index, const SourcePair& place) {
+  uint8_t luma[kRun], u[kRun], v[kRun];
+  const ChromaRow chroma = source_.chroma(place, columns_.chroma, u, v);
+  const simd::YuvRow row = {source_.luma(place, columns_, luma), chroma.u, chroma.v,
+                            columns_.chroma.halved};
+  uint8_t* const room = lane_.room(index);
+  if (bytes_ == 2) {
+    rows_->yuvToRgb16(row, columns_.count, tables_, redFirst_, room);
+  } else if (bytes_ == 3) {
+    rows_->yuvToRgb24(row, columns_.count, tables_, redFirst_, room);
+  } else {
+    rows_->yuvToRgb32(row, columns_.count, tables_, redFirst_, alpha_, room);
+  }
+  lane_.put(index, room);
+}
+
+// Pixels that need no change are delivered from where they are, but for those that another row of
+// a tile would overwrite.
+const uint8_t* RgbSink::fromRgb(const PixelRow& row, uint8_t* room) const {
+  const bool copies = row.bytes == bytes_ && source_.isRedFirst() == redFirst_;
+  if (copies && columns_.direct) return row.pixels;
+  if (copies && !lane_.usesTiles() && !lane_.isForward()) return row.pixels;
+  reorder(row, room);
+  return room;
+}
+
+void RgbSink::reorder(const PixelRow& row, uint8_t* room) const {
+  const bool swap = source_.isRedFirst() != redFirst_;
+  const int32_t count = columns_.count;
+  if (bytes_ == 2) {
+    uint8_t unpacked[3 * kRun];
+    if (row.bytes == 2) {
+      rows_->rgb16To24(row.pixels, count, false, unpacked);
+      rows_->rgb24To16(unpacked, count, swap, room);
+    } else {
+      (row.bytes == 3 ? rows_->rgb24To16 : rows_->rgb32To16)(row.pixels, count, swap, room);
+    }
+  } else if (row.bytes == bytes_) {
+    if (swap) {
+      (bytes_ == 3 ? rows_->swapEnds3 : rows_->swapEnds4)(row.pixels, count, room);
+    } else {
+      memcpy(room, row.pixels, static_cast<size_t>(count) * static_cast<size_t>(bytes_));
+    }
+  } else if (row.bytes == 2) {
+    uint8_t unpacked[3 * kRun];
+    uint8_t* const pixels = bytes_ == 3 ? room : unpacked;
+    rows_->rgb16To24(row.pixels, count, swap, pixels);
+    if (bytes_ == 4) rows_->rgb24To32(pixels, count, false, room);
+  } else {
+    (bytes_ == 3 ? rows_->rgb32To24 : rows_->rgb24To32)(row.pixels, count, swap, room);
+  }
+}
+
+}  // namespace qpx::convert::fast

@@ -1,0 +1,47 @@
+// Conversions to RGB.
+#pragma once
+
+#include "convert/kernels/lane.h"
+#include "convert/kernels/source.h"
+#include "convert/kernels/walk.h"
+
+namespace qpx::convert::fast {
+
+class RgbSink {
+ public:
+  bool open(const Call& call, FormatSet from, FormatSet to);
+
+  // Delivers all pixels where they only change their places: between pictures of one format.
+  // Returns whether it did.
+  bool copyPixels(const Positions& positions);
+
+  void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
+  void row(int32_t index, int32_t y, const SourcePair& place);
+  void end(int32_t rows) { lane_.end(rows); }
+
+ private:
+  void fromYuv(int32_t index, const SourcePair& place);
+  const uint8_t* fromRgb(const PixelRow& row, uint8_t* room) const;
+  void reorder(const PixelRow& row, uint8_t* room) const;
+
+  Source source_;
+  const simd::ConvertRows* rows_;
+  simd::YuvToRgb tables_;
+  MRect rect_;
+  int32_t bytes_;    // of a stored pixel
+  bool keepsAlpha_;  // the fourth byte of the destination is not written
+  bool redFirst_;
+  uint8_t alpha_;
+  Columns columns_;
+  Lane lane_;
+};
+
+// The planes of the record's destination: from a pixel to the next column and to the next row of
+// the source's frame.
+struct Stride {
+  ptrdiff_t along;
+  ptrdiff_t across;
+};
+Stride strideOf(const Call& call, int32_t component, int32_t plane);
+
+}  // namespace qpx::convert::fast

@@ -1,0 +1,193 @@
+#include "convert/kernels/source.h"
+
+#include <cstring>
+
+#include "convert/format_decoder.h"
+#include "convert/position.h"
+
+namespace qpx::convert::fast {
+namespace {
+
+constexpr uint8_t kNoColour = 128;
+
+}  // namespace
+
+bool Source::open(const Call& call, FormatSet format) {
+  const ConvRecord& record = *call.record;
+  rows_ = &simd::rows();
+  convert_ = &simd::convertRows();
+  format_ = format;
+  bilinear_ = record.bilinearY != 0;
+  shiftX_ = record.srcSubX[1] - 1;
+  shiftY_ = record.srcSubY[1] - 1;
+  const bool onePlane = record.srcPlane.count == 1;
+  const int32_t planes[3] = {0, onePlane ? 0 : planeOfU(record.src.klass),
+                             onePlane ? 0 : planeOfV(record.src.klass)};
+  for (int32_t c = 0; c < 3; ++c) {
+    plane_[c] = call.srcPlanes[planes[c]];
+    pitch_[c] = call.srcPitch[planes[c]];
+    offset_[c] = record.srcPlane.offset[c];
+    if (plane_[c] == nullptr) return false;
+  }
+  if ((format & (kInRgb | kInGrey)) != 0) {
+    chroma_ = Chroma::none;
+  } else if ((format & kInPacked) != 0) {
+    chroma_ = Chroma::groups;
+  } else if ((format & kInNv) == 0) {
+    chroma_ = Chroma::planes;
+  } else {
+    const bool adjacent = plane_[1] + 1 == plane_[2] || plane_[2] + 1 == plane_[1];
+    chroma_ = adjacent && pitch_[1] == pitch_[2] ? Chroma::pairs : Chroma::apart;
+  }
+  return true;
+}
+
+simd::SampledRow Source::sampled(const SourcePair& row, const Columns& columns) const {
+  return {rowOf(0, row.first), rowOf(0, row.second), columns.place, columns.fraction,
+          row.fraction,        columns.step,         columns.even};
+}
+
+const uint8_t* Source::luma(const SourcePair& row, const Columns& columns, uint8_t* room) const {
+  if (chroma_ == Chroma::groups) return packedLuma(row, columns, room);
+  const uint8_t* const samples = rowOf(0, row.first);
+  if (columns.direct) return samples + columns.start;
+  if (bilinear_) {
+    convert_->blend1(sampled(row, columns), columns.count, room);
+  } else {
+    convert_->pick1(samples, columns.place, columns.count, room);
+  }
+  return room;
+}
+
+const uint8_t* Source::packedLuma(const SourcePair& row, const Columns& columns,
+                                  uint8_t* room) const {
+  if (bilinear_) {
+    blendPackedLuma(row, columns, room);
+    return room;
+  }
+  uint8_t picked[2 * kRun], chroma[kRun];
+  const uint8_t* units = rowOf(0, row.first) + ptrdiff_t{2} * columns.start;
+  if (!columns.direct) {
+    convert_->pick2(rowOf(0, row.first), columns.place, columns.count, picked);
+    units = picked;
+  }
+  const bool first = offset_[0] == 0;
+  rows_->deinterleave2(units, columns.count, first ? room : chroma, first ? chroma : room);
+  return room;
+}
+
+void Source::blendPackedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const {
+  const uint8_t* const top = rowOf(0, row.first) + offset_[0];
+  const uint8_t* const bottom = rowOf(0, row.second) + offset_[0];
+  for (int32_t i = 0; i < columns.count; ++i) {
+    const int32_t fraction = columns.fraction[i];
+    const ptrdiff_t a = ptrdiff_t{2} * columns.place[i], b = fraction != 0 ? a + 2 : a;
+    room[i] = static_cast<uint8_t>(between(between(top[a], top[b], fraction),
+                                           between(bottom[a], bottom[b], fraction), row.fraction));
+  }
+}
+
+ChromaRow Source::chroma(const SourcePair& row, const ChromaColumns& columns, uint8_t* roomU,
+                         uint8_t* roomV) const {
+  const int32_t chromaRow = row.first >> shiftY_;
+  switch (chroma_) {
+    case Chroma::groups:
+      return groupedChroma(chromaRow, columns, roomU, roomV);
+    case Chroma::pairs: {
+      uint8_t room[2 * kRun];
+      const uint8_t* const pairs = chromaPairs(row, columns, room);
+      rows_->deinterleave2(pairs, columns.count, isVFirst() ? roomV : roomU,
+                           isVFirst() ? roomU : roomV);
+      return {roomU, roomV};
+    }
+    case Chroma::planes: {
+      const uint8_t *const u = rowOf(1, chromaRow), *const v = rowOf(2, chromaRow);
+      if (columns.direct) return {u + columns.start, v + columns.start};
+      convert_->pick1(u, columns.place, columns.count, roomU);
+      convert_->pick1(v, columns.place, columns.count, roomV);
+      return {roomU, roomV};
+    }
+    case Chroma::apart:
+      spacedChroma(rowOf(1, chromaRow), columns, roomU);
+      spacedChroma(rowOf(2, chromaRow), columns, roomV);
+      return {roomU, roomV};
+    default:
+      memset(roomU, kNoColour, static_cast<size_t>(columns.count));
+      return {roomU, roomU};
+  }
+}
+
+ChromaRow Source::groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
+                                uint8_t* roomV) const {
+  uint8_t picked[4 * kRun], luma0[kRun], luma1[kRun];
+  const uint8_t* groups = rowOf(0, row) + ptrdiff_t{4} * columns.start;
+  if (!columns.direct) {
+    convert_->pick4(rowOf(0, row), columns.place, columns.count, picked);
+    groups = picked;
+  }
+  uint8_t* parts[4] = {};
+  parts[offset_[0]] = luma0;
+  parts[offset_[0] + 2] = luma1;
+  parts[offset_[1]] = roomU;
+  parts[offset_[2]] = roomV;
+  rows_->deinterleave4(groups, columns.count, parts[0], parts[1], parts[2], parts[3]);
+  return {roomU, roomV};
+}
+
+void Source::spacedChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room) const {
+  for (int32_t i = 0; i < columns.count; ++i) {
+    room[i] = row[ptrdiff_t{2} * (columns.direct ? columns.start + i : columns.place[i])];
+  }
+}
+
+const uint8_t* Source::chromaPairs(const SourcePair& row, const ChromaColumns& columns,
+                                   uint8_t* room) const {
+  const uint8_t* const pairs = rowOf(isVFirst() ? 2 : 1, row.first >> shiftY_);
+  if (columns.direct) return pairs + ptrdiff_t{2} * columns.start;
+  convert_->pick2(pairs, columns.place, columns.count, room);
+  return room;
+}
+
+PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) const {
+  const int32_t bytes = pixelBytes(format_);
+  const uint8_t* const pixels = rowOf(0, row.first);
+  if (columns.direct) return {pixels + ptrdiff_t{bytes} * columns.start, bytes};
+  if (!bilinear_) {
+    const auto pick = bytes == 2 ? convert_->pick2 : bytes == 3 ? convert_->pick3 : convert_->pick4;
+    pick(pixels, columns.place, columns.count, room);
+    return {room, bytes};
+  }
+  if (bytes == 2) {
+    blend565(row, columns, room);
+    return {room, 3};
+  }
+  const auto blend = bytes == 3 ? convert_->blend3 : convert_->blend4;
+  blend(sampled(row, columns), columns.count, room);
+  return {room, bytes};
+}
+
+// Fields become the highest bits of a byte before they are blended.
+void Source::blend565(const SourcePair& row, const Columns& columns, uint8_t* room) const {
+  const uint8_t *const top = rowOf(0, row.first), *const bottom = rowOf(0, row.second);
+  // Moved up by 3, so that the lowest field, too, is cut out by a shift down.
+  const auto wordAt = [](const uint8_t* pixels, int32_t column) {
+    const uint8_t* const bytes = pixels + ptrdiff_t{2} * column;
+    return (bytes[0] | bytes[1] << 8) << 3;
+  };
+  for (int32_t i = 0; i < columns.count; ++i, room += 3) {
+    const int32_t fraction = columns.fraction[i];
+    const int32_t left = columns.place[i], right = fraction != 0 ? left + 1 : left;
+    const int32_t a = wordAt(top, left), b = wordAt(top, right);
+    const int32_t c = wordAt(bottom, left), d = wordAt(bottom, right);
+    const auto channel = [&](int32_t position, int32_t mask) {
+      const auto byteOf = [=](int32_t word) { return (word >> position) & mask; };
+      return static_cast<uint8_t>(between(between(byteOf(a), byteOf(b), fraction),
+                                          between(byteOf(c), byteOf(d), fraction), row.fraction));
+    };
+    room[0] = channel(0, 0xF8);
+    room[1] = channel(6, 0xFC);
+    room[2] = channel(11, 0xF8);
+  }
+}
+
+}  // namespace qpx::convert::fast

@@ -1,0 +1,91 @@
+// Runs of source samples, resampled where the positions ask for it.
+//
+// What a function returns lies either in the caller's `room` or in the picture itself.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "convert/kernels/call.h"
+#include "convert/kernels/columns.h"
+#include "convert/kernels/formats.h"
+#include "simd/convert_rows.h"
+#include "simd/rows.h"
+
+namespace qpx::convert::fast {
+
+struct ChromaRow {
+  const uint8_t* u;
+  const uint8_t* v;
+};
+
+struct PixelRow {
+  const uint8_t* pixels;
+  int32_t bytes;  // of a pixel: those of the format, or 3 where 16-bit pixels were blended
+};
+
+class Source {
+ public:
+  // False where a plane is missing.
+  bool open(const Call& call, FormatSet format);
+
+  FormatSet format() const { return format_; }
+  bool isRgb() const { return (format_ & kInRgb) != 0; }
+  bool isRedFirst() const { return (format_ & kInRedFirst) != 0; }
+  int32_t chromaShiftX() const { return shiftX_; }
+
+  // Samples, or pixels, lie next to each other.
+  bool hasPlanes() const { return chroma_ == Chroma::planes; }
+  bool hasLumaPlane() const { return !isRgb() && chroma_ != Chroma::groups; }
+  struct Plane {
+    const uint8_t* base;
+    ptrdiff_t pitch;
+    const uint8_t* at(int32_t row, int32_t byte) const { return base + pitch * row + byte; }
+  };
+  // Of Y or pixels, U, V.
+  Plane plane(int32_t component) const { return {plane_[component], pitch_[component]}; }
+  int32_t chromaShiftY() const { return shiftY_; }
+
+  // `columns.count` bytes.
+  const uint8_t* luma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+
+  // `columns.chroma.count` samples of each.
+  ChromaRow chroma(const SourcePair& row, const ChromaColumns& columns, uint8_t* roomU,
+                   uint8_t* roomV) const;
+
+  // Chroma lies in pairs, V before U or the other way round.
+  bool hasPairs() const { return chroma_ == Chroma::pairs; }
+  bool isVFirst() const { return plane_[2] < plane_[1]; }
+  const uint8_t* chromaPairs(const SourcePair& row, const ChromaColumns& columns,
+                             uint8_t* room) const;
+
+  // Pixels of an RGB format; room for kRun pixels of 4 bytes.
+  PixelRow pixels(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+
+ private:
+  enum class Chroma { none, planes, pairs, apart, groups };
+
+  const uint8_t* rowOf(int32_t plane, int32_t row) const {
+    return plane_[plane] + pitch_[plane] * row;
+  }
+  const uint8_t* packedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+  void blendPackedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+  ChromaRow groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
+                          uint8_t* roomV) const;
+  void spacedChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room) const;
+  void blend565(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+  simd::SampledRow sampled(const SourcePair& row, const Columns& columns) const;
+
+  const simd::Rows* rows_;
+  const simd::ConvertRows* convert_;
+  FormatSet format_;
+  bool bilinear_;
+  Chroma chroma_;
+  const uint8_t* plane_[3];
+  ptrdiff_t pitch_[3];
+  int32_t offset_[3];
+  int32_t shiftX_;
+  int32_t shiftY_;
+};
+
+}  // namespace qpx::convert::fast

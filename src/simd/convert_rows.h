@@ -1,0 +1,168 @@
+// What conversions between pixel formats are made of, as a table of row functions beside Rows and
+// under the same rules: no alignment needed beyond that of the types, nothing outside the named
+// range is read or written, a count of 0 or less does nothing, outputs overlap neither inputs nor
+// each other unless the entry says "in place", plain and vector forms give the same bytes.
+//
+// (De)interleaving, byte tables and weighted sums are entries of Rows.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "simd/row_forms.h"
+
+namespace qpx::simd {
+
+// The tables from YUV to RGB. With y = luma[Y], u = blue[Cb] and v = red[Cr], a pixel's channels
+// are
+//   R: value(y + v, 512)      B: value(y + u, 512)      G: value(y + ((u + v) << 16), greenBias)
+//   value(sum, bias) = clamp(int32(sum - (bias << 20)) >> 20, 0, 255)
+// with all sums modulo 2^32 and an arithmetic shift; a field of fewer than 8 bits takes the highest
+// ones.
+//
+// What the tables hold, for i in 0..255, in 32-bit arithmetic that wraps, with arithmetic shifts:
+//   luma[i] = i * luma[1]
+//   blue[i] = (i * greenU) >> 12 & 0xffff | (blueU.base + i * blueU.slope) >> 12 << 16
+//   red[i]  = (redV.base + i * redV.slope) >> 12 << 16
+//           | (greenV.base + i * greenV.slope) >> 12 & 0xffff
+struct YuvToRgb {
+  struct Line {
+    int32_t base;
+    int32_t slope;
+  };
+  const uint32_t* luma;
+  const uint32_t* blue;
+  const uint32_t* red;
+  int32_t greenBias;
+  Line blueU;
+  int32_t greenU;
+  Line redV;
+  Line greenV;
+};
+
+// Samples of one picture row and the chroma that goes with them.
+struct YuvRow {
+  const uint8_t* luma;
+  const uint8_t* u;
+  const uint8_t* v;
+  bool halved;  // pixel i takes chroma sample i / 2, else sample i
+};
+
+// Where a row of a resampled picture takes its pixels, for one run of destination pixels.
+struct SampledRow {
+  const uint8_t* top;
+  const uint8_t* bottom;    // the row below, or `top` again
+  const int32_t* place;     // source column of each pixel, never negative
+  const int32_t* fraction;  // 0..65535; where it is 0 column place + 1 is not read
+  int32_t down;             // 0..65535, from top towards bottom
+  uint32_t step;            // 16.16, from one place to the next
+  bool even;                // place and fraction are exactly that far apart all along the run
+};
+
+struct ConvertRows {
+  // Pixels from YUV: three bytes, four (the last being `alpha`), or 16-bit words 5-6-5. The first
+  // byte, of a word the lowest field, is blue, or red with `redFirst`.
+  void (*yuvToRgb24)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                     uint8_t* dst);
+  void (*yuvToRgb32)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                     uint8_t alpha, uint8_t* dst);
+  void (*yuvToRgb16)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                     uint8_t* dst);
+
+  // First and third byte of each pixel exchanged; the fourth is copied. In place.
+  void (*swapEnds3)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
+  void (*swapEnds4)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
+
+  // Between pixels of 3 and 4 bytes, the ends exchanged with `swap`. The fourth bytes of `dst` keep
+  // what they held.
+  void (*rgb24To32)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
+  void (*rgb32To24)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
+
+  // Pixels of 3 bytes with a fourth one, 0.
+  void (*pad24To32)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
+
+  // Of pixels of 4 bytes, b0 b1 b2 and one that does not matter, with 16 fractional bits:
+  //   dst = (w[0] * b0 + w[1] * b1 + w[2] * b2 + w[3]) >> 16
+  // for weights that keep every result within 0..255 and every sum within 32 bits.
+  void (*weigh4)(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst);
+
+  // Pixels of 3 or 4 bytes, b0 b1 b2, cut to 16-bit words, low byte first:
+  // b2 >> 3 << 11 | b1 >> 2 << 5 | b0 >> 3, b0 and b2 exchanged with `swap`; and back, without
+  // replication: b0 = (w & 31) << 3, b1 = (w >> 5 & 63) << 2, b2 = w >> 11 << 3.
+  void (*rgb24To16)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
+  void (*rgb32To16)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
+  void (*rgb16To24)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
+
+  // The two bytes of each pair exchanged. In place.
+  void (*swapPairs)(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst);
+
+  // The second of each two elements, of 4 bytes: dst[i] = src[2 * i + 1].
+  void (*everySecond4)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+
+  // Elements of 1 to 4 bytes in reverse order.
+  void (*reverse1)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+  void (*reverse2)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+  void (*reverse3)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+  void (*reverse4)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
+
+  // Elements of 1 to 4 bytes, rows and columns exchanged: dst element y of row x is src element x
+  // of row y, for x < columns and y < rows. Pitches may be negative.
+  void (*transpose1)(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                     uint8_t* dst, ptrdiff_t dstPitch);
+  void (*transpose2)(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                     uint8_t* dst, ptrdiff_t dstPitch);
+  void (*transpose3)(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                     uint8_t* dst, ptrdiff_t dstPitch);
+  void (*transpose4)(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                     uint8_t* dst, ptrdiff_t dstPitch);
+
+  // Nearest: element place[i] of src, elements being 1 to 4 bytes. Places are not negative.
+  void (*pick1)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
+  void (*pick2)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
+  void (*pick3)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
+  void (*pick4)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
+
+  // Bilinear on elements of 1, 3 and 4 bytes, each byte by itself, across first and then down:
+  // mix(p, q, f) = ((p << 16) + f * (q - p)) >> 16,
+  // mix(mix(a, b, fraction), mix(c, d, fraction), down) with a and b of `top`, c and d of `bottom`.
+  // The fourth byte of four is that of a.
+  void (*blend1)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
+  void (*blend3)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
+  void (*blend4)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
+};
+
+#define QPX_CONVERT_ROWS(ROW, Table) \
+  ROW(Table, yuvToRgb24)             \
+  ROW(Table, yuvToRgb32)             \
+  ROW(Table, yuvToRgb16)             \
+  ROW(Table, swapEnds3)              \
+  ROW(Table, swapEnds4)              \
+  ROW(Table, rgb24To32)              \
+  ROW(Table, rgb32To24)              \
+  ROW(Table, pad24To32)              \
+  ROW(Table, weigh4)                 \
+  ROW(Table, rgb24To16)              \
+  ROW(Table, rgb32To16)              \
+  ROW(Table, rgb16To24)              \
+  ROW(Table, swapPairs)              \
+  ROW(Table, everySecond4)           \
+  ROW(Table, reverse1)               \
+  ROW(Table, reverse2)               \
+  ROW(Table, reverse3)               \
+  ROW(Table, reverse4)               \
+  ROW(Table, transpose1)             \
+  ROW(Table, transpose2)             \
+  ROW(Table, transpose3)             \
+  ROW(Table, transpose4)             \
+  ROW(Table, pick1)                  \
+  ROW(Table, pick2)                  \
+  ROW(Table, pick3)                  \
+  ROW(Table, pick4)                  \
+  ROW(Table, blend1)                 \
+  ROW(Table, blend3)                 \
+  ROW(Table, blend4)
+QPX_DECLARE_ROWS(ConvertRows, QPX_CONVERT_ROWS)
+
+inline const ConvertRows& convertRows() { return chosenForm<ConvertRows>(); }
+
+}  // namespace qpx::simd

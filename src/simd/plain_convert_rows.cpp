@@ -1,0 +1,252 @@
+#include <string.h>
+
+#include <algorithm>
+
+#include "simd/convert_rows.h"
+
+namespace qpx::simd {
+namespace plain {
+namespace {
+
+struct Rgb {
+  uint32_t red;
+  uint32_t green;
+  uint32_t blue;
+};
+
+uint32_t channel(uint32_t sum, int32_t bias) {
+  const auto value = static_cast<int32_t>(sum - (static_cast<uint32_t>(bias) << 20)) >> 20;
+  return static_cast<uint32_t>(std::clamp(value, 0, 255));
+}
+
+Rgb rgbAt(const YuvRow& row, ptrdiff_t i, const YuvToRgb& tables) {
+  const ptrdiff_t chroma = row.halved ? i / 2 : i;
+  const uint32_t y = tables.luma[row.luma[i]];
+  const uint32_t u = tables.blue[row.u[chroma]];
+  const uint32_t v = tables.red[row.v[chroma]];
+  return {channel(y + v, 512), channel(y + ((u + v) << 16), tables.greenBias), channel(y + u, 512)};
+}
+
+template <int kBytes>
+void yuvToRgb(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+              uint8_t alpha, uint8_t* dst) {
+  const ptrdiff_t red = redFirst ? 0 : 2;
+  for (ptrdiff_t i = 0; i < pixels; ++i, dst += kBytes) {
+    const Rgb rgb = rgbAt(row, i, tables);
+    dst[red] = static_cast<uint8_t>(rgb.red);
+    dst[1] = static_cast<uint8_t>(rgb.green);
+    dst[2 - red] = static_cast<uint8_t>(rgb.blue);
+    if constexpr (kBytes == 4) dst[3] = alpha;
+  }
+}
+
+void storeWord(uint8_t* dst, uint32_t word) {
+  dst[0] = static_cast<uint8_t>(word);
+  dst[1] = static_cast<uint8_t>(word >> 8);
+}
+
+template <int kBytes>
+void rgbTo16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  const ptrdiff_t low = swap ? 2 : 0;
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += kBytes, dst += 2) {
+    storeWord(dst, static_cast<uint32_t>(src[2 - low] >> 3) << 11 |
+                       static_cast<uint32_t>(src[1] >> 2) << 5 |
+                       static_cast<uint32_t>(src[low] >> 3));
+  }
+}
+
+template <int kBytes>
+void swapEnds(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += kBytes, dst += kBytes) {
+    const uint8_t first = src[0];
+    dst[0] = src[2];
+    dst[1] = src[1];
+    dst[2] = first;
+    if constexpr (kBytes == 4) dst[3] = src[3];
+  }
+}
+
+template <int kBytes>
+void reverse(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    memcpy(dst + i * kBytes, src + (count - 1 - i) * kBytes, kBytes);
+  }
+}
+
+template <int kBytes>
+void transpose(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+               uint8_t* dst, ptrdiff_t dstPitch) {
+  for (ptrdiff_t x = 0; x < columns; ++x) {
+    for (ptrdiff_t y = 0; y < rows; ++y) {
+      memcpy(dst + x * dstPitch + y * kBytes, src + y * srcPitch + x * kBytes, kBytes);
+    }
+  }
+}
+
+template <int kBytes>
+void pick(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    memcpy(dst + i * kBytes, src + ptrdiff_t{place[i]} * kBytes, kBytes);
+  }
+}
+
+int32_t mix(int32_t p, int32_t q, int32_t fraction) {
+  return (p * 65536 + fraction * (q - p)) >> 16;
+}
+
+template <int kBytes>
+void blend(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
+  constexpr ptrdiff_t kColours = std::min(kBytes, 3);
+  for (ptrdiff_t i = 0; i < count; ++i, dst += kBytes) {
+    const int32_t across = row.fraction[i];
+    const ptrdiff_t a = ptrdiff_t{row.place[i]} * kBytes;
+    const ptrdiff_t b = across != 0 ? a + kBytes : a;
+    for (ptrdiff_t c = 0; c < kColours; ++c) {
+      const int32_t top = mix(row.top[a + c], row.top[b + c], across);
+      const int32_t bottom = mix(row.bottom[a + c], row.bottom[b + c], across);
+      dst[c] = static_cast<uint8_t>(mix(top, bottom, row.down));
+    }
+    if constexpr (kBytes == 4) dst[3] = row.top[a + 3];
+  }
+}
+
+}  // namespace
+
+void yuvToRgb24(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                uint8_t* dst) {
+  yuvToRgb<3>(row, pixels, tables, redFirst, 0, dst);
+}
+
+void yuvToRgb32(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                uint8_t alpha, uint8_t* dst) {
+  yuvToRgb<4>(row, pixels, tables, redFirst, alpha, dst);
+}
+
+void yuvToRgb16(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
+                uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, dst += 2) {
+    const Rgb rgb = rgbAt(row, i, tables);
+    const uint32_t high = redFirst ? rgb.blue : rgb.red, low = redFirst ? rgb.red : rgb.blue;
+    storeWord(dst, high >> 3 << 11 | rgb.green >> 2 << 5 | low >> 3);
+  }
+}
+
+void swapEnds3(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  swapEnds<3>(src, pixels, dst);
+}
+
+void swapEnds4(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  swapEnds<4>(src, pixels, dst);
+}
+
+void rgb24To32(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  const ptrdiff_t first = swap ? 2 : 0;
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 3, dst += 4) {
+    dst[0] = src[first];
+    dst[1] = src[1];
+    dst[2] = src[2 - first];
+  }
+}
+
+void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  const ptrdiff_t first = swap ? 2 : 0;
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4, dst += 3) {
+    dst[0] = src[first];
+    dst[1] = src[1];
+    dst[2] = src[2 - first];
+  }
+}
+
+void pad24To32(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i) {
+    memcpy(dst + 4 * i, src + 3 * i, 3);
+    dst[4 * i + 3] = 0;
+  }
+}
+
+void weigh4(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4) {
+    dst[i] = static_cast<uint8_t>((w[0] * src[0] + w[1] * src[1] + w[2] * src[2] + w[3]) >> 16);
+  }
+}
+
+void rgb24To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  rgbTo16<3>(src, pixels, swap, dst);
+}
+
+void rgb32To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  rgbTo16<4>(src, pixels, swap, dst);
+}
+
+void rgb16To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  const ptrdiff_t low = swap ? 2 : 0;
+  for (ptrdiff_t i = 0; i < pixels; ++i, src += 2, dst += 3) {
+    const uint32_t word = src[0] | static_cast<uint32_t>(src[1]) << 8;
+    dst[low] = static_cast<uint8_t>((word & 31) << 3);
+    dst[1] = static_cast<uint8_t>((word >> 5 & 63) << 2);
+    dst[2 - low] = static_cast<uint8_t>(word >> 11 << 3);
+  }
+}
+
+void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pairs; ++i) {
+    const uint8_t first = src[2 * i];
+    dst[2 * i] = src[2 * i + 1];
+    dst[2 * i + 1] = first;
+  }
+}
+
+void everySecond4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < count; ++i) memcpy(dst + 4 * i, src + 8 * i + 4, 4);
+}
+
+void reverse1(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<1>(src, count, dst); }
+void reverse2(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<2>(src, count, dst); }
+void reverse3(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<3>(src, count, dst); }
+void reverse4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<4>(src, count, dst); }
+
+void transpose1(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                uint8_t* dst, ptrdiff_t dstPitch) {
+  transpose<1>(src, srcPitch, columns, rows, dst, dstPitch);
+}
+
+void transpose2(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                uint8_t* dst, ptrdiff_t dstPitch) {
+  transpose<2>(src, srcPitch, columns, rows, dst, dstPitch);
+}
+
+void transpose3(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                uint8_t* dst, ptrdiff_t dstPitch) {
+  transpose<3>(src, srcPitch, columns, rows, dst, dstPitch);
+}
+
+void transpose4(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
+                uint8_t* dst, ptrdiff_t dstPitch) {
+  transpose<4>(src, srcPitch, columns, rows, dst, dstPitch);
+}
+
+void pick1(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
+  pick<1>(src, place, count, dst);
+}
+
+void pick2(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
+  pick<2>(src, place, count, dst);
+}
+
+void pick3(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
+  pick<3>(src, place, count, dst);
+}
+
+void pick4(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
+  pick<4>(src, place, count, dst);
+}
+
+void blend1(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<1>(row, count, dst); }
+void blend3(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<3>(row, count, dst); }
+void blend4(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<4>(row, count, dst); }
+
+}  // namespace plain
+
+QPX_DEFINE_PLAIN_FORM(ConvertRows, QPX_CONVERT_ROWS)
+
+}  // namespace qpx::simd
