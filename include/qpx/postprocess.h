@@ -45,7 +45,8 @@ typedef struct PostProcessOption {
                          for requests of any shape; 1 none, 2 and 3 rectangles that are multiples of
                          2 and 4; 4 the same as 3 but for resampled I420. Colours are the same in
                          all modes, but that the widest kernels for full-range BT.601 are less
-                         exact by a level or two. */
+                         exact by a level or two, and that dither follows the pieces in which a
+                         request is done. */
   uint32_t fitMode; /* keeps the aspect ratio: bit 0 shrinks the destination rectangle, bit 1 crops
                        the source rectangle */
   uint32_t palette; /* non-zero dithers destinations of 16-bit RGB, others not: YUV sources always,

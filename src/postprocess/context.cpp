@@ -60,14 +60,27 @@ bool addAlignedStages(PostProcessContext* context) {
   return true;
 }
 
-int32_t fillContext(const PostProcessImage& src, const PostProcessImage& dst,
-                    const PostProcessOption& option, PostProcessContext* context) {
-  context->alignMode = option.alignMode;
-  if (!addStage(context, 0)) return QPX_NO_MEMORY;
-  const int32_t result = convert::buildRecord(
-      sideOf(dst), sideOf(src), paramsOf(option, dst.format), &context->stage[0]->record);
-  if (result != QPX_OK || option.alignMode != kSplitRequests) return result;
-  return addAlignedStages(context) ? QPX_OK : QPX_NO_MEMORY;
+bool addStages(const ConvRecord& record, PostProcessContext* context) {
+  if (!addStage(context, 0)) return false;
+  context->stage[0]->record = record;
+  return context->alignMode != kSplitRequests || addAlignedStages(context);
+}
+
+// All but the tables, which the stages share.
+void freeContext(PostProcessContext* context) {
+  if (context == nullptr) return;
+  for (PostProcessStage* stage : context->stage) MMemFree(nullptr, stage);
+  MMemFree(nullptr, context);
+}
+
+// Null where memory fails.
+PostProcessContext* makeContext(const ConvRecord& record, uint32_t alignMode) {
+  auto* const context = newRecord<PostProcessContext>();
+  if (context == nullptr) return nullptr;
+  context->alignMode = alignMode;
+  if (addStages(record, context)) return context;
+  freeContext(context);
+  return nullptr;
 }
 
 }  // namespace
@@ -75,25 +88,24 @@ int32_t fillContext(const PostProcessImage& src, const PostProcessImage& dst,
 
 int32_t MPPCreate(const PostProcessImage* srcImage, const PostProcessImage* dstImage,
                   const PostProcessOption* option, PostProcessContext** out) {
+  using namespace qpx::postprocess;
   if (out == nullptr) return QPX_BAD_PARAM;
   *out = nullptr;
   if (srcImage == nullptr || dstImage == nullptr || option == nullptr) return QPX_BAD_PARAM;
-  auto* const context = qpx::newRecord<PostProcessContext>();
-  if (context == nullptr) return QPX_NO_MEMORY;
-  const int32_t result = qpx::postprocess::fillContext(*srcImage, *dstImage, *option, context);
-  if (result != QPX_OK) {
-    MPPDestroy(context);
-    return result;
-  }
-  *out = context;
-  return QPX_OK;
+  ConvRecord record = {};
+  const int32_t result = qpx::convert::buildRecord(sideOf(*dstImage), sideOf(*srcImage),
+                                                   paramsOf(*option, dstImage->format), &record);
+  if (result != QPX_OK) return result;
+  *out = makeContext(record, option->alignMode);
+  if (*out != nullptr) return QPX_OK;
+  qpx::convert::freeTables(&record);
+  return QPX_NO_MEMORY;
 }
 
 int32_t MPPDestroy(PostProcessContext* context) {
   if (context == nullptr) return QPX_OK;
-  if (context->stage[0] != nullptr) qpx::convert::freeTables(&context->stage[0]->record);
-  for (PostProcessStage* stage : context->stage) MMemFree(nullptr, stage);
-  MMemFree(nullptr, context);
+  qpx::convert::freeTables(&context->stage[0]->record);
+  qpx::postprocess::freeContext(context);
   return QPX_OK;
 }
 
