@@ -4,7 +4,9 @@
 #define QPX_QPX_H_
 
 #include <qpx/blend.h>
+#include <qpx/contours.h>
 #include <qpx/curves.h>
+#include <qpx/cutout.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
 #include <qpx/etc.h>
@@ -15,6 +17,7 @@
 #include <qpx/kernels_curves.h>
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
+#include <qpx/max_flow.h>
 #include <qpx/motion_blur.h>
 #include <qpx/png.h>
 #include <qpx/rotate.h>
@@ -23,5 +26,6 @@
 #include <qpx/threads.h>
 #include <qpx/types.h>
 #include <qpx/waterfall.h>
+#include <qpx/watershed.h>
 
 #endif /* QPX_QPX_H_ */
