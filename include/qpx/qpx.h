@@ -4,10 +4,12 @@
 #define QPX_QPX_H_
 
 #include <qpx/blend.h>
+#include <qpx/contours.h>
 #include <qpx/convert.h>
 #include <qpx/convert_kernels.h>
 #include <qpx/convert_record.h>
 #include <qpx/curves.h>
+#include <qpx/cutout.h>
 #include <qpx/effects.h>
 #include <qpx/engine.h>
 #include <qpx/etc.h>
@@ -18,6 +20,7 @@
 #include <qpx/kernels_curves.h>
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
+#include <qpx/max_flow.h>
 #include <qpx/motion_blur.h>
 #include <qpx/png.h>
 #include <qpx/postprocess.h>
@@ -27,5 +30,6 @@
 #include <qpx/threads.h>
 #include <qpx/types.h>
 #include <qpx/waterfall.h>
+#include <qpx/watershed.h>
 
 #endif /* QPX_QPX_H_ */

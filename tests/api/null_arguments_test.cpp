@@ -372,6 +372,36 @@ constexpr NullCall kPostProcessCalls[] = {
     QPX_NULL_CALL(PostProcessGetVersionInfo, () == 0),
 };
 
+constexpr NullCall kCutoutCalls[] = {
+    QPX_NULL_CALL(KmeansSegColor, (nullptr, 1, 1, nullptr) == 2),
+    QPX_NULL_CALL(QPX_ContourTracing, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(STRKM_Create, (nullptr, nullptr) == 2),
+    QPX_NULL_CALL(STRKM_AddLine, (nullptr, 0, nullptr, 1) == 2),
+    QPX_NULL_CALL(STRKM_ResetLine, (nullptr) == 2),
+    QPX_NULL_CALL(STRKM_Process, (nullptr, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(STRKM_Destroy, (nullptr) == 0),
+};
+
+constexpr NullCall kSegmentCalls[] = {
+    QPX_NULL_CALL(MaxFlowInt_Create, (nullptr, 1, 1) == 2),
+    QPX_NULL_CALL(MaxFlowInt_Initialize, (nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_Destroy, (nullptr) == 0),
+    QPX_NULL_CALL(MaxFlowInt_AddNode, (nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_AddTWeights, (nullptr, 0, nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_AddEdge, (nullptr, 0, 1, 1, 1) == 2),
+    QPX_NULL_CALL(MaxFlowInt_GetMaxFlow, (nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_GetMaxFlowFast, (nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_GetNodeType, (nullptr, 0) == 2),
+    QPX_NULL_CALL(MaxFlowInt_GetTrcap, (nullptr, 0) == 2),
+    QPX_NULL_CALL(MaxFlowInt_SetTrcap, (nullptr, 0, nullptr) == 2),
+    QPX_NULL_CALL(MaxFlowInt_ModifyNode, (nullptr, 0, 1) == 2),
+    QPX_NULL_CALL(MaxFlowInt_MarkNode, (nullptr, 0) == 2),
+    QPX_NULL_CALL(Watershed_PreSegmentation, (nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Watershed_GetRegionColor, (nullptr, nullptr, 1, nullptr) == 2),
+    QPX_NULL_CALL(Watershed_GetRegionAdjacentEdge, (nullptr, 1, 1, nullptr, nullptr, nullptr) == 2),
+    QPX_NULL_CALL(Watershed_GetSegmentationBmp, (nullptr, nullptr, 1, nullptr) == 2),
+};
+
 constexpr NullCall kSmearCalls[] = {
     QPX_NULL_CALL(QPX_MotionBlur, (nullptr, nullptr, 0, 1, nullptr) == 2),
     QPX_NULL_CALL(QPX_WaterFall_Create, (nullptr, nullptr, nullptr) == 2),
@@ -434,9 +464,9 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mbf_GetMaskSize"};
 
 constexpr std::span<const NullCall> kAllCalls[] = {
-    kAdjustCalls, kImageCalls,    kEngineCalls,     kRotationCalls, kSmearCalls,
-    kStreamCalls, kStringCalls,   kToolkitCalls,    kPngCalls,      kLookKernelCalls,
-    kEtcCalls,    kPlatformCalls, kPostProcessCalls};
+    kAdjustCalls, kImageCalls,    kEngineCalls,      kRotationCalls, kSmearCalls,
+    kStreamCalls, kStringCalls,   kToolkitCalls,     kPngCalls,      kLookKernelCalls,
+    kEtcCalls,    kPlatformCalls, kPostProcessCalls, kSegmentCalls,  kCutoutCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {

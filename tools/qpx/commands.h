@@ -13,6 +13,7 @@ void addRotateCommand(CLI::App& app);
 void addStraightenCommand(CLI::App& app);
 void addMotionBlurCommand(CLI::App& app);
 void addWaterfallCommand(CLI::App& app);
+void addCutoutCommand(CLI::App& app);
 void addEtcCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
 

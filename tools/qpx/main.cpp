@@ -77,6 +77,7 @@ int main(int argc, char** argv) {
   addStraightenCommand(app);
   addMotionBlurCommand(app);
   addWaterfallCommand(app);
+  addCutoutCommand(app);
   addEtcCommand(app);
   addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);

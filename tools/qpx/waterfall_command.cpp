@@ -12,7 +12,7 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "one_picture.h"
-#include "text.h"
+#include "strokes.h"
 
 namespace qpx::tool {
 
@@ -24,30 +24,6 @@ struct WaterfallArguments {
   int radius = 20;
   int length = 40;
 };
-
-using Stroke = std::vector<MPoint>;
-
-MPoint parsePoint(const std::string& text) {
-  const std::vector<std::string> parts = split(text, ',');
-  if (parts.size() == 2) {
-    const std::optional<int64_t> x = parseInteger(parts[0]), y = parseInteger(parts[1]);
-    if (x && y && *x >= INT32_MIN && *x <= INT32_MAX && *y >= INT32_MIN && *y <= INT32_MAX) {
-      return {static_cast<int32_t>(*x), static_cast<int32_t>(*y)};
-    }
-  }
-  throw UsageError("--stroke: '" + text + "' is no point: use X,Y in pixels, such as 120,80");
-}
-
-Stroke parseStroke(const std::string& text) {
-  Stroke stroke;
-  for (const std::string& word : split(text, ' ')) {
-    if (!word.empty()) stroke.push_back(parsePoint(word));
-  }
-  if (stroke.size() < 2) {
-    throw UsageError("--stroke: '" + text + "' needs two points or more: use \"X,Y X,Y\"");
-  }
-  return stroke;
-}
 
 class Waterfall {
  public:
@@ -64,22 +40,21 @@ class Waterfall {
   Waterfall& operator=(const Waterfall&) = delete;
 
   // Throws RunError for a stroke that leaves no trace.
-  void draw(const Stroke& stroke, const std::string& text, ProgressShare& share) {
+  void draw(const Stroke& stroke, ProgressShare& share) {
     bool moved = false, touched = false;
-    for (const MPoint& point : stroke) {
+    for (const MPoint& point : stroke.points) {
       MBitmap* shown = nullptr;
       int32_t area[4] = {};
-      checkResult(
-          QPX_WaterFall_Process(handle_, &point, &point == &stroke.back() ? 1 : 0, &shown, area));
+      checkResult(QPX_WaterFall_Process(handle_, &point, &point == &stroke.points.back() ? 1 : 0,
+                                        &shown, area));
       moved |= shown != nullptr;
       touched |= shown != nullptr && area[0] <= area[2];
       share.advance();
     }
-    const std::string name = "the stroke '" + text + "' ";
     if (!moved)
-      throw RunError(name + "has all points within a third of the radius: make it longer");
+      throw RunError(stroke.name + " has all points within a third of the radius: make it longer");
     if (!touched) {
-      throw RunError(name + "does not touch the picture, which is " +
+      throw RunError(stroke.name + " does not touch the picture, which is " +
                      std::to_string(record_->width) + "x" + std::to_string(record_->height));
     }
   }
@@ -100,16 +75,14 @@ void waterfall(const WaterfallArguments& arguments) {
   std::vector<Stroke> strokes;
   int64_t points = 0;
   for (const std::string& text : arguments.strokes) {
-    strokes.push_back(parseStroke(text));
-    points += static_cast<int64_t>(strokes.back().size());
+    strokes.push_back(parseStroke("--stroke", text, 2));
+    points += static_cast<int64_t>(strokes.back().points.size());
   }
   changePicture(arguments.files, [&](Picture picture, Progress& progress) {
     ProgressShare share(progress, kEffectSteps);
     share.expect(points);
     Waterfall running(picture, arguments);
-    for (size_t i = 0; i < strokes.size(); ++i) {
-      running.draw(strokes[i], arguments.strokes[i], share);
-    }
+    for (const Stroke& stroke : strokes) running.draw(stroke, share);
     running.copyTo(picture);
     return picture;
   });
