@@ -8,6 +8,13 @@
 # pictures, smear: motion blur and waterfall, both beside OpenCV. segment: the max-flow solver beside
 # Boost.Graph, regions beside OpenCV. cutout: strokes on a picture. etc: the texture codec beside
 # etc1tool. Without a name: all. Options go to every benchmark.
+#   scripts/bench.sh [engine|looks|adjust|rows|geometry|smear|etc ...] [--benchmark_filter=NV21 ...]
+#
+# engine: point effects beside memcpy, OpenCV and libyuv. looks: looks beside memcpy and OpenCV, and
+# the setup times of all effects. adjust: the parametric adjustments beside memcpy, OpenCV and
+# libyuv. rows: plain beside vector forms. geometry: turned and levelled pictures, smear: motion blur
+# and waterfall, both beside OpenCV. etc: the texture codec beside etc1tool. Without a name: all.
+# Options go to every benchmark.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -19,12 +26,16 @@ for argument in "$@"; do
     -*) options+=("$argument") ;;
     *)
       echo "bench.sh: no benchmark named $argument; there are engine, looks, rows, geometry, smear, segment, cutout and etc" >&2
+    engine | looks | adjust | rows | geometry | smear | etc) names+=("$argument") ;;
+    -*) options+=("$argument") ;;
+    *)
+      echo "bench.sh: no benchmark named $argument; there are engine, looks, adjust, rows, geometry, smear and etc" >&2
       exit 2
       ;;
   esac
 done
 if ((${#names[@]} == 0)); then
-  names=(engine looks rows geometry smear convert segment cutout etc)
+  names=(engine looks rows geometry smear convert segment cutout adjust etc)
 fi
 
 scripts/install-deps.sh build tool bench

@@ -305,7 +305,7 @@ typedef struct QPXPosteriseParam {
 /* What levels do to one channel, or to all three. All zero changes nothing. */
 typedef struct QPXLevelRange {
   int32_t black; /* 0 ... 254: the sample that becomes black */
-  int32_t white; /* 0 ... 255: the sample that becomes white; no more than black acts as 255 */
+  int32_t white; /* 1 ... 255: the sample that becomes white, at least black + 1; 0 acts as 255 */
   double gamma;  /* 0.1 ... 10: above 1 the middle is lighter; 0 acts as 1 */
 } QPXLevelRange;
 
@@ -316,7 +316,7 @@ typedef struct QPXToneLevelsParam {
   QPXLevelRange green;
   QPXLevelRange blue;
   int32_t outputBlack; /* 0 ... 255: what black becomes in the end */
-  int32_t outputWhite; /* 0 ... 255: what white becomes; no more than outputBlack acts as 255 */
+  int32_t outputWhite; /* 1 ... 255: what white becomes, at least outputBlack; 0 acts as 255 */
   int32_t mode;        /* 0: all; 1: master alone; 2: the channels' own alone */
   int32_t reserved;
 } QPXToneLevelsParam;
@@ -355,7 +355,7 @@ typedef struct QPXSaturationParam {
 /* 0x7400, definition. */
 typedef struct QPXDefinitionParam {
   int32_t amount;     /* percent, -100 ... 100; below 0 it smooths, above 0 it sharpens */
-  int32_t windowSize; /* pixels of the window's side */
+  int32_t windowSize; /* pixels of the window's side, 1 ... 511 */
   int32_t reserved;
 } QPXDefinitionParam;
 
@@ -394,7 +394,7 @@ typedef struct QPXVibranceParam {
 
 /* 0x7B00, Gaussian blur. */
 typedef struct QPXGaussBlurParam {
-  int32_t kernelSize; /* pixels of the window's side; 1 is neutral */
+  int32_t kernelSize; /* pixels of the window's side, 1 ... 383; 1 is neutral */
 } QPXGaussBlurParam;
 
 /* 0x7C00, selective colour: percent of an ink, -100 ... 100, that each of nine classes of colours
@@ -450,7 +450,7 @@ typedef struct QPXFringeRemovalParam {
   int32_t reserved;
 } QPXFringeRemovalParam;
 
-/* A row of the channel mixer: what one channel is made of, in percent. */
+/* A row of the channel mixer: what one channel is made of, in percent, -3200 ... 3200. */
 typedef struct QPXMixerRow {
   int32_t red;
   int32_t green;
@@ -481,9 +481,10 @@ typedef struct QPXColorBalanceParam {
   int32_t keepLuminosity; /* non-zero: lightness stays */
 } QPXColorBalanceParam;
 
-/* 0x9B00, edge fade, 28 bytes on every target: two windows of hues, each of 180 degrees in percent,
- * whose colours fade to grey. Hues up to 20 degrees beyond a window fade less and less; those
- * behind stay as they are. All zero changes nothing. */
+/* 0x9B00, fringe fade, 28 bytes on every target: two windows of hues, each of 180 degrees in
+ * percent, whose colours fade to grey along edges, up to 4 pixels from where luma changes: not at
+ * all by changes up to 16 levels, fully from 96 on. Hues up to 20 degrees beyond a window fade less
+ * and less; those behind stay as they are, and so do flat surfaces. All zero changes nothing. */
 #pragma pack(push, 4)
 typedef struct QPXRemoveEdgeParam {
   int32_t left;  /* 0 ... 90: where the window of blue and purple begins, from 200 degrees on; below
@@ -530,7 +531,7 @@ typedef struct QPXVibranceSaturationParam {
 typedef struct QPXUnsharpMaskParam {
   int32_t amount;    /* percent, 0 ... 500; 0 copies */
   int32_t threshold; /* 0 ... 255: differences up to this stay as they are */
-  int32_t radius;    /* pixels of the blur's window */
+  int32_t radius;    /* pixels of the blur's window around a pixel, 0 ... 191 */
 } QPXUnsharpMaskParam;
 
 /* 0xAF00, light leak. */

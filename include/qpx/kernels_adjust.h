@@ -27,9 +27,10 @@ QPX_API int32_t SharpenUSM_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* 
 
 /* 0x7400, QPXDefinitionParam. Local contrast: a sample moves away from the mean of the window
  * around it (amount above 0) or towards it, at a cost that does not depend on the window's size.
- * Reads windowSize / 2 rows and columns around the rectangle. The mean is taken by a reciprocal of
- * ten bits applied twice, which is up to 5 percent off for windows whose side does not divide 1024.
- * Returns 4 for no memory. */
+ * The window reaches windowSize / 2 up and to the left, and one less down and to the right if its
+ * size is even. Reads windowSize / 2 rows and columns around the rectangle. The mean is taken by a
+ * reciprocal of ten bits applied twice: exact for sides that are a power of two, up to 2 percent
+ * off for others up to 31, 6 percent up to 63, 44 percent beyond. Returns 4 for no memory. */
 QPX_API int32_t Definition_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                QPXRowTable* inRows);
 
@@ -54,11 +55,13 @@ QPX_API int32_t exposure_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* ou
 QPX_API int32_t HighlightBrightDarkShadow_RGB(QPXStage* stage, const MRect* rect,
                                               QPXRowTable* outRows, QPXRowTable* inRows);
 
-/* 0x7800, QPXSplitToningParam. Highlights and shadows toned in a hue each, luma kept. */
+/* 0x7800, QPXSplitToningParam. Highlights and shadows toned in a hue each, at a luma that stays
+ * within 3 levels. */
 QPX_API int32_t SeparateTone_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                  QPXRowTable* inRows);
 
-/* 0x8500, QPXChannelMixerParam. Weighted sums of the channels. Returns 2 for a mode other than 0
+/* 0x8500, QPXChannelMixerParam. Weighted sums of the channels, gains and constants from -3200 to
+ * 3200 percent. Returns 2 for a mode other than 0
  * and 1. */
 QPX_API int32_t ChannelMixer_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                  QPXRowTable* inRows);
@@ -71,10 +74,10 @@ QPX_API int32_t ColorBalance_RGB(QPXStage* stage, const MRect* rect, QPXRowTable
 QPX_API int32_t ColorTemperature_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                      QPXRowTable* inRows);
 
-/* 0x7300, QPXSaturationParam. Colours spread from the mean of their extremes, in HSL; 0 copies and
- * -100 leaves greys. The _NV21 form converts by full-range BT.601 in ten fractional bits, whatever
- * the colorimetry; the chroma of a block comes from its top-left pixel, and pictures of other
- * formats are left alone. */
+/* 0x7300, QPXSaturationParam. Colours spread from the mean of their extremes, in HSL; 0 copies in
+ * RGB, while NV21 goes through its conversion there too, and -100 leaves greys. The _NV21 form
+ * converts by full-range BT.601 in ten fractional bits, whatever the colorimetry; the chroma of a
+ * block comes from its top-left pixel, and pictures of other formats are left alone. */
 QPX_API int32_t Saturation_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                QPXRowTable* inRows);
 QPX_API int32_t Saturation_NV21(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
@@ -113,8 +116,9 @@ QPX_API int32_t SelectiveColorFilter1995_RGB(QPXStage* stage, const MRect* rect,
 QPX_API int32_t SelectiveColorAbsolute_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                            QPXRowTable* inRows);
 
-/* 0x9B00, QPXRemoveEdgeParam. Colours of two windows of hues fade to grey. Returns 2 for a mask
- * that is not a grey picture of 8 bits of the size of the rectangle, as cut to the picture. */
+/* 0x9B00, QPXRemoveEdgeParam. Colours of two windows of hues fade to grey along edges. Reads 4 rows
+ * and columns around the rectangle. Returns 2 for a mask that is not a grey picture of 8 bits of
+ * the size of the rectangle, as cut to the picture, and 4 for no memory. */
 QPX_API int32_t RemoveEdge_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                                QPXRowTable* inRows);
 
@@ -131,7 +135,7 @@ QPX_API int32_t ComplexionOptimizing_YUYV(QPXStage* stage, const MRect* rect, QP
                                           QPXRowTable* inRows);
 
 /* 0xE900, QPXFilterRecord. Even, warm skin by the inks of reds and yellows, mixed with the source
- * at the record's intensity. */
+ * at the record's intensity: 100 at most, and below 0 away from the look. */
 QPX_API int32_t SkinTone_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                              QPXRowTable* inRows);
 
@@ -144,7 +148,8 @@ QPX_API int32_t SkinTone_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* ou
  * of the change of chroma, 256 for all of it. U rises by 9 at most, V by 4; neither falls, and U
  * from 128 on and V below 129 stay.
  *
- * Return 0, also for an image without a block, or 2 for a null argument or plane. Touch no state;
+ * Return 0, also for an image without a block, of which nothing else is looked at, or 2 for a null
+ * argument or plane. Touch no state;
  * the three are one function. */
 QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU(const MBitmap* image, const uint8_t* mask,
                                               int32_t maskPitch, const uint8_t* target,
@@ -159,9 +164,11 @@ QPX_API int32_t _SkinWhitenByMask_YUV420_VUVU_ARMv7(const MBitmap* image, const 
 /* Sums of square windows, moved down by one row, for pixels of 3 and of 4 bytes. `sums` holds three
  * planes of `width` sums, of bytes 0, 1 and 2 of the pixels; those of columns firstColumn ...
  * endColumn - 1 change from the window around row `line` to that around the next. The window
- * reaches windowSize / 2 to the left and up and the rest of windowSize, which is odd, to the right
- * and down; columns beyond the picture repeat its edge. `rows` is indexed by row, from
- * line - windowSize / 2 to line + windowSize / 2 + 1.
+ * reaches windowSize / 2 to the left, to the right, up and down of its middle; columns beyond the
+ * picture repeat its edge. windowSize is odd: an even window, which begins one column short on the
+ * right, takes the column windowSize / 2 away as it moves on and leaves out the one before it.
+ * `rows` is indexed by row, and its rows line - windowSize / 2 and line + windowSize / 2 + 1 are
+ * read. Sums that leave 32 bits wrap around, whatever the window's size.
  *
  * Return 0, or 2 for a null argument, a range of columns that is not in the picture or a window
  * below 1. Touch no state. */

@@ -13,16 +13,20 @@ struct Columns {
   int32_t end;
 };
 
-// The window's sum along one row, one of the bytes of a pixel.
+// The window's sum along one row, one of the bytes of a pixel, modulo 2^32.
 class SlidingSum {
  public:
   SlidingSum(const uint8_t* samples, ptrdiff_t step, const Columns& columns, int32_t window)
       : samples_(samples), step_(step), columns_(columns), reach_(window >> 1) {
-    const int64_t left = int64_t{columns.first} - reach_;
-    for (int32_t k = 0; k < window; ++k) sum_ += at(left + k);
+    const int64_t left = int64_t{columns.first} - reach_, end = left + window;
+    const int64_t last = columns.width - 1;
+    // The edge columns stand for all beyond them.
+    addTimes(0, std::min<int64_t>(end, 0) - left);
+    for (int64_t x = std::max<int64_t>(left, 0); x < std::min(end, last + 1); ++x) sum_ += at(x);
+    addTimes(last, end - std::max(left, last + 1));
   }
 
-  int32_t sum() const { return sum_; }
+  uint32_t sum() const { return sum_; }
 
   // To column x from the one before it.
   void moveTo(int32_t x) {
@@ -31,16 +35,24 @@ class SlidingSum {
   }
 
  private:
-  int32_t at(int64_t column) const {
+  uint32_t at(int64_t column) const {
     return samples_[std::clamp<int64_t>(column, 0, columns_.width - 1) * step_];
+  }
+
+  void addTimes(int64_t column, int64_t times) {
+    if (times > 0) sum_ += at(column) * static_cast<uint32_t>(times);
   }
 
   const uint8_t* samples_;
   ptrdiff_t step_;
   const Columns& columns_;
   int32_t reach_;
-  int32_t sum_ = 0;
+  uint32_t sum_ = 0;
 };
+
+void add(int32_t& sum, uint32_t change) {
+  sum = static_cast<int32_t>(static_cast<uint32_t>(sum) + change);
+}
 
 int32_t updateBoxSums(ptrdiff_t pixelBytes, const Columns& columns, int32_t* sums, QPXRowTable rows,
                       int32_t line, int32_t window) {
@@ -49,18 +61,19 @@ int32_t updateBoxSums(ptrdiff_t pixelBytes, const Columns& columns, int32_t* sum
     return QPX_BAD_PARAM;
   }
   if (columns.first == columns.end) return QPX_OK;
-  const uint8_t* out = rows[ptrdiff_t{line} - (window >> 1)];
-  const uint8_t* in = rows[ptrdiff_t{line} + (window >> 1) + 1];
+  const int64_t reach = window >> 1;
+  const uint8_t* out = rows[static_cast<ptrdiff_t>(line - reach)];
+  const uint8_t* in = rows[static_cast<ptrdiff_t>(line + reach + 1)];
   if (out == nullptr || in == nullptr) return QPX_BAD_PARAM;
   for (int p = 0; p < 3; ++p) {
     SlidingSum above(out + p, pixelBytes, columns, window);
     SlidingSum below(in + p, pixelBytes, columns, window);
     int32_t* plane = sums + ptrdiff_t{columns.width} * p;
-    plane[columns.first] += below.sum() - above.sum();
+    add(plane[columns.first], below.sum() - above.sum());
     for (int32_t x = columns.first + 1; x < columns.end; ++x) {
       above.moveTo(x);
       below.moveTo(x);
-      plane[x] += below.sum() - above.sum();
+      add(plane[x], below.sum() - above.sum());
     }
   }
   return QPX_OK;

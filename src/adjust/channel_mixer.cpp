@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "adjust/tone_effects.h"
+#include "simd/hue_rows.h"
 #include "toolkit/kernel_call.h"
 
 namespace qpx {
@@ -13,9 +14,12 @@ namespace {
 
 enum Mode : int32_t { kColor = 0, kGrey = 1 };
 
+// Four terms of 3200 percent of 255, with sixteen fractional bits, are as much as 32 bits hold.
+constexpr int32_t kMostPercent = 3200;
+
 void clampRow(QPXMixerRow& row) {
   for (int32_t* percent : {&row.red, &row.green, &row.blue, &row.constant}) {
-    *percent = std::clamp(*percent, -200, 200);
+    *percent = std::clamp(*percent, -kMostPercent, kMostPercent);
   }
 }
 
@@ -47,14 +51,11 @@ void mixGrey(PixelRun& run, const MixerWeights& grey) {
 }
 
 void mixChannels(PixelRun& run, const MixerWeights (&rows)[3]) {
-  const simd::Rows& form = simd::rows();
-  const size_t count = static_cast<size_t>(run.count);
-  uint8_t red[kRunLength], green[kRunLength];
-  form.weightedSum(run.r, run.g, run.b, red, run.count, rows[0].weights);
-  form.weightedSum(run.r, run.g, run.b, green, run.count, rows[1].weights);
-  form.weightedSum(run.r, run.g, run.b, run.b, run.count, rows[2].weights);
-  std::memcpy(run.r, red, count);
-  std::memcpy(run.g, green, count);
+  int32_t sums[3][4];
+  for (int row = 0; row < 3; ++row) {
+    for (int i = 0; i < 4; ++i) sums[row][i] = rows[row].weights[i] / 256;
+  }
+  simd::hueRows().mixColors(run.r, run.g, run.b, run.count, sums);
 }
 
 int32_t setUpChannelMixer(Stage& stage, QPXBand&) {

@@ -72,7 +72,7 @@ void fillChanges(const QPXColorRangeParam& param, const HueSpan& span,
     changes.set((span.start + position) % 360, hue > 360 ? hue - 360 : hue, weightAt(span, turned));
   }
   for (int32_t s = 0; s < 256; ++s) {
-    changes.saturation[s] = targetSaturation(s, param.saturation);
+    changes.saturation[s] = static_cast<uint8_t>(targetSaturation(s, param.saturation));
   }
   changes.light = lightOf(param, span);
 }

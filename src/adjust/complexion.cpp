@@ -32,6 +32,7 @@ constexpr CurvePoint kLift[] = {{0, 0}, {64, 68}, {128, 135}, {192, 197}, {255, 
 struct ComplexionTables {
   ToneTable tone;
   SkinMap skin;
+  SkinSpans spans;
   uint16_t near[kMaxSide * kMaxSide];  // as many as the window has places
 };
 
@@ -98,10 +99,7 @@ class RgbLayout {
     rows_.weightedSum(r, g, b, luma_, span.count, kLumaRow);
     rows_.weightedSum(r, g, b, cb_, span.count, kCbRow);
     rows_.weightedSum(r, g, b, cr_, span.count, kCrRow);
-    const SkinMap& map = tablesOf(frame_.stage).skin;
-    for (int32_t i = 0; i < span.count; ++i) {
-      row.skin[i] = isSkin(map, luma_[i], cb_[i], cr_[i]) ? 255 : 0;
-    }
+    markSkin(span.count, row.skin);
   }
 
   void store(int32_t y, const PlanarRow& colors) const {
@@ -109,6 +107,24 @@ class RgbLayout {
   }
 
  private:
+  // Compilers turn this into vector code.
+  void markSkin(int32_t count, uint8_t* skin) const {
+    const SkinSpans& spans = tablesOf(frame_.stage).spans;
+    constexpr int32_t kPart = 512;
+    uint8_t lowest[kPart], highest[kPart];
+    for (int32_t done = 0; done < count; done += kPart) {
+      const int32_t part = std::min(kPart, count - done);
+      rows_.lookup(cb_ + done, lowest, part, spans.lowest.data());
+      rows_.lookup(cb_ + done, highest, part, spans.highest.data());
+      const uint8_t *luma = luma_ + done, *cr = cr_ + done;
+      uint8_t* to = skin + done;
+      for (int32_t i = 0; i < part; ++i) {
+        const uint8_t inside = cr[i] >= lowest[i] && cr[i] <= highest[i] ? 255 : 0;
+        to[i] = luma[i] >= kDarkestSkin ? inside : 0;
+      }
+    }
+  }
+
   const Frame& frame_;
   const simd::Rows& rows_ = simd::rows();
   PlanarFormat format_;
@@ -328,6 +344,7 @@ int32_t makeTables(Stage& stage) {
   const int32_t result = drawCurve(kLift, tables->tone);
   if (result != QPX_OK) return result;
   fillSkinMap(tables->skin);
+  tables->spans = skinSpans(tables->skin);
   fillNear(tables->near, reach);
   stage.lut = block.release();
   stage.lutSize = static_cast<uint32_t>(bytes);

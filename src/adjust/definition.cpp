@@ -14,21 +14,22 @@
 namespace qpx {
 namespace {
 
-// A sum of 511 x 511 samples times the reciprocal stays below 2^31.
+// The reciprocal of a wider window has one bit, which is no mean any more.
 constexpr int32_t kMaxWindow = 511;
 
 size_t sizeOf(int32_t count) { return static_cast<size_t>(count); }
 
-// Windows have a middle, so that they are alike on both sides.
-int32_t windowOf(const Stage& stage) { return record<QPXDefinitionParam>(stage).windowSize | 1; }
+int32_t windowOf(const Stage& stage) { return record<QPXDefinitionParam>(stage).windowSize; }
 
 // The percentage with eight fractional bits; beyond 100 it is all.
 int32_t shareOf(int32_t amount) {
   return amount < -100 || amount > 100 ? 256 : std::abs(amount) * 256 / 100;
 }
 
-// One block holds the ring of rows as planes, from one row before the window on, and behind it the
-// sums of the window's rows by column, the sums of windows, a row to write and its alpha.
+// A window reaches half its side up and to the left, and what is left of it down and to the right:
+// one less for even sides. One block holds the ring of rows as planes, from one row before the
+// window on, and behind it the sums of the window's rows by column, the sums of windows, a row to
+// write and its alpha.
 class BoxContrast {
  public:
   static bool bytesFor(int32_t columns, int32_t window, size_t* bytes) {
@@ -41,6 +42,7 @@ class BoxContrast {
         head_(*head),
         window_(windowOf(frame.stage)),
         reach_(window_ >> 1),
+        below_(window_ - 1 - reach_),
         columns_(frame.rect.right - frame.rect.left),
         padded_(columns_ + 2 * reach_),
         lastRow_(std::abs(frame.stage.inHeight) - 1),
@@ -70,7 +72,7 @@ class BoxContrast {
   const uint8_t* sourceRow(int32_t y) const { return ring_.row(std::clamp(y, 0, lastRow_)); }
 
   void makeRow(int32_t y) {
-    ring_.hold(std::max(y - reach_, 0), std::min(y + reach_, lastRow_),
+    ring_.hold(std::max(y - reach_, 0), std::min(y + below_, lastRow_),
                [this](int32_t row, uint8_t* to) {
                  format_.load(frame_.in[0][row], frame_.rect.left, frame_.rect.right, reach_,
                               planesOf(to, padded_));
@@ -85,10 +87,10 @@ class BoxContrast {
     const bool slides = y > 0 && head_.extra == y && ring_.holds(std::max(y - 1 - reach_, 0));
     const ptrdiff_t samples = ptrdiff_t{padded_} * kPlanes;
     if (slides) {
-      rows_.slideDown(columnSums_, sourceRow(y + reach_), sourceRow(y - 1 - reach_), samples);
+      rows_.slideDown(columnSums_, sourceRow(y + below_), sourceRow(y - 1 - reach_), samples);
     } else {
       std::memset(columnSums_, 0, static_cast<size_t>(samples) * sizeof(int32_t));
-      for (int32_t row = y - reach_; row <= y + reach_; ++row) addRow(sourceRow(row), samples);
+      for (int32_t row = y - reach_; row <= y + below_; ++row) addRow(sourceRow(row), samples);
     }
     head_.extra = int64_t{y} + 1;
   }
@@ -120,6 +122,7 @@ class BoxContrast {
   RingHead& head_;
   int32_t window_;
   int32_t reach_;
+  int32_t below_;
   int32_t columns_;
   int32_t padded_;
   int32_t lastRow_;

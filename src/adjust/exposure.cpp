@@ -7,7 +7,7 @@
 #include "adjust/tone_effects.h"
 #include "adjust/tone_tables.h"
 #include "filters/point/table_kernel.h"
-#include "simd/hsv_math.h"
+#include "simd/hue_rows.h"
 #include "toolkit/kernel_call.h"
 #include "toolkit/pixel_run.h"
 
@@ -21,27 +21,9 @@ int32_t exposureUnits(double stops) {
   return static_cast<int32_t>(stops * 1024.0 * 0.25);
 }
 
-// Colours fade towards both ends of the tones, the more the more light there is.
-int32_t fadeOf(int32_t value, int32_t units) {
-  return ((value < 129 ? value : 255 - value) * units) >> 10;
-}
-
-HsvColor brightened(Hsv hsv, const uint8_t* tones, int32_t units) {
-  const int32_t saturation = hsv.saturation - fadeOf(hsv.value, units);
-  const uint8_t value = tones[hsv.value];
-  if (saturation < 0) return {value, value, value};
-  return rgbOf({hsv.hue, std::min(saturation, 255), value});
-}
-
 void brighten(const Stage& stage, PixelRun& run) {
   const int32_t units = exposureUnits(record<QPXExposureStopsParam>(stage).exposure);
-  for (int32_t i = 0; i < run.count; ++i) {
-    if ((run.r[i] | run.g[i] | run.b[i]) == 0) continue;
-    const HsvColor color = brightened(hsvOf(run.r[i], run.g[i], run.b[i]), stage.lut, units);
-    run.r[i] = color.r;
-    run.g[i] = color.g;
-    run.b[i] = color.b;
-  }
+  simd::hueRows().brighten(run.r, run.g, run.b, run.count, stage.lut, units);
 }
 
 }  // namespace

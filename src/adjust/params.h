@@ -18,7 +18,7 @@ constexpr std::array<QPXParamInfo, 3> levelRange(const char* black, const char* 
   return {intParam(black, "The sample that becomes black.", "", at + offsetof(QPXLevelRange, black),
                    0, 254, clip),
           intParam(white, "The sample that becomes white.", "", at + offsetof(QPXLevelRange, white),
-                   0, 255, 255 - clip),
+                   1, 255, 255 - clip),
           doubleParam(gamma, "Above 1 the middle is lighter.", "",
                       at + offsetof(QPXLevelRange, gamma), 0.1, 10, 1)};
 }
@@ -35,7 +35,7 @@ inline constexpr std::array<QPXParamInfo, 15> kToneLevelsParams = [] {
   params[12] = intParam("outputBlack", "What black becomes.", "",
                         offsetof(QPXToneLevelsParam, outputBlack), 0, 255, 0);
   params[13] = intParam("outputWhite", "What white becomes.", "",
-                        offsetof(QPXToneLevelsParam, outputWhite), 0, 255, 255);
+                        offsetof(QPXToneLevelsParam, outputWhite), 1, 255, 255);
   params[14] = intParam("mode", "0: all; 1: master alone; 2: the channels' own alone.", "",
                         offsetof(QPXToneLevelsParam, mode), 0, 2, 0);
   return params;

@@ -1,17 +1,23 @@
-// Colour fringes along edges, faded to grey by their hue: two windows of hues, one of cyan to red
-// and one of orange to cyan, and a ramp to the untouched source on both sides of each.
+// Coloured fringes along edges, faded to grey: by their hue, in a window for purple and magenta
+// ones and a window for green ones with a ramp to the untouched source on both sides of each, and
+// by how much luma changes near by, so that colours of surfaces stay.
 #include "adjust/remove_edge.h"
 
 #include <qpx/image.h>
 #include <qpx/kernels_adjust.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 
-#include "toolkit/curve.h"
+#include "filters/curves/look_block.h"
+#include "simd/hue_rows.h"
+#include "simd/tone_rows.h"
+#include "toolkit/color_field.h"
 #include "toolkit/kernel_call.h"
-#include "toolkit/pixel_run.h"
+#include "toolkit/planar_rows.h"
+#include "toolkit/row_ring.h"
 
 namespace qpx {
 namespace {
@@ -19,6 +25,9 @@ namespace {
 constexpr int32_t kTurn = 360;
 constexpr int32_t kRamp = 20;  // how far beyond a window hues still fade
 constexpr int32_t kAll = 256;
+
+constexpr int32_t kFullReach = 2;  // pixels from an edge within which fringes fade fully
+constexpr int32_t kSquares = kFringeReach - kFullReach + 1;
 
 // Hues on a scale of 20 ... 380: 360 and above are reds again.
 struct HueWindow {
@@ -49,53 +58,177 @@ int32_t weightOf(const HueWindow& window, int32_t hue) {
   return std::max(kAll - beyond * kAll / kRamp, 0);
 }
 
-// What setup leaves in the stage's block.
-struct FringeTable {
-  uint16_t share[kTurn];  // of kAll, by hue in degrees
-};
-
 // Both windows may reach a hue: the stronger counts.
-void fillShares(FringeTable& table, const QPXRemoveEdgeParam& param) {
+void fillShares(simd::DegreeWords& shares, const QPXRemoveEdgeParam& param) {
   const HueWindow first = windowOf(param.left, param.right, 200);
   const HueWindow second = windowOf(param.top, param.bottom, 20);
   for (int32_t degrees = 0; degrees < kTurn; ++degrees) {
     const int32_t hue = degrees < 20 ? degrees + kTurn : degrees;
     const int32_t share = std::max(weightOf(first, hue) * param.strength / 100,
                                    weightOf(second, hue) * param.secondStrength / 100);
-    table.share[degrees] = static_cast<uint16_t>(share);
+    shares.set(degrees, share);
   }
 }
 
-// In whole degrees; colours without a hue have 0.
-int32_t hueOf(int32_t r, int32_t g, int32_t b) {
-  const auto [least, most] = std::minmax({r, g, b});
-  const int32_t chroma = most - least;
-  if (chroma == 0) return 0;
-  if (most == r) return (60 * (g - b) / chroma + kTurn) % kTurn;
-  return most == g ? 120 + 60 * (b - r) / chroma : 240 + 60 * (r - g) / chroma;
-}
-
-uint8_t faded(int32_t sample, int32_t grey, int32_t share) {
-  return static_cast<uint8_t>(sample + (((grey - sample) * share + kAll / 2) >> 8));
-}
-
-void fade(const FringeTable& table, const uint8_t* mask, PixelRun& run) {
-  for (int32_t i = 0; i < run.count; ++i) {
-    const int32_t r = run.r[i], g = run.g[i], b = run.b[i];
-    int32_t share = table.share[hueOf(r, g, b)];
-    if (mask != nullptr) share = share * mask[i] / 255;
-    if (share == 0) continue;
-    const int32_t grey = (306 * r + 601 * g + 117 * b) >> 10;
-    run.r[i] = faded(r, grey, share);
-    run.g[i] = faded(g, grey, share);
-    run.b[i] = faded(b, grey, share);
+// How much of an edge, of 255, a range of lumas is: noise and texture are none, and the contrasts
+// that lenses fringe are whole ones, with a smooth step between.
+constexpr std::array<uint8_t, 256> kEdges = [] {
+  constexpr int32_t kTexture = 16, kWidth = 80, kCube = kWidth * kWidth * kWidth;
+  std::array<uint8_t, 256> table = {};
+  for (int32_t range = 0; range < 256; ++range) {
+    const int32_t t = std::clamp(range - kTexture, 0, kWidth);
+    const int32_t step = 255 * (t * t * (3 * kWidth - 2 * t) / 8);
+    table[static_cast<size_t>(range)] = static_cast<uint8_t>((step + kCube / 16) / (kCube / 8));
   }
+  return table;
+}();
+
+void leastOf(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* to, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) to[i] = std::min(std::min(a[i], b[i]), c[i]);
 }
+
+void mostOf(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* to, ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) to[i] = std::max(std::max(a[i], b[i]), c[i]);
+}
+
+size_t sizeOf(int32_t count) { return static_cast<size_t>(count); }
+
+// A row of the ring holds, for every distance up to kFringeReach, the least and the largest luma
+// that far to both sides of each pixel. Behind the ring are the sums of edges, the row's samples
+// and luma, and what is worked on.
+class FringeFade {
+ public:
+  static bool bytesFor(int32_t columns, size_t* bytes) {
+    if (!RowRing::bytesFor(sizeOf(columns) * kRowPlanes, kRows + 1, bytes)) return false;
+    *bytes += size_t{kFringeReach} * kRowPlanes;
+    return true;
+  }
+
+  FringeFade(const Frame& frame, RingHead* head)
+      : frame_(frame),
+        mask_(record<QPXRemoveEdgeParam>(frame.stage).selection.mask),
+        columns_(frame.rect.right - frame.rect.left),
+        padded_(columns_ + 2 * kFringeReach),
+        lastRow_(std::abs(frame.stage.inHeight) - 1),
+        reversed_(ColorFields(frame.stage.pix.mask, frame.stage.pix.bytesPerSample[0]).bytesBgr()),
+        ring_(head, sizeOf(columns_) * kRowPlanes, kRows),
+        sums_(reinterpret_cast<uint16_t*>(reinterpret_cast<uint8_t*>(head + 1) +
+                                          sizeOf(columns_) * kRowPlanes * kRows)),
+        least_(reinterpret_cast<uint8_t*>(sums_ + columns_)),
+        most_(least_ + columns_),
+        luma_(most_ + columns_),
+        samples_{{luma_ + padded_, luma_ + 2 * padded_, luma_ + 3 * padded_}},
+        format_(frame.stage, least_) {}
+
+  void run() {
+    for (int32_t y = frame_.rect.top; y < frame_.rect.bottom; ++y) makeRow(y);
+  }
+
+ private:
+  static constexpr size_t kRowPlanes = 2 * kFringeReach;
+  static constexpr int32_t kRows = 2 * kFringeReach + 1;
+
+  void makeRow(int32_t y) {
+    ring_.hold(std::max(y - kFringeReach, 0), std::min(y + kFringeReach, lastRow_),
+               [this](int32_t row, uint8_t* to) { spreadAlong(row, to); });
+    sumEdges(y);
+    averageEdges(y);
+    load(y, 0);
+    simd::hueRows().fadeHues(red(), green(), blue(), columns_, luma_, most_,
+                             blockOf<simd::DegreeWords>(frame_.stage));
+    format_.store(samples_, frame_.in[0][y], frame_.out[0][y], frame_.rect.left, frame_.rect.right);
+  }
+
+  void load(int32_t y, int32_t margin) {
+    format_.load(frame_.in[0][y], frame_.rect.left, frame_.rect.right, margin, samples_);
+    simd::toneRows().rgbToLuma(red(), green(), blue(), luma_, columns_ + 2 * margin);
+  }
+
+  uint8_t* red() const { return samples_.plane[reversed_ ? 2 : 0]; }
+  uint8_t* green() const { return samples_.plane[1]; }
+  uint8_t* blue() const { return samples_.plane[reversed_ ? 0 : 2]; }
+
+  // Each distance from the one before it.
+  void spreadAlong(int32_t y, uint8_t* to) {
+    load(y, kFringeReach);
+    const uint8_t* const middle = luma_ + kFringeReach;
+    const uint8_t *least = middle, *most = middle;
+    for (int32_t reach = 1; reach <= kFringeReach; ++reach, to += 2 * ptrdiff_t{columns_}) {
+      leastOf(least, middle - reach, middle + reach, to, columns_);
+      mostOf(most, middle - reach, middle + reach, to + columns_, columns_);
+      least = to;
+      most = to + columns_;
+    }
+  }
+
+  // The squares that count do so alike, so that beyond the smallest edges fade out evenly.
+  void sumEdges(int32_t y) {
+    std::memset(sums_, 0, sizeOf(columns_) * sizeof *sums_);
+    for (int32_t reach = kFullReach; reach <= kFringeReach; ++reach) {
+      findExtremes(y, reach);
+      for (ptrdiff_t i = 0; i < columns_; ++i) {
+        most_[i] = static_cast<uint8_t>(most_[i] - least_[i]);
+      }
+      simd::rows().lookup(most_, most_, columns_, kEdges.data());
+      for (ptrdiff_t i = 0; i < columns_; ++i) {
+        sums_[i] = static_cast<uint16_t>(sums_[i] + most_[i]);
+      }
+    }
+  }
+
+  void findExtremes(int32_t y, int32_t reach) {
+    const ptrdiff_t plane = 2 * (ptrdiff_t{reach} - 1) * columns_;
+    std::memcpy(least_, ring_.row(y) + plane, sizeOf(columns_));
+    std::memcpy(most_, ring_.row(y) + plane + columns_, sizeOf(columns_));
+    for (int32_t k = 1; k <= reach; ++k) {
+      const uint8_t* above = ring_.row(std::max(y - k, 0)) + plane;
+      const uint8_t* below = ring_.row(std::min(y + k, lastRow_)) + plane;
+      leastOf(least_, above, below, least_, columns_);
+      mostOf(most_, above + columns_, below + columns_, most_, columns_);
+    }
+  }
+
+  // What of the fade shows, in place of the largest lumas.
+  void averageEdges(int32_t y) {
+    for (ptrdiff_t i = 0; i < columns_; ++i) {
+      most_[i] = static_cast<uint8_t>((sums_[i] + kSquares / 2) / kSquares);
+    }
+    if (mask_ == nullptr) return;
+    const uint8_t* shown = mask_->plane[0] + ptrdiff_t{y - frame_.rect.top} * mask_->pitch[0];
+    for (ptrdiff_t i = 0; i < columns_; ++i) {
+      most_[i] = static_cast<uint8_t>((most_[i] * shown[i] + 127) / 255);
+    }
+  }
+
+  const Frame& frame_;
+  const MBitmap* mask_;
+  int32_t columns_;
+  int32_t padded_;
+  int32_t lastRow_;
+  bool reversed_;
+  RowRing ring_;
+  uint16_t* sums_;
+  uint8_t* least_;
+  uint8_t* most_;
+  uint8_t* luma_;
+  PlanarRow samples_;
+  PlanarFormat format_;
+};
 
 // A mask is of 8 bits and covers the rectangle, no more and no less.
 bool fits(const MBitmap& mask, const MRect& rect) {
   return mask.format == QPX_FORMAT_GREY8 && mask.plane[0] != nullptr &&
          mask.width == rect.right - rect.left && mask.height == rect.bottom - rect.top;
+}
+
+int32_t removeEdgeOf(const Frame& frame, bool kept) {
+  if ((formatGroup(frame.stage.pix) & kTakesRgb) == 0) return QPX_OK;
+  const MBitmap* mask = record<QPXRemoveEdgeParam>(frame.stage).selection.mask;
+  if (mask != nullptr && !fits(*mask, frame.rect)) return QPX_BAD_PARAM;
+  size_t bytes = 0;
+  if (!FringeFade::bytesFor(frame.rect.right - frame.rect.left, &bytes)) return QPX_NO_MEMORY;
+  return withRing(frame.stage, bytes, kept,
+                  [&frame](RingHead* head) { FringeFade(frame, head).run(); });
 }
 
 }  // namespace
@@ -113,32 +246,15 @@ int32_t setUpRemoveEdge(Stage& stage, QPXBand&) {
   param.right = right;
   param.top = top;
   param.bottom = bottom;
-  auto* table = static_cast<FringeTable*>(MMemAlloc(nullptr, sizeof(FringeTable)));
-  if (table == nullptr) return QPX_NO_MEMORY;
-  fillShares(*table, param);
-  stage.lut = reinterpret_cast<uint8_t*>(table);
-  stage.lutSize = sizeof(FringeTable);
-  stage.lutFlags = QPX_LUT_OTHER_SHAPE;
-  return QPX_OK;
+  size_t bytes = 0;
+  if (!FringeFade::bytesFor(stage.inWidth, &bytes)) return QPX_NO_MEMORY;
+  auto* shares = makeBlock<simd::DegreeWords>(stage);
+  if (shares == nullptr) return QPX_NO_MEMORY;
+  fillShares(*shares, param);
+  return reserveRing(stage, bytes);
 }
 
-int32_t removeEdge(const Frame& frame) {
-  const MBitmap* mask = record<QPXRemoveEdgeParam>(frame.stage).selection.mask;
-  if (mask != nullptr && !fits(*mask, frame.rect)) return QPX_BAD_PARAM;
-  const auto& table = *reinterpret_cast<const FringeTable*>(frame.stage.lut);
-  const RunFormat format(frame.stage);
-  forEachRun(format, frame.rect, [&](PixelRun& run) {
-    const uint8_t* row = nullptr;
-    if (mask != nullptr) {
-      row = mask->plane[0] + ptrdiff_t{run.y - frame.rect.top} * mask->pitch[0] +
-            (run.x - frame.rect.left);
-    }
-    format.load(frame.in, run);
-    fade(table, row, run);
-    format.store(run, frame.in, frame.out);
-  });
-  return QPX_OK;
-}
+int32_t removeEdge(const Frame& frame) { return removeEdgeOf(frame, true); }
 
 }  // namespace qpx
 
@@ -146,7 +262,6 @@ using namespace qpx;
 
 int32_t RemoveEdge_RGB(QPXStage* stage, const MRect* rect, QPXRowTable* outRows,
                        QPXRowTable* inRows) {
-  return callOnFrameOf(kRemoveEdge, stage, rect, outRows, inRows, [](const Frame& frame) {
-    return (formatGroup(frame.stage.pix) & kTakesRgb) != 0 ? removeEdge(frame) : int32_t{QPX_OK};
-  });
+  return callOnFrameOf(kRemoveEdge, stage, rect, outRows, inRows,
+                       [](const Frame& frame) { return removeEdgeOf(frame, false); });
 }

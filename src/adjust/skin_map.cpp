@@ -35,4 +35,19 @@ void fillSkinMap(SkinMap& map) {
   }
 }
 
+SkinSpans skinSpans(const SkinMap& map) {
+  SkinSpans spans;
+  for (size_t cb = 0; cb < 256; ++cb) {
+    int32_t lowest = 255, highest = 0;
+    for (int32_t cr = 0; cr < 256; ++cr) {
+      if (map[cb][static_cast<size_t>(cr)] > kSkinBorder) continue;
+      lowest = std::min(lowest, cr);
+      highest = cr;
+    }
+    spans.lowest[cb] = static_cast<uint8_t>(lowest);
+    spans.highest[cb] = static_cast<uint8_t>(highest);
+  }
+  return spans;
+}
+
 }  // namespace qpx

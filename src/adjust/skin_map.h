@@ -15,6 +15,14 @@ inline constexpr int32_t kDarkestSkin = 61;   // below this luma, chroma says li
 
 void fillSkinMap(SkinMap& map);
 
+// The first and the last Cr that are skin with each Cb: the cluster has no holes. Where none are,
+// the first lies behind the last.
+struct SkinSpans {
+  std::array<uint8_t, 256> lowest, highest;
+};
+
+SkinSpans skinSpans(const SkinMap& map);
+
 inline bool isSkin(const SkinMap& map, int32_t luma, uint8_t cb, uint8_t cr) {
   return luma >= kDarkestSkin && map[cb][cr] <= kSkinBorder;
 }

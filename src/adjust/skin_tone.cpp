@@ -1,8 +1,6 @@
 // Even, warm skin: the inks of reds and yellows, then a soft lift.
 #include <qpx/kernels_adjust.h>
 
-#include <algorithm>
-
 #include "adjust/selective_color.h"
 #include "adjust/skin_effects.h"
 #include "toolkit/curve.h"
@@ -43,8 +41,6 @@ void evenSkin(const Stage& stage, PixelRun& run) {
 }  // namespace
 
 int32_t setUpSkinTone(Stage& stage, QPXBand&) {
-  int32_t& intensity = editRecord<QPXFilterRecord>(stage).intensity;
-  intensity = std::clamp(intensity, 0, 100);
   ToneTable tables[3];
   for (size_t i = 0; i < 3; ++i) {
     const int32_t result = liftTable(kWarmLift[i], tables[i]);

@@ -5,6 +5,8 @@
 
 #include "adjust/tone_effects.h"
 #include "simd/blend_math.h"
+#include "simd/hue_rows.h"
+#include "simd/rows.h"
 #include "toolkit/curve.h"
 #include "toolkit/kernel_call.h"
 #include "toolkit/pixel_run.h"
@@ -67,24 +69,23 @@ void fillTones(ToneTable (&tables)[3], int32_t hue, int32_t saturation) {
   tables[2] = tonedTable(color.blue, saturation);
 }
 
-uint8_t mixed(const SplitTables& tables, int channel, uint8_t sample, int32_t weight) {
-  const int32_t shadow = tables.shadows[channel][sample];
-  const int32_t highlight = tables.highlights[channel][sample];
-  return static_cast<uint8_t>(shadow + ((weight * (highlight - shadow)) >> 8));
-}
-
 void tone(const Stage& stage, PixelRun& run) {
+  // Those of kTintLuma with sixteen fractional bits, and a half.
+  constexpr int32_t kLumaRow[4] = {kTintLuma.red << 8, kTintLuma.green << 8, kTintLuma.blue << 8,
+                                   1 << 15};
   const auto& tables = *reinterpret_cast<const SplitTables*>(stage.lut);
-  for (int32_t i = 0; i < run.count; ++i) {
-    const uint8_t luma = lumaOf(run.r[i], run.g[i], run.b[i], kTintLuma);
-    const int32_t weight = tables.weight[luma];
-    const TintedColor color =
-        tintedGrey(luma, {mixed(tables, 0, run.r[i], weight), mixed(tables, 1, run.g[i], weight),
-                          mixed(tables, 2, run.b[i], weight)});
-    run.r[i] = static_cast<uint8_t>(color.red);
-    run.g[i] = static_cast<uint8_t>(color.green);
-    run.b[i] = static_cast<uint8_t>(color.blue);
+  const simd::Rows& rows = simd::rows();
+  const simd::HueRows& hues = simd::hueRows();
+  alignas(kRunAlignment) uint8_t luma[kRunLength], weight[kRunLength], light[kRunLength];
+  rows.weightedSum(run.r, run.g, run.b, luma, run.count, kLumaRow);
+  rows.lookup(luma, weight, run.count, tables.weight.data());
+  uint8_t* const channels[] = {run.r, run.g, run.b};
+  for (size_t c = 0; c < 3; ++c) {
+    rows.lookup(channels[c], light, run.count, tables.highlights[c].data());
+    rows.lookup(channels[c], channels[c], run.count, tables.shadows[c].data());
+    hues.mixWeighted(channels[c], light, weight, channels[c], run.count);
   }
+  hues.tintGreys(run.r, run.g, run.b, run.count, luma);
 }
 
 }  // namespace

@@ -21,9 +21,14 @@ double clampNumber(double value, double low, double high, double neutral) {
   return std::isnan(value) ? neutral : std::clamp(value, low, high);
 }
 
+// 0 stands for no white of its own.
+void clampWhite(int32_t& white) {
+  if (white != 0) white = std::clamp(white, 1, 255);
+}
+
 void clampRange(QPXLevelRange& range) {
   range.black = std::clamp(range.black, 0, 254);
-  range.white = std::clamp(range.white, 0, 255);
+  clampWhite(range.white);
   range.gamma = range.gamma == 0.0 ? 1.0 : clampNumber(range.gamma, 0.1, 10.0, 1.0);
 }
 
@@ -33,16 +38,37 @@ void clampShift(QPXColorShift& shift) {
   }
 }
 
+// How a channel shifts in shadows, midtones and highlights, in percent.
+struct TonalShift {
+  double shadows, midtones, highlights;
+
+  // The least slope of the shift, in percent of the range: it changes evenly from black to white.
+  double steepestFall() const { return 2.0 * std::min(midtones - shadows, highlights - midtones); }
+};
+
+// Of the range, what a shift of 100 percent is.
+constexpr double kBalanceReach = 0.2;
+
 // What a channel of a grey gains at each of its values. The three ranges add up to one everywhere,
 // so that equal shifts of all of them shift every value alike.
-ToneTable balanceTable(double shadows, double midtones, double highlights) {
-  constexpr double kReach = 0.2 * 255.0 / 100.0;
+ToneTable balanceTable(const TonalShift& shift, double share) {
   return tabulate([&](int32_t i) {
     const double x = i / 255.0;
-    const double shift =
-        shadows * (1 - x) * (1 - x) + midtones * 2 * x * (1 - x) + highlights * x * x;
-    return static_cast<int64_t>(std::floor(i + kReach * shift + 0.5));
+    const double percent = shift.shadows * (1 - x) * (1 - x) + shift.midtones * 2 * x * (1 - x) +
+                           shift.highlights * x * x;
+    return static_cast<int64_t>(
+        std::floor(i + kBalanceReach * 255.0 / 100.0 * share * percent + 0.5));
   });
+}
+
+// Ranges that pull apart could turn a curve round. All channels shift less then, by the same share,
+// so that kept luminosity stays kept.
+double monotoneShare(const TonalShift (&channels)[3]) {
+  constexpr double kLeastSlope = 0.15;
+  double fall = 0.0;
+  for (const TonalShift& shift : channels) fall = std::min(fall, shift.steepestFall());
+  const double most = -(1.0 - kLeastSlope) * 100.0 / kBalanceReach;
+  return fall < most ? most / fall : 1.0;
 }
 
 // How a shift changes the three channels. Kept luminosity takes from all what a grey would gain.
@@ -82,7 +108,7 @@ int32_t setUpToneLevels(Stage& stage, QPXBand&) {
     clampRange(*range);
   }
   param.outputBlack = std::clamp(param.outputBlack, 0, 255);
-  param.outputWhite = std::clamp(param.outputWhite, 0, 255);
+  clampWhite(param.outputWhite);
   param.mode = std::clamp(param.mode, 0, 2);
   const ToneTable output = outputTable(param.outputBlack, param.outputWhite);
   const ToneTable last = param.mode == 2 ? output : chain(levelsTable(param.master), output);
@@ -128,9 +154,12 @@ int32_t setUpColorBalance(Stage& stage, QPXBand&) {
   const bool keeps = param.keepLuminosity != 0;
   const ChannelShift shadows(param.shadows, keeps), midtones(param.midtones, keeps),
       highlights(param.highlights, keeps);
-  return composeTables(stage, balanceTable(shadows.red, midtones.red, highlights.red),
-                       balanceTable(shadows.green, midtones.green, highlights.green),
-                       balanceTable(shadows.blue, midtones.blue, highlights.blue));
+  const TonalShift channels[3] = {{shadows.red, midtones.red, highlights.red},
+                                  {shadows.green, midtones.green, highlights.green},
+                                  {shadows.blue, midtones.blue, highlights.blue}};
+  const double share = monotoneShare(channels);
+  return composeTables(stage, balanceTable(channels[0], share), balanceTable(channels[1], share),
+                       balanceTable(channels[2], share));
 }
 
 // Warm light lifts reds and holds blues back, cool light the other way round; black and white stay.

@@ -70,7 +70,7 @@ double bump(int i, double x) {
 }  // namespace
 
 ToneTable levelsTable(const QPXLevelRange& range) {
-  const int32_t white = range.white > range.black ? range.white : 255;
+  const int32_t white = range.white == 0 ? 255 : std::max(range.white, range.black + 1);
   const double gamma = range.gamma > 0.0 ? range.gamma : 1.0;
   return tabulateUnit([&](double x) {
     const double share = (255.0 * x - range.black) / (white - range.black);
@@ -79,7 +79,7 @@ ToneTable levelsTable(const QPXLevelRange& range) {
 }
 
 ToneTable outputTable(int32_t black, int32_t white) {
-  const int32_t top = white > black ? white : 255;
+  const int32_t top = white == 0 ? 255 : std::max(white, black);
   return tabulate([&](int32_t i) { return black + (i * (top - black) + 127) / 255; });
 }
 

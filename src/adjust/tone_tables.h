@@ -6,10 +6,10 @@
 
 namespace qpx {
 
-// Black point, white point and gamma.
+// Black point, white point and gamma. White stays above black; 0, as of an empty record, is 255.
 ToneTable levelsTable(const QPXLevelRange& range);
 
-// 0 ... 255 drawn into black ... white.
+// 0 ... 255 drawn into black ... white, of which the same holds; both may be the same.
 ToneTable outputTable(int32_t black, int32_t white);
 
 // Through the points of a record. Returns 0, or 4 for no memory; points that go back leave the

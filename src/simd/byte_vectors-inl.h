@@ -91,6 +91,17 @@ HWY_INLINE void storeColors(const Bytes3& colors, uint8_t* r, uint8_t* g, uint8_
   storeBytes(colors.c, b);
 }
 
+// The three channels of whole vectors through op, in place; false if the row is shorter than one.
+template <class Op>
+HWY_INLINE bool mapColors(const Op& op, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
+  const auto make = [=](ptrdiff_t i) HWY_ATTR {
+    return op(Bytes3{loadBytes(r + i), loadBytes(g + i), loadBytes(b + i)});
+  };
+  const auto store = [=](const Bytes3& colors, ptrdiff_t i)
+                         HWY_ATTR { storeColors(colors, r + i, g + i, b + i); };
+  return eachVector(byteLanes(), count, make, store);
+}
+
 // dst = op(inputs...) on whole vectors; false if the row is shorter than one.
 template <class Op, class... Inputs>
 HWY_INLINE bool mapRow(const Op& op, uint8_t* dst, ptrdiff_t count, Inputs... inputs) {

@@ -112,46 +112,81 @@ struct SkinTap {
   VS weight;
 };
 
+using SkinBytesVector = hn::Vec<DHalf8>;
+
+HWY_INLINE SkinBytesVector halfBytes(const uint8_t* from) { return hn::LoadU(DHalf8(), from); }
+
+HWY_INLINE SkinBytesVector apart(SkinBytesVector a, SkinBytesVector b) {
+  return hn::Sub(hn::Max(a, b), hn::Min(a, b));
+}
+
 class SkinLanes {
  public:
-  HWY_INLINE SkinLanes(const SkinWindow& window, ptrdiff_t x) : window_(window), x_(x) {
+  // The middle's weight is the same everywhere: that of no distance.
+  HWY_INLINE SkinLanes(const SkinWindow& window, ptrdiff_t x)
+      : window_(window), x_(x), allInside_(isInside()) {
     const uint8_t* middle = window.rows[window.reach] + x;
-    for (int p = 0; p < 3; ++p) middle_[p] = wordsFrom(middle + p * window.planeStep);
+    SkinTap tap;
+    for (int p = 0; p < 3; ++p) {
+      middle_[p] = halfBytes(middle + p * window.planeStep);
+      tap.sample[p] = wordsFrom(middle + p * window.planeStep);
+    }
+    const int32_t side = 2 * window.reach + 1;
+    tap.weight = weightOf(hn::Zero(D16()), window.near[side * window.reach + window.reach]);
+    add({tap.weight, hn::Zero(DS())}, tap, tap);
   }
 
-  // Each row has an odd number of neighbours; the last is paired with nothing.
-  HWY_INLINE void addRow(const uint8_t* row, const uint16_t* near) {
-    const int32_t reach = window_.reach;
-    for (int32_t u = -reach; u < reach; u += 2) {
-      const SkinTap a = tap(row, u, near[u + reach]), b = tap(row, u + 1, near[u + 1 + reach]);
-      add({a.weight, b.weight}, a, b);
+  // All others come in pairs, each with the one across the middle.
+  HWY_INLINE void addNeighbours() {
+    const int32_t reach = window_.reach, side = 2 * reach + 1;
+    const uint16_t *ahead = window_.near, *behind = window_.near + side * side - 1;
+    for (int32_t v = -reach; v <= 0; ++v) {
+      const uint8_t *above = window_.rows[reach + v], *below = window_.rows[reach - v];
+      const int32_t end = v < 0 ? reach + 1 : 0;
+      for (int32_t u = -reach; u < end; ++u) {
+        const SkinTap a = tap(above, u, *ahead++), b = tap(below, -u, *behind--);
+        add({a.weight, b.weight}, a, b);
+      }
     }
-    const SkinTap last = tap(row, reach, near[2 * reach]);
-    add({last.weight, hn::Zero(DS())}, last, last);
   }
 
   HWY_INLINE void finish() { total_.invert(); }
   HWY_INLINE VS mean(int plane) const { return sum_[plane].over(total_); }
 
  private:
+  // Whether all neighbours of all lanes count.
+  HWY_INLINE bool isInside() const {
+    const DHalf8 d;
+    const ptrdiff_t lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
+    const uint8_t* inside = window_.inside + x_;
+    SkinBytesVector all = halfBytes(inside + window_.reach);
+    for (ptrdiff_t u = -window_.reach; u < window_.reach; u += lanes) {
+      all = hn::And(all, halfBytes(inside + u));
+    }
+    return hn::AllTrue(d, hn::Eq(all, hn::Set(d, 255)));
+  }
+
+  HWY_INLINE static VS weightOf(V16 distance, uint16_t near) {
+    const V16 t = hn::ShiftLeft<1>(
+        hn::SaturatedSub(word(kSkinContrast * kSkinContrast), hn::Mul(distance, distance)));
+    return hn::BitCast(DS(), hn::MulHigh(hn::MulHigh(t, t), hn::Set(D16(), near)));
+  }
+
   HWY_INLINE SkinTap tap(const uint8_t* row, int32_t across, uint16_t near) const {
-    const D16 d;
     const ptrdiff_t column = x_ + across;
     SkinTap tap;
-    VS distance = hn::Zero(DS());
+    SkinBytesVector distance = hn::Zero(DHalf8());
     for (int p = 0; p < 3; ++p) {
-      tap.sample[p] = wordsFrom(row + column + p * window_.planeStep);
-      distance = hn::Add(distance, hn::Abs(hn::Sub(tap.sample[p], middle_[p])));
+      const uint8_t* from = row + column + p * window_.planeStep;
+      distance = hn::SaturatedAdd(distance, apart(halfBytes(from), middle_[p]));
+      tap.sample[p] = wordsFrom(from);
     }
-    const V16 x = hn::BitCast(d, hn::Min(distance, signedWord(255)));
-    const V16 t =
-        hn::ShiftLeft<1>(hn::SaturatedSub(word(kSkinContrast * kSkinContrast), hn::Mul(x, x)));
-    const V16 weight = hn::MulHigh(hn::MulHigh(t, t), hn::Set(d, near));
+    tap.weight = weightOf(hn::PromoteTo(D16(), distance), near);
+    if (allInside_) return tap;
     // A byte of 255 as a sign extended word is all ones.
-    const VS counts = hn::PromoteTo(
-        DS(),
-        hn::BitCast(hn::RebindToSigned<DHalf8>(), hn::LoadU(DHalf8(), window_.inside + column)));
-    tap.weight = hn::And(hn::BitCast(DS(), weight), counts);
+    const hn::RebindToSigned<DHalf8> bits;
+    const VS counts = hn::PromoteTo(DS(), hn::BitCast(bits, halfBytes(window_.inside + column)));
+    tap.weight = hn::And(tap.weight, counts);
     return tap;
   }
 
@@ -162,7 +197,8 @@ class SkinLanes {
 
   const SkinWindow& window_;
   ptrdiff_t x_;
-  VS middle_[3];
+  bool allInside_;
+  SkinBytesVector middle_[3];
   ProductSums sum_[3], total_;
 };
 
@@ -179,8 +215,7 @@ HWY_INLINE SkinBytes smoothed(const SkinWindow& window, const uint8_t* skin, ptr
   }
   if (hn::AllFalse(DHalf8(), isSkin)) return result;
   SkinLanes lanes(window, i);
-  const int32_t side = 2 * window.reach + 1;
-  for (int32_t v = 0; v < side; ++v) lanes.addRow(window.rows[v], window.near + v * side);
+  lanes.addNeighbours();
   lanes.finish();
   for (int p = 0; p < 3; ++p) {
     const auto mean = hn::DemoteTo(DHalf8(), lanes.mean(p));
@@ -198,6 +233,67 @@ void smoothSkin(const SkinWindow& window, const uint8_t* skin, uint8_t* const (&
   if (!eachVector(static_cast<ptrdiff_t>(hn::Lanes(D16())), count, make, store)) {
     plain::smoothSkin(window, skin, dst, count);
   }
+}
+
+// A lane for each block: its sum of masks, and what is made of it.
+class BlockLanes {
+ public:
+  HWY_INLINE BlockLanes(V8 upperMask, V8 lowerMask, V16 strength) {
+    const Halves upper = widen(upperMask), lower = widen(lowerMask);
+    const V16 sum = hn::Add(hn::Add(upper.even, upper.odd), hn::Add(lower.even, lower.odd));
+    luma_ = hn::ShiftRight<2>(sum);
+    // No more is needed to reach either limit from a way of one.
+    const V16 share = hn::MulHigh(strength, hn::ShiftLeft<6>(sum));
+    chroma_ = hn::ShiftLeft<4>(hn::Min(share, word(kMostU << 8)));
+  }
+
+  HWY_INLINE V8 mixed(V8 luma8, V8 aim8) const {
+    const V16 rest = hn::Sub(word(256), luma_);
+    const auto half = [&](V16 luma, V16 aim) HWY_ATTR {
+      return hn::ShiftRight<8>(hn::Add(hn::Mul(luma, rest), hn::Mul(aim, luma_)));
+    };
+    const Halves luma = widen(luma8), aim = widen(aim8);
+    return narrow({half(luma.even, aim.even), half(luma.odd, aim.odd)});
+  }
+
+  HWY_INLINE V8 lifted(V8 pairs) const {
+    const Halves both = widen(pairs);
+    const VS v = difference(both.even, word(128)), u = difference(both.odd, word(128));
+    const VS zero = hn::Zero(DS());
+    const VS above = hn::Max(v, zero), below = hn::Min(u, zero);
+    const V16 wayV = hn::Sub(hn::ShiftRight<8>(hn::Mul(hn::BitCast(D16(), above), word(332))),
+                             hn::BitCast(D16(), above));
+    const VS wayU = hn::Sub(hn::ShiftRight<7>(hn::Mul(below, signedWord(51))), below);
+    const V16 stepV = hn::Min(stepOf(wayV), word(kMostV));
+    const V16 stepU = hn::Min(stepOf(hn::BitCast(D16(), wayU)), word(kMostU));
+    return narrow({hn::Min(hn::Add(both.even, stepV), word(255)), hn::Add(both.odd, stepU)});
+  }
+
+ private:
+  static constexpr int32_t kMostU = 9, kMostV = 4;
+
+  HWY_INLINE V16 stepOf(V16 way) const { return hn::MulHigh(chroma_, hn::ShiftLeft<4>(way)); }
+
+  V16 luma_, chroma_;
+};
+
+// Chroma only rises: a strength below 0 does nothing to it.
+void whitenBlocks(const WhitenedRows& rows, ptrdiff_t count, int32_t strength) {
+  if (strength > 65535) {
+    plain::whitenBlocks(rows, count, strength);
+    return;
+  }
+  const V16 share = word(strength < 0 ? 0 : strength);
+  const auto make = [&](ptrdiff_t i) HWY_ATTR {
+    const BlockLanes block(loadBytes(rows.mask[0] + i), loadBytes(rows.mask[1] + i), share);
+    return Bytes3{block.mixed(loadBytes(rows.luma[0] + i), loadBytes(rows.aim[0] + i)),
+                  block.mixed(loadBytes(rows.luma[1] + i), loadBytes(rows.aim[1] + i)),
+                  block.lifted(loadBytes(rows.pairs + i))};
+  };
+  const auto store = [&](const Bytes3& made, ptrdiff_t i) HWY_ATTR {
+    storeColors(made, rows.luma[0] + i, rows.luma[1] + i, rows.pairs + i);
+  };
+  if (!eachVector(byteLanes(), count, make, store)) plain::whitenBlocks(rows, count, strength);
 }
 
 }  // namespace

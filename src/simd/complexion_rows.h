@@ -23,6 +23,15 @@ struct SkinWindow {
   const uint16_t* near;        // weights of a row's neighbours, row by row; the middle's is 65535
 };
 
+// Two rows of luma and the row of V, U pairs that belongs to them, all of `count` bytes, and what
+// goes with them.
+struct WhitenedRows {
+  uint8_t* luma[2];
+  uint8_t* pairs;
+  const uint8_t* aim[2];  // what each luma becomes where the mask is full
+  const uint8_t* mask[2];
+};
+
 struct ComplexionRows {
   // The mean of the window's pixels, weighted by how near they are in place and in colour, for the
   // pixels with a `skin` of 255; the others, of 0, are copied.
@@ -31,9 +40,19 @@ struct ComplexionRows {
   //   dst = sum of weight * sample / sum of weights, cut
   void (*smoothSkin)(const SkinWindow& window, const uint8_t* skin, uint8_t* const (&dst)[3],
                      ptrdiff_t count);
+
+  // Blocks of 2 x 2 pixels towards their aims, in place; count is even. Of a block's four masks'
+  // sum s:
+  //   t = s >> 2, luma = (luma * (256 - t) + aim * t) >> 8
+  //   g = (strength * s) >> 10
+  //   below 128, u += min(max((g * (((u - 128) * 51 >> 7) - (u - 128))) >> 8, 0), 9)
+  //   above 128, v += min(max((g * ((332 * (v - 128) >> 8) - (v - 128))) >> 8, 0), 4), to 255
+  void (*whitenBlocks)(const WhitenedRows& rows, ptrdiff_t count, int32_t strength);
 };
 
-#define QPX_COMPLEXION_ROWS(ROW, Table) ROW(Table, smoothSkin)
+#define QPX_COMPLEXION_ROWS(ROW, Table) \
+  ROW(Table, smoothSkin)                \
+  ROW(Table, whitenBlocks)
 QPX_DECLARE_ROWS(ComplexionRows, QPX_COMPLEXION_ROWS)
 
 inline const ComplexionRows& complexionRows() { return chosenForm<ComplexionRows>(); }

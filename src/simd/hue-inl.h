@@ -35,6 +35,14 @@ HWY_INLINE VI lookedUp(const int32_t* table, VI index) {
   return hn::GatherIndex(DI(), table, index);
 }
 
+// Processors gather nothing less than words.
+HWY_INLINE VI lookedUpByte(const uint8_t* table, VI index) {
+  HWY_ALIGN int32_t places[hn::MaxLanes(DI())];
+  hn::Store(index, DI(), places);
+  for (size_t i = 0; i < hn::Lanes(DI()); ++i) places[i] = table[places[i]];
+  return hn::Load(DI(), places);
+}
+
 struct Colors {
   VI r, g, b;
 
@@ -122,8 +130,10 @@ void changeChroma(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Lab
 
 #if HWY_ARCH_ARM_V7
 // Divisions must be exact.
+using plain::brighten;
 using plain::changeHues;
 using plain::changeRange;
+using plain::fadeHues;
 using plain::saturate;
 #else
 using DF = hn::RebindToFloat<DI>;
@@ -133,6 +143,32 @@ using DF = hn::RebindToFloat<DI>;
 HWY_INLINE VI quotient(VI a, VI b) {
   return hn::ConvertTo(DI(), hn::Div(hn::ConvertTo(DF(), a), hn::ConvertTo(DF(), b)));
 }
+
+HWY_INLINE VI chromaGain(VI most, VI least, int32_t amount) {
+  if (amount <= 0) return number(amount);
+  const VI sum = hn::Add(most, least), one = number(1), whole = number(1 << 20);
+  const VI base = hn::IfThenElse(hn::Lt(sum, number(256)), sum, hn::Sub(number(512), sum));
+  const VI saturation =
+      hn::ShiftRight<10>(hn::Mul(quotient(whole, hn::Add(base, one)), hn::Sub(most, least)));
+  const VI usual = number(1024 - amount);
+  const VI divisor = hn::IfThenElse(hn::Lt(saturation, usual), usual, saturation);
+  return hn::Sub(quotient(whole, hn::Add(divisor, one)), number(1024));
+}
+
+void saturate(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, int32_t amount) {
+  const auto change = [=](const Colors& colors) HWY_ATTR {
+    const VI most = colors.most(), least = colors.least();
+    const VI mean = hn::ShiftRight<1>(hn::Add(most, least));
+    const VI gain = chromaGain(most, least, amount);
+    return eachChannel(colors, [=](VI c) HWY_ATTR {
+      return hn::Add(c, hn::ShiftRight<10>(hn::Mul(gain, hn::Sub(c, mean))));
+    });
+  };
+  changeColors(change, r, g, b, count);
+}
+
+// With wider vectors these have forms of their own, in hue_words-inl.h.
+#if HWY_TARGET > HWY_AVX3
 
 // Which channel is the largest, the first of equals: what its hue is measured by, and from where.
 struct HueParts {
@@ -221,7 +257,7 @@ HWY_INLINE Colors ofHue(VI hue, VI most, VI least) {
 void changeHues(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const HueChanges& changes) {
   const auto change = [&](const Colors& colors) HWY_ATTR {
     const VI most = colors.most(), least = colors.least();
-    const VI word = lookedUp(changes.words(), hueOf(colors, most, least));
+    const VI word = lookedUp(changes.packed().words(), hueOf(colors, most, least));
     const VI light = hn::ShiftRight<20>(word);
     const VI spread = hn::ShiftRight<22>(hn::ShiftLeft<12>(word));
     const VI turn = hn::ShiftRight<22>(hn::ShiftLeft<22>(word));
@@ -262,6 +298,11 @@ HWY_INLINE Colors rgbOf(const HsvLanes& hsv) {
   return bySector(sector, hsv.value, sample(share), sample(rest));
 }
 
+HWY_INLINE Colors chosen(MI first, const Colors& a, const Colors& b) {
+  return {hn::IfThenElse(first, a.r, b.r), hn::IfThenElse(first, a.g, b.g),
+          hn::IfThenElse(first, a.b, b.b)};
+}
+
 HWY_INLINE VI changedValue(const HsvLanes& hsv, VI weight, int32_t light) {
   const VI off = hn::Sub(hsv.value, number(128));
   const VI bump = hn::ShiftRight<8>(hn::Sub(number(16384), hn::Mul(off, off)));
@@ -274,43 +315,67 @@ HWY_INLINE VI changedValue(const HsvLanes& hsv, VI weight, int32_t light) {
 void changeRange(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const RangeChanges& changes) {
   const auto change = [&](const Colors& colors) HWY_ATTR {
     const HsvLanes hsv = hsvOf(colors);
-    const VI word = lookedUp(changes.words(), hsv.hue);
+    const VI word = lookedUp(changes.packed().words(), hsv.hue);
     const MI outside = hn::Lt(word, number(RangeChanges::kInside));
     const VI weight = hn::And(hn::ShiftRight<9>(word), number(0x7FF));
-    const VI away = hn::Sub(lookedUp(changes.saturation, hsv.saturation), hsv.saturation);
+    const VI away = hn::Sub(lookedUpByte(changes.saturation, hsv.saturation), hsv.saturation);
     const VI saturation =
         clampSamples(hn::Add(hsv.saturation, hn::ShiftRight<10>(hn::Mul(weight, away))));
     const Colors made =
         rgbOf({hn::And(word, number(0x1FF)), saturation, changedValue(hsv, weight, changes.light)});
-    return Colors{hn::IfThenElse(outside, colors.r, made.r),
-                  hn::IfThenElse(outside, colors.g, made.g),
-                  hn::IfThenElse(outside, colors.b, made.b)};
+    return chosen(outside, colors, made);
   };
   changeColors(change, r, g, b, count);
 }
 
-HWY_INLINE VI chromaGain(VI most, VI least, int32_t amount) {
-  if (amount <= 0) return number(amount);
-  const VI sum = hn::Add(most, least), one = number(1), whole = number(1 << 20);
-  const VI base = hn::IfThenElse(hn::Lt(sum, number(256)), sum, hn::Sub(number(512), sum));
-  const VI saturation =
-      hn::ShiftRight<10>(hn::Mul(quotient(whole, hn::Add(base, one)), hn::Sub(most, least)));
-  const VI usual = number(1024 - amount);
-  const VI divisor = hn::IfThenElse(hn::Lt(saturation, usual), usual, saturation);
-  return hn::Sub(quotient(whole, hn::Add(divisor, one)), number(1024));
-}
-
-void saturate(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, int32_t amount) {
+void brighten(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const uint8_t* tones,
+              int32_t units) {
   const auto change = [=](const Colors& colors) HWY_ATTR {
-    const VI most = colors.most(), least = colors.least();
-    const VI mean = hn::ShiftRight<1>(hn::Add(most, least));
-    const VI gain = chromaGain(most, least, amount);
-    return eachChannel(colors, [=](VI c) HWY_ATTR {
-      return hn::Add(c, hn::ShiftRight<10>(hn::Mul(gain, hn::Sub(c, mean))));
-    });
+    const HsvLanes hsv = hsvOf(colors);
+    const VI toEnd =
+        hn::IfThenElse(hn::Lt(hsv.value, number(129)), hsv.value, hn::Sub(number(255), hsv.value));
+    const VI saturation = hn::Sub(hsv.saturation, scaled<10>(toEnd, units));
+    const VI value = lookedUpByte(tones, hsv.value);
+    const Colors made = rgbOf({hsv.hue, atOrAbove0(saturation), value});
+    const MI isGrey = hn::Lt(saturation, hn::Zero(DI()));
+    const MI isBlack = hn::Eq(hsv.value, hn::Zero(DI()));
+    return chosen(isBlack, colors, chosen(isGrey, {value, value, value}, made));
   };
   changeColors(change, r, g, b, count);
 }
+
+HWY_INLINE VI wholeHueOf(const Colors& c) {
+  const VI most = c.most();
+  const VI chroma = hn::Max(hn::Sub(most, c.least()), number(1));
+  const HueParts parts = huePartsOf(c, most);
+  return wrappedUp(
+      hn::Add(quotient(times(parts.difference, 60), chroma), startOf(parts, 120, 240)));
+}
+
+// A mask and the greys are no channels that change: they come and go with the vector's pixels.
+void fadeHues(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const uint8_t* grey,
+              const uint8_t* mask, const DegreeWords& shares) {
+  const ptrdiff_t lanes = static_cast<ptrdiff_t>(hn::Lanes(DI()));
+  ptrdiff_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const VI light = loadSamples(grey + i);
+    const auto change = [&](const Colors& colors) HWY_ATTR {
+      VI share = lookedUp(shares.words(), wholeHueOf(colors));
+      if (mask != nullptr) {
+        share = quotient(hn::Mul(share, loadSamples(mask + i)), number(255));
+      }
+      return eachChannel(colors, [=](VI c) HWY_ATTR {
+        const VI step = hn::Mul(hn::Sub(light, c), share);
+        return hn::Add(c, hn::ShiftRight<8>(hn::Add(step, number(128))));
+      });
+    };
+    changeVector(change, r + i, g + i, b + i);
+  }
+  plain::fadeHues(r + i, g + i, b + i, count - i, grey + i, mask == nullptr ? mask : mask + i,
+                  shares);
+}
+
+#endif  // HWY_TARGET
 #endif
 
 }  // namespace

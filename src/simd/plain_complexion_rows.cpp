@@ -43,7 +43,49 @@ class SkinMean {
   uint32_t total_ = 0;
 };
 
+// What a block's mask says: a share of 256 for luma, and for chroma that share times the strength.
+struct BlockShare {
+  int32_t luma;
+  int64_t chroma;
+};
+
+BlockShare shareOf(const uint8_t* upper, const uint8_t* lower, int32_t strength) {
+  const int32_t sum = upper[0] + upper[1] + lower[0] + lower[1];
+  return {sum >> 2, (int64_t{strength} * sum) >> 10};
+}
+
+void mixLuma(uint8_t* luma, const uint8_t* aim, int32_t share) {
+  for (int i = 0; i < 2; ++i) {
+    luma[i] = static_cast<uint8_t>((luma[i] * (256 - share) + aim[i] * share) >> 8);
+  }
+}
+
+// Towards the aim by a share, upwards only, by `most` at most and not beyond a byte.
+uint8_t liftedBy(int32_t chroma, int32_t aim, int64_t share, int64_t most) {
+  const int64_t way = std::max<int64_t>((share * (aim - chroma + 128)) >> 8, 0);
+  return static_cast<uint8_t>(std::min(chroma + std::min(way, most), int64_t{255}));
+}
+
+// Blue below the middle comes nearer to it.
+uint8_t liftedU(int32_t u, int64_t share) {
+  return u < 128 ? liftedBy(u, (u - 128) * 51 >> 7, share, 9) : static_cast<uint8_t>(u);
+}
+
+// Red above the middle grows.
+uint8_t liftedV(int32_t v, int64_t share) {
+  return v >= 129 ? liftedBy(v, (332 * (v - 128)) >> 8, share, 4) : static_cast<uint8_t>(v);
+}
+
 }  // namespace
+
+void whitenBlocks(const WhitenedRows& rows, ptrdiff_t count, int32_t strength) {
+  for (ptrdiff_t i = 0; i < count; i += 2) {
+    const BlockShare share = shareOf(rows.mask[0] + i, rows.mask[1] + i, strength);
+    for (int row = 0; row < 2; ++row) mixLuma(rows.luma[row] + i, rows.aim[row] + i, share.luma);
+    rows.pairs[i] = liftedV(rows.pairs[i], share.chroma);
+    rows.pairs[i + 1] = liftedU(rows.pairs[i + 1], share.chroma);
+  }
+}
 
 void smoothSkin(const SkinWindow& window, const uint8_t* skin, uint8_t* const (&dst)[3],
                 ptrdiff_t count) {

@@ -2,10 +2,13 @@
 
 #include "simd/hsv_math.h"
 #include "simd/hue_rows.h"
+#include "simd/tint_math.h"
 
 namespace qpx::simd {
 namespace plain {
 namespace {
+
+constexpr int32_t kAll = 256;
 
 uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
@@ -144,6 +147,25 @@ Color saturated(const Color& color, int32_t amount) {
   return eachChannel(color, [=](int32_t c) { return c + ((gain * (c - mean)) >> 10); });
 }
 
+// Colours fade towards both ends of the tones, the more the more light there is.
+Color brightened(const Color& color, const uint8_t* tones, int32_t units) {
+  if (color.most() == 0) return color;
+  const Hsv hsv = hsvOf(color.r, color.g, color.b);
+  const int32_t fade = ((hsv.value < 129 ? hsv.value : 255 - hsv.value) * units) >> 10;
+  const int32_t saturation = hsv.saturation - fade, value = tones[hsv.value];
+  if (saturation < 0) return {value, value, value};
+  const HsvColor made = rgbOf({hsv.hue, saturation, value});
+  return {made.r, made.g, made.b};
+}
+
+// In whole degrees, 0 ... 359; greys have 0.
+int32_t wholeHueOf(const Color& c) {
+  const int32_t most = c.most(), chroma = most - c.least();
+  if (chroma == 0) return 0;
+  if (most == c.r) return (60 * (c.g - c.b) / chroma + 360) % 360;
+  return most == c.g ? 120 + 60 * (c.b - c.r) / chroma : 240 + 60 * (c.r - c.g) / chroma;
+}
+
 // The primaries of sRGB under D50 (IEC 61966-2-1, adapted by Bradford), white being 1 in Y, and
 // back. X and Z come divided by those of the white, and leave multiplied by them.
 Color chromaChanged(const Color& color, const LabTables& tables) {
@@ -180,6 +202,47 @@ void changeRange(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Rang
 
 void saturate(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, int32_t amount) {
   forColors(r, g, b, count, [=](const Color& color) { return saturated(color, amount); });
+}
+
+void brighten(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const uint8_t* tones,
+              int32_t units) {
+  forColors(r, g, b, count, [=](const Color& color) { return brightened(color, tones, units); });
+}
+
+void fadeHues(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const uint8_t* grey,
+              const uint8_t* mask, const DegreeWords& shares) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    int32_t share = shares.at(wholeHueOf({r[i], g[i], b[i]}));
+    if (mask != nullptr) share = share * mask[i] / 255;
+    for (uint8_t* c : {r + i, g + i, b + i}) {
+      *c = static_cast<uint8_t>(*c + (((grey[i] - *c) * share + kAll / 2) >> 8));
+    }
+  }
+}
+
+void mixWeighted(const uint8_t* base, const uint8_t* top, const uint8_t* weight, uint8_t* dst,
+                 ptrdiff_t count) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    dst[i] = static_cast<uint8_t>(base[i] + ((weight[i] * (top[i] - base[i])) >> 8));
+  }
+}
+
+void tintGreys(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const uint8_t* grey) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const TintedColor color = tintedGrey(grey[i], {r[i], g[i], b[i]});
+    r[i] = static_cast<uint8_t>(std::clamp(color.red, 0, 255));
+    g[i] = static_cast<uint8_t>(std::clamp(color.green, 0, 255));
+    b[i] = static_cast<uint8_t>(std::clamp(color.blue, 0, 255));
+  }
+}
+
+void mixColors(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const int32_t (&rows)[3][4]) {
+  forColors(r, g, b, count, [&](const Color& c) {
+    const auto sum = [&](const int32_t(&w)[4]) {
+      return (w[0] * c.r + w[1] * c.g + w[2] * c.b + w[3]) >> 8;
+    };
+    return Color{sum(rows[0]), sum(rows[1]), sum(rows[2])};
+  });
 }
 
 void changeChroma(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const LabTables& tables) {

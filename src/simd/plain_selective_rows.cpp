@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "simd/selective_math.h"
 
 namespace qpx::simd {
@@ -70,7 +72,51 @@ class InkChange {
   int32_t least_, mid_, most_;
 };
 
+class AbsoluteColor {
+ public:
+  AbsoluteColor(const Inks& inks, uint8_t r, uint8_t g, uint8_t b)
+      : inks_(inks), channel_{r, g, b} {
+    const auto [least, most] = std::minmax({r, g, b});
+    const int32_t mid = r + g + b - least - most;
+    const int32_t top = most - mid, bottom = mid - least;
+    if (r == most) add(reds, top);
+    if (b == least) add(yellows, bottom);
+    if (g == most) add(greens, top);
+    if (r == least) add(cyans, bottom);
+    if (b == most) add(blues, top);
+    if (g == least) add(magentas, bottom);
+    if (least > 127) add(whites, 2 * least - 255);
+    add(neutrals, 255 - (std::abs(least - 127) + std::abs(most - 127)));
+    if (most <= 127) add(blacks, 255 - 2 * most);
+  }
+
+  uint8_t result(int ink) const {
+    return static_cast<uint8_t>(std::clamp(channel_[ink] - loss_[ink], 0, 255));
+  }
+
+ private:
+  void add(ColorClass colorClass, int32_t weight) {
+    for (int ink = 0; ink < kInks; ++ink) {
+      const int32_t levels = absoluteLevels(inks_.amount[ink][colorClass]);
+      loss_[ink] += absoluteLoss(channel_[ink], levels, weight);
+    }
+  }
+
+  const Inks& inks_;
+  int32_t channel_[kInks];
+  int32_t loss_[kInks] = {};
+};
+
 }  // namespace
+
+void selectAbsoluteInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
+  for (ptrdiff_t i = 0; i < count; ++i) {
+    const AbsoluteColor color(inks, r[i], g[i], b[i]);
+    r[i] = color.result(0);
+    g[i] = color.result(1);
+    b[i] = color.result(2);
+  }
+}
 
 void selectInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
   for (ptrdiff_t i = 0; i < count; ++i) {

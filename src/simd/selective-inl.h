@@ -10,6 +10,7 @@
 
 #include "simd/byte_vectors-inl.h"
 #include "simd/selective_math.h"
+#include "simd/word_table-inl.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -23,13 +24,29 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 using InkTag = hn::Repartition<int32_t, D8>;
 using InkLanes = hn::Vec<InkTag>;
-using InkBytes = hn::Rebind<uint8_t, InkTag>;
 using InkMask = hn::Mask<InkTag>;
 
 HWY_INLINE InkLanes lanes(int32_t value) { return hn::Set(InkTag(), value); }
 
-HWY_INLINE InkLanes loadChannel(const uint8_t* from) {
-  return hn::PromoteTo(InkTag(), hn::LoadU(InkBytes(), from));
+// Every fourth byte or every second word of a vector, from one on, as 32-bit lanes.
+template <int kPart>
+HWY_INLINE InkLanes quarterOf(V8 v) {
+  return hn::And(hn::ShiftRight<8 * kPart>(hn::BitCast(InkTag(), v)), lanes(255));
+}
+
+template <int kPart>
+HWY_INLINE InkLanes quarterOf(const Halves& v) {
+  const hn::Repartition<uint32_t, D8> d;
+  const auto words = hn::BitCast(d, kPart % 2 == 0 ? v.even : v.odd);
+  const auto part = kPart < 2 ? hn::And(words, hn::Set(d, 0xFFFF)) : hn::ShiftRight<16>(words);
+  return hn::BitCast(InkTag(), part);
+}
+
+// Back to their places, clamped.
+template <int kPart>
+HWY_INLINE V8 placed(InkLanes v) {
+  const InkLanes sample = hn::Min(hn::Max(v, hn::Zero(InkTag())), lanes(255));
+  return hn::BitCast(D8(), hn::ShiftLeft<8 * kPart>(sample));
 }
 
 // Where two channels share the extreme, the weight of its class is 0 and either class will do: a
@@ -78,15 +95,60 @@ struct InkPlan {
   }
 };
 
-// kInkCap as far as amounts go, and kInkScale of it in the upper half.
-constexpr std::array<int32_t, 256> kCapAndScale = [] {
-  std::array<int32_t, 256> both = {};
-  for (size_t v = 0; v < 256; ++v) {
-    const int32_t cap = kInkCap[v];
-    both[v] = std::min(cap, 300) | kInkScale[static_cast<size_t>(std::min(cap, 100))] << 16;
+// 256 numbers of 32 bits, looked up by all samples of a vector at once where that is fast, and
+// quarter by quarter where it is not.
+#if HWY_TARGET <= HWY_AVX3
+struct NumberBytes {
+  WordBytes low, high;
+
+  template <typename Entry>
+  constexpr explicit NumberBytes(const Entry& entry)
+      : low(entry), high([&](int32_t i) { return entry(i) >> 16; }) {}
+};
+
+class Numbers {
+ public:
+  HWY_INLINE Numbers(const NumberBytes& table, V8 index)
+      : low_(WordTable(table.low)(index)), high_(WordTable(table.high)(index)) {}
+
+  template <int kPart>
+  HWY_INLINE InkLanes quarter() const {
+    return hn::Or(quarterOf<kPart>(low_), hn::ShiftLeft<16>(quarterOf<kPart>(high_)));
   }
-  return both;
-}();
+
+ private:
+  Halves low_, high_;
+};
+#else
+struct NumberBytes {
+  int32_t numbers[256] = {};
+
+  template <typename Entry>
+  constexpr explicit NumberBytes(const Entry& entry) {
+    for (int32_t i = 0; i < 256; ++i) numbers[i] = entry(i);
+  }
+};
+
+class Numbers {
+ public:
+  HWY_INLINE Numbers(const NumberBytes& table, V8 index) : table_(table.numbers), index_(index) {}
+
+  template <int kPart>
+  HWY_INLINE InkLanes quarter() const {
+    return hn::GatherIndex(InkTag(), table_, quarterOf<kPart>(index_));
+  }
+
+ private:
+  const int32_t* table_;
+  V8 index_;
+};
+#endif
+
+// kInkCap as far as amounts go, and kInkScale of it in the upper half.
+constexpr NumberBytes kCapAndScale([](int32_t v) {
+  const int32_t cap = kInkCap[static_cast<size_t>(v)];
+  return std::min(cap, 300) | kInkScale[static_cast<size_t>(std::min(cap, 100))] << 16;
+});
 
 // a * b of 16 bits each, of which b is not negative: the upper halves of lanes add nothing.
 HWY_INLINE InkLanes shortProduct(InkLanes a, InkLanes b) {
@@ -120,8 +182,7 @@ HWY_INLINE InkLanes removalAnswer(InkLanes v) {
 // The term of one class for one ink of a colour.
 class LossOf {
  public:
-  HWY_INLINE explicit LossOf(InkLanes v) {
-    const InkLanes both = hn::GatherIndex(InkTag(), kCapAndScale.data(), v);
+  HWY_INLINE LossOf(InkLanes v, InkLanes both) {
     cap_ = hn::And(both, lanes(0xFFFF));
     scale_ = hn::ShiftRight<16>(both);
     const InkLanes above = hn::Max(hn::Sub(v, lanes(128)), hn::Zero(InkTag()));
@@ -137,9 +198,58 @@ class LossOf {
   InkLanes cap_, scale_, answer_;
 };
 
+// One ink's levels by class.
+struct AbsolutePlan {
+  ClassAmounts most, least, tone;
+  int32_t neutral;
+
+  explicit AbsolutePlan(const int32_t* amount) {
+    int32_t levels[kColorClasses];
+    for (int i = 0; i < kColorClasses; ++i) levels[i] = absoluteLevels(amount[i]);
+    most = {levels[0], levels[2], levels[4]};
+    least = {levels[3], levels[5], levels[1]};
+    tone = {levels[6], levels[8], 0};
+    neutral = levels[7];
+  }
+};
+
+constexpr NumberBytes kByLight([](int32_t v) { return kReciprocal20[static_cast<size_t>(v)]; });
+
+// Reciprocals of the light and of the ink that channels hold.
+struct RoomNumbers {
+  Numbers light, ink;
+
+  HWY_INLINE explicit RoomNumbers(V8 channel)
+      : light(kByLight, channel), ink(kByLight, hn::Not(channel)) {}
+};
+
+// The term of one class for one ink of a colour, in absolute amounts.
+class AbsoluteLossOf {
+ public:
+  HWY_INLINE AbsoluteLossOf(InkLanes v, InkLanes byLight, InkLanes byInk)
+      : v_(v), byLight_(byLight), byInk_(byInk) {}
+
+  // Whose weight is -1 at least: of that all falls to light. 32897 / 2^23 is enough of 1/255.
+  HWY_INLINE InkLanes operator()(InkLanes levels, InkLanes weight) const {
+    const InkLanes zero = hn::Zero(InkTag());
+    const InkLanes product = hn::Max(shortProduct(weight, v_), zero);
+    const InkLanes share = hn::ShiftRight<23>(hn::Mul(product, lanes(32897)));
+    const InkLanes light = hn::Add(share, hn::ShiftRight<31>(weight));
+    const InkMask adds = hn::Gt(levels, zero);
+    const InkLanes taken = hn::Min(v_, levels), given = hn::Max(levels, hn::Sub(v_, lanes(255)));
+    const InkLanes part = hn::IfThenElse(adds, light, hn::Sub(weight, light));
+    const InkLanes most = shortProduct(hn::IfThenElse(adds, taken, given), part);
+    const InkLanes reciprocal = hn::IfThenElse(adds, byLight_, byInk_);
+    return hn::ShiftRight<20>(hn::Mul(reciprocal, most));
+  }
+
+ private:
+  InkLanes v_, byLight_, byInk_;
+};
+
 class ColorLanes {
  public:
-  HWY_INLINE ColorLanes(InkLanes r, InkLanes g, InkLanes b) : r_(r), g_(g), b_(b) {
+  HWY_INLINE ColorLanes(InkLanes r, InkLanes g, InkLanes b) {
     most_ = hn::Max(hn::Max(r, g), b);
     least_ = hn::Min(hn::Min(r, g), b);
     mid_ = hn::Sub(hn::Add(hn::Add(r, g), b), hn::Add(most_, least_));
@@ -152,17 +262,36 @@ class ColorLanes {
                hn::Add(tent(mid_), tent(most_))};
   }
 
-  HWY_INLINE InkLanes r() const { return r_; }
-  HWY_INLINE InkLanes g() const { return g_; }
-  HWY_INLINE InkLanes b() const { return b_; }
+  template <int kPart>
+  HWY_INLINE InkLanes changed(V8 channel, const Numbers& capAndScale, const InkPlan& plan) const {
+    const InkLanes v = quarterOf<kPart>(channel);
+    const InkLanes result = gained(v, v, plan);
+    return plan.adds ? lost(v, result, plan, capAndScale.quarter<kPart>()) : result;
+  }
 
-  HWY_INLINE InkLanes changed(InkLanes v, const InkPlan& plan) const {
-    InkLanes result = gained(v, v, plan);
-    return plan.adds ? lost(v, result, plan) : result;
+  template <int kPart>
+  HWY_INLINE InkLanes changedAbsolutely(V8 channel, const RoomNumbers& rooms,
+                                        const AbsolutePlan& plan) const {
+    const InkLanes v = quarterOf<kPart>(channel);
+    const AbsoluteLossOf loss(v, rooms.light.quarter<kPart>(), rooms.ink.quarter<kPart>());
+    InkLanes result = v;
+    if (plan.most.any()) result = hn::Sub(result, loss(byMost(plan.most), weight_.most));
+    if (plan.least.any()) result = hn::Sub(result, loss(byLeast(plan.least), weight_.least));
+    if (plan.tone.any()) result = hn::Sub(result, loss(byTone(plan.tone), weight_.tone));
+    if (plan.neutral != 0) {
+      result = hn::Sub(result, loss(lanes(plan.neutral), absoluteNeutralWeight()));
+    }
+    return result;
   }
 
  private:
   HWY_INLINE static InkLanes tent(InkLanes v) { return hn::Min(hn::Sub(lanes(255), v), v); }
+
+  HWY_INLINE InkLanes absoluteNeutralWeight() const {
+    const InkLanes middle = lanes(127);
+    const InkLanes low = hn::Abs(hn::Sub(least_, middle)), high = hn::Abs(hn::Sub(most_, middle));
+    return hn::Sub(lanes(255), hn::Add(low, high));
+  }
 
   HWY_INLINE InkLanes byMost(const ClassAmounts& of) const {
     return choose(is_.redMost, is_.greenMost, of);
@@ -174,8 +303,9 @@ class ColorLanes {
     return choose(is_.white, is_.black, of);
   }
 
-  HWY_INLINE InkLanes lost(InkLanes v, InkLanes result, const InkPlan& plan) const {
-    const LossOf loss(v);
+  HWY_INLINE InkLanes lost(InkLanes v, InkLanes result, const InkPlan& plan,
+                           InkLanes capAndScale) const {
+    const LossOf loss(v, capAndScale);
     if (plan.addedMost.any()) {
       result = hn::Sub(result, loss(byMost(plan.addedMost), weight_.most));
     }
@@ -235,34 +365,64 @@ class ColorLanes {
     return hn::Sub(hn::Sub(curve, slopeFromMost(v)), v);
   }
 
-  InkLanes r_, g_, b_;
   InkLanes most_, mid_, least_;
   ClassMasks is_;
   ClassWeights weight_;
 };
 
-struct InkColors {
-  hn::Vec<InkBytes> r, g, b;
+// Colours of a vector of pixels, by quarters of it.
+template <int kNumber>
+struct Part {
+  static constexpr int value = kNumber;
 };
 
-void selectInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
-  const InkPlan cyan(inks.amount[0]), magenta(inks.amount[1]), yellow(inks.amount[2]);
-  const auto make = [&](ptrdiff_t i) HWY_ATTR {
-    const ColorLanes color(loadChannel(r + i), loadChannel(g + i), loadChannel(b + i));
-    const InkBytes bytes;
-    return InkColors{hn::DemoteTo(bytes, color.changed(color.r(), cyan)),
-                     hn::DemoteTo(bytes, color.changed(color.g(), magenta)),
-                     hn::DemoteTo(bytes, color.changed(color.b(), yellow))};
-  };
-  const auto store = [=](const InkColors& colors, ptrdiff_t i) HWY_ATTR {
-    hn::StoreU(colors.r, InkBytes(), r + i);
-    hn::StoreU(colors.g, InkBytes(), g + i);
-    hn::StoreU(colors.b, InkBytes(), b + i);
-  };
-  if (!eachVector(static_cast<ptrdiff_t>(hn::Lanes(InkTag())), count, make, store)) {
-    plain::selectInks(r, g, b, count, inks);
-  }
+template <class Quarter>
+HWY_INLINE Bytes3 byQuarters(const Quarter& quarter) {
+  const auto joined = [](V8 a, V8 b, V8 c, V8 d)
+                          HWY_ATTR { return hn::Or(hn::Or(a, b), hn::Or(c, d)); };
+  const Bytes3 q0 = quarter(Part<0>()), q1 = quarter(Part<1>()), q2 = quarter(Part<2>()),
+               q3 = quarter(Part<3>());
+  return {joined(q0.a, q1.a, q2.a, q3.a), joined(q0.b, q1.b, q2.b, q3.b),
+          joined(q0.c, q1.c, q2.c, q3.c)};
 }
+
+// Of any amounts.
+void selectManyInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
+  const InkPlan cyan(inks.amount[0]), magenta(inks.amount[1]), yellow(inks.amount[2]);
+  const auto op = [&](const Bytes3& c) HWY_ATTR {
+    const Numbers forR(kCapAndScale, c.a), forG(kCapAndScale, c.b), forB(kCapAndScale, c.c);
+    return byQuarters([&](auto part) HWY_ATTR {
+      constexpr int k = decltype(part)::value;
+      const ColorLanes color(quarterOf<k>(c.a), quarterOf<k>(c.b), quarterOf<k>(c.c));
+      return Bytes3{placed<k>(color.changed<k>(c.a, forR, cyan)),
+                    placed<k>(color.changed<k>(c.b, forG, magenta)),
+                    placed<k>(color.changed<k>(c.c, forB, yellow))};
+    });
+  };
+  if (!mapColors(op, r, g, b, count)) plain::selectInks(r, g, b, count, inks);
+}
+
+// With wider vectors these have forms of their own, in selective_words-inl.h.
+#if HWY_TARGET > HWY_AVX3
+void selectInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
+  selectManyInks(r, g, b, count, inks);
+}
+
+void selectAbsoluteInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
+  const AbsolutePlan cyan(inks.amount[0]), magenta(inks.amount[1]), yellow(inks.amount[2]);
+  const auto op = [&](const Bytes3& c) HWY_ATTR {
+    const RoomNumbers forR(c.a), forG(c.b), forB(c.c);
+    return byQuarters([&](auto part) HWY_ATTR {
+      constexpr int k = decltype(part)::value;
+      const ColorLanes color(quarterOf<k>(c.a), quarterOf<k>(c.b), quarterOf<k>(c.c));
+      return Bytes3{placed<k>(color.changedAbsolutely<k>(c.a, forR, cyan)),
+                    placed<k>(color.changedAbsolutely<k>(c.b, forG, magenta)),
+                    placed<k>(color.changedAbsolutely<k>(c.c, forB, yellow))};
+    });
+  };
+  if (!mapColors(op, r, g, b, count)) plain::selectAbsoluteInks(r, g, b, count, inks);
+}
+#endif
 
 }  // namespace
 }  // namespace HWY_NAMESPACE

@@ -71,6 +71,27 @@ constexpr int32_t neutralRoom(int32_t v, int32_t most) {
   return 255 + (above * above >> 6) - (((most - v) * most) >> 7) - v;
 }
 
+// 2^20 / v, and of 0 as of 1.
+inline constexpr std::array<int32_t, 256> kReciprocal20 = [] {
+  std::array<int32_t, 256> table = {};
+  for (int32_t v = 0; v < 256; ++v) table[static_cast<size_t>(v)] = 0x100000 / std::max(v, 1);
+  return table;
+}();
+
+// How many levels an absolute amount in 256ths counts for.
+constexpr int32_t absoluteLevels(int32_t amount) { return (amount * 255) >> 8; }
+
+// What levels of ink take from a channel: no more light than the channel has, and no more ink given
+// back than it holds. In the weight, p is the part that falls to light.
+constexpr int32_t absoluteLoss(int32_t v, int32_t levels, int32_t weight) {
+  const int32_t p = weight * v / 255;
+  if (levels > 0) {
+    return (kReciprocal20[static_cast<size_t>(v)] * (std::min(v, levels) * p)) >> 20;
+  }
+  const int32_t given = (weight - p) * std::max(levels, v - 255);
+  return (kReciprocal20[static_cast<size_t>(255 - v)] * given) >> 20;
+}
+
 // The distance of two channels from the nearer end of the tones.
 constexpr int32_t neutralWeight(int32_t mid, int32_t most) {
   return std::min(255 - mid, mid) + std::min(255 - most, most);

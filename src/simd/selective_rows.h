@@ -27,9 +27,16 @@ struct SelectiveRows {
   //   neutrals, by neutralWeight
   //   blacks, where none is above 127, by 255 - 2 * largest
   void (*selectInks)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks);
+
+  // By absoluteLoss of selective_math.h, in place; amounts are 256ths, -256 ... 256. The classes
+  // are the same but for neutrals, whose weight is
+  //   255 - (|smallest - 127| + |largest - 127|)
+  void (*selectAbsoluteInks)(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks);
 };
 
-#define QPX_SELECTIVE_ROWS(ROW, Table) ROW(Table, selectInks)
+#define QPX_SELECTIVE_ROWS(ROW, Table) \
+  ROW(Table, selectInks)               \
+  ROW(Table, selectAbsoluteInks)
 QPX_DECLARE_ROWS(SelectiveRows, QPX_SELECTIVE_ROWS)
 
 inline const SelectiveRows& selectiveRows() { return chosenForm<SelectiveRows>(); }

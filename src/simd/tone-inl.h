@@ -24,17 +24,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 HWY_INLINE V8 largest(const Bytes3& v) { return hn::Max(hn::Max(v.a, v.b), v.c); }
 HWY_INLINE V8 smallest(const Bytes3& v) { return hn::Min(hn::Min(v.a, v.b), v.c); }
 
-// The three channels of whole vectors through op, in place; false if the row is shorter than one.
-template <class Op>
-HWY_INLINE bool mapColors(const Op& op, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
-  const auto make = [=](ptrdiff_t i) HWY_ATTR {
-    return op(Bytes3{loadBytes(r + i), loadBytes(g + i), loadBytes(b + i)});
-  };
-  const auto store = [=](const Bytes3& colors, ptrdiff_t i)
-                         HWY_ATTR { storeColors(colors, r + i, g + i, b + i); };
-  return eachVector(byteLanes(), count, make, store);
-}
-
 void sortToSepia(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count) {
   const auto mixed = [](V16 least, V16 most) HWY_ATTR {
     return hn::ShiftRight<8>(hn::Add(hn::Mul(least, word(197)), hn::Mul(most, word(59))));

@@ -7,6 +7,8 @@
 
 #include "simd/hue-inl.h"
 #include "simd/hue_rows.h"
+#include "simd/hue_words-inl.h"
+#include "simd/tint-inl.h"
 
 #define QPX_TABLE HueRows
 #define QPX_TABLE_ROWS QPX_HUE_ROWS

@@ -7,6 +7,7 @@
 
 #include "simd/selective-inl.h"
 #include "simd/selective_rows.h"
+#include "simd/selective_words-inl.h"
 
 #define QPX_TABLE SelectiveRows
 #define QPX_TABLE_ROWS QPX_SELECTIVE_ROWS

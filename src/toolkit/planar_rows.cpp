@@ -44,7 +44,12 @@ void PlanarFormat::store(const PlanarRow& from, const uint8_t* source, uint8_t* 
     return;
   }
   const uint8_t* pixels = source + left * pixelBytes_;
-  for (ptrdiff_t i = 0; i < count; ++i) alpha_[i] = pixels[4 * i + 3];
+  constexpr ptrdiff_t kPart = 512;
+  uint8_t unused[3][kPart];
+  for (ptrdiff_t done = 0; done < count; done += kPart) {
+    rows_.deinterleave4(pixels + done * 4, std::min(kPart, count - done), unused[0], unused[1],
+                        unused[2], alpha_ + done);
+  }
   rows_.interleave4(p0, p1, p2, alpha_, count, to);
 }
 

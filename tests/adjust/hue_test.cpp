@@ -7,42 +7,21 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <functional>
-#include <memory>
+#include <numbers>
 #include <vector>
 
 #include "adjust/hsb_adjust.h"
 #include "adjust/hue_effects.h"
 #include "adjust/lab_tables.h"
+#include "adjust/packed_pictures.h"
 #include "support/failing_memory.h"
-#include "support/kernel_frame.h"
 
 namespace qpx::testing {
 namespace {
 
-constexpr uint32_t kPacked[] = {QPX_FORMAT_BGR24, QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32,
-                                QPX_FORMAT_RGBA32};
-
-struct Rgb {
-  int r, g, b;
-  bool operator==(const Rgb&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Rgb& c) {
-  return out << "(" << c.r << ", " << c.g << ", " << c.b << ")";
-}
+using Rgb = Color;
 
 int clamp255(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
-
-template <typename Record>
-std::unique_ptr<KernelFrame> frameOf(uint32_t format, int32_t width, int32_t height, uint32_t id,
-                                     const Record& record) {
-  auto frame = std::make_unique<KernelFrame>(format);
-  frame->stage().inWidth = frame->stage().outWidth = width;
-  frame->stage().inHeight = frame->stage().outHeight = height;
-  EXPECT_EQ(frame->setUp(id, record), QPX_OK);
-  return frame;
-}
 
 // Colours through an effect, in BGR24.
 template <typename Record>
@@ -54,7 +33,7 @@ std::vector<Rgb> through(uint32_t id, const Record& record, const std::vector<Rg
     for (const int v : {c.b, c.g, c.r}) *bytes++ = static_cast<uint8_t>(v);
   }
   Picture result(QPX_FORMAT_BGR24, count, 1, Placement::exact);
-  const auto frame = frameOf(QPX_FORMAT_BGR24, count, 1, id, record);
+  const auto frame = frameOf(source, id, record);
   EXPECT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
   std::vector<Rgb> made;
   for (int32_t x = 0; x < count; ++x) {
@@ -104,11 +83,11 @@ Rgb literalSaturation(const Rgb& c, int percent) {
 // The whole of a packed picture against expected(colour); alpha is that of the source.
 template <typename Record, typename Expected>
 void expectPacked(uint32_t id, const Record& record, const Expected& expected) {
-  for (const uint32_t format : kPacked) {
+  for (const uint32_t format : kPackedFormats) {
     Picture source(format, 301, 9, Placement::exact);
     scramble(source, 5);
     Picture result(format, 301, 9, Placement::guarded);
-    const auto frame = frameOf(format, 301, 9, id, record);
+    const auto frame = frameOf(source, id, record);
     ASSERT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
     for (int32_t y = 0; y < 9; ++y) {
       for (int32_t x = 0; x < 301; ++x) {
@@ -164,8 +143,7 @@ TEST(Saturation, Nv21ConvertsEveryPixelAndKeepsTheChromaOfTopLeftOnes) {
       Picture source(QPX_FORMAT_NV21, width, height, Placement::exact);
       scramble(source, 11);
       Picture result(QPX_FORMAT_NV21, width, height, Placement::guarded);
-      const auto frame =
-          frameOf(QPX_FORMAT_NV21, width, height, kSaturation, QPXSaturationParam{percent});
+      const auto frame = frameOf(source, kSaturation, QPXSaturationParam{percent});
       ASSERT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
       Picture inPlace(source);
       ASSERT_EQ(frame->run(inPlace, inPlace, wholeOf(source)), QPX_OK);
@@ -184,43 +162,105 @@ TEST(Saturation, Nv21ConvertsEveryPixelAndKeepsTheChromaOfTopLeftOnes) {
   }
 }
 
-// With neutral amounts, colours of the range go to hue, saturation and value and back.
-Rgb literalNeutralRange(const Rgb& c, int start, int count) {
-  const int mx = largest(c), d = chromaOf(c);
-  int h = 0;
-  if (d != 0) {
+constexpr int kStarts[] = {315, 331, 25, 45, 120, 160, 200, 270};
+constexpr int kCounts[] = {80, 108, 80, 120, 100, 140, 140, 90};
+
+// A whole record, in the order of the steps: the hue moves in its range, then saturation by the
+// weight of the new place, then value.
+struct LiteralRange {
+  QPXColorRangeParam param;
+
+  Rgb operator()(const Rgb& c) const {
+    const int start = kStarts[param.colorIndex], count = kCounts[param.colorIndex];
+    const int mx = largest(c), d = chromaOf(c), last = count - 1;
+    const int position = (hueOf(c) - start + 360) % 360;
+    if (position >= count) return c;
+    const double wave = std::sin(std::numbers::pi * position / last);
+    const double way = 0.25 * last * std::clamp(param.hue, -100, 100) / 100.0 * wave * wave;
+    const int turned = rounded(position + way);
+    const double t = std::min(std::min(turned, last - turned) / (last / 3.0), 1.0);
+    const int weight = rounded(1024 * t * t * (3 - 2 * t));
+    const int s = mx == 0 ? 0 : std::min(((32768 / mx) * d) >> 7, 255);
+    const double gain = std::clamp(param.saturation, -100, 100) / 100.0;
+    const int aim = rounded(gain < 0 ? s + s * gain : s + s * (255.0 - s) / 255 * gain);
+    const int made = clamp255(s + ((weight * (aim - s)) >> 10));
+    const int share = (weight * std::min(4 * s, 256)) >> 8;
+    const int value = clamp255(mx + ((light() * bump(mx) * share) >> 18));
+    const int hue = start + turned;
+    return fromHsv(hue > 360 ? hue - 360 : hue, made, value);
+  }
+
+  // In 1024ths of 400 percent; a turned hue holds up to a fifth of it back, and aqua, blue and
+  // purple go the other way.
+  int light() const {
+    const int light = std::clamp(param.lightness, -100, 100) * 1024 / 400;
+    const int held = std::abs(std::clamp(param.hue, -100, 100)) * 1024 / 500;
+    const int rest = light * (1024 - held) / 1024;
+    return param.colorIndex >= 4 && param.colorIndex <= 6 ? -rest : rest;
+  }
+
+  static int bump(int value) { return (16384 - (value - 128) * (value - 128)) >> 8; }
+  static int rounded(double value) { return static_cast<int>(std::floor(value + 0.5)); }
+
+  static int hueOf(const Rgb& c) {
+    const int d = chromaOf(c);
+    if (d == 0) return 0;
     const int reciprocal = 32768 / d;
-    if (mx == c.r)
+    int h;
+    if (largest(c) == c.r)
       h = (reciprocal * (c.g - c.b)) >> 5;
-    else if (mx == c.g)
+    else if (largest(c) == c.g)
       h = ((reciprocal * (c.b - c.r)) >> 5) + 2048;
     else
       h = ((reciprocal * (c.r - c.g)) >> 5) + 4096;
     h = (h * 60) >> 10;
-    if (h < 0) h += 360;
+    return h < 0 ? h + 360 : h;
   }
-  if ((h - start + 360) % 360 >= count) return c;
-  const int s = mx == 0 ? 0 : clamp255(((32768 / mx) * d) >> 7);
-  const int sector = (h * 546) >> 15, f = h - 60 * sector, v = mx;
-  const int hold = ((255 - s) * v) >> 8, rising = ((255 - s + ((s * f * 546) >> 15)) * v) >> 8,
-            falling = ((255 - ((s * f * 546) >> 15)) * v) >> 8;
-  const Rgb sectors[] = {{v, rising, hold},  {falling, v, hold}, {hold, v, rising},
-                         {hold, falling, v}, {rising, hold, v},  {v, hold, falling}};
-  return sectors[sector];
-}
 
-constexpr int kStarts[] = {315, 331, 25, 45, 120, 160, 200, 270};
-constexpr int kCounts[] = {80, 108, 80, 120, 100, 140, 140, 90};
+  static Rgb fromHsv(int h, int s, int v) {
+    const int hold = ((255 - s) * v) >> 8;
+    if (h == 360) return {v, hold, hold};
+    const int sector = (h * 546) >> 15, f = h - 60 * sector;
+    const int rising = ((255 - s + ((s * f * 546) >> 15)) * v) >> 8;
+    const int falling = ((255 - ((s * f * 546) >> 15)) * v) >> 8;
+    const Rgb sectors[] = {{v, rising, hold},  {falling, v, hold}, {hold, v, rising},
+                           {hold, falling, v}, {rising, hold, v},  {v, hold, falling}};
+    return sectors[sector];
+  }
+};
+
+// With neutral amounts, colours of the range go to hue, saturation and value and back.
+Rgb literalNeutralRange(const Rgb& c, int index) { return LiteralRange{{index, 0, 0, 0}}(c); }
+
+TEST(ColorRange, IsItsRecordStepByStep) {
+  constexpr int kAmounts[][3] = {{0, 70, 0},     {0, -100, 0},  {0, 0, -100},   {0, 0, 45},
+                                 {-100, 0, 100}, {80, 0, -100}, {35, -40, 60},  {-60, 100, -20},
+                                 {900, 0, 0},    {0, 0, 1000},  {0, -2000, 300}};
+  for (int index = 0; index < 8; ++index) {
+    for (const auto& [hue, saturation, lightness] : kAmounts) {
+      const LiteralRange literal = {{index, hue, saturation, lightness}};
+      const std::vector<Rgb> colors = gridColors(17);
+      const auto made = through(kColorRange, literal.param, colors);
+      for (size_t i = 0; i < colors.size(); ++i) {
+        ASSERT_EQ(made[i], literal(colors[i]))
+            << "of " << colors[i] << ", range " << index << ", amounts " << hue << ", "
+            << saturation << ", " << lightness;
+      }
+    }
+    const LiteralRange some = {{index, 40, -30, 50}};
+    expectPacked(kColorRange, some.param, some);
+    if (HasFatalFailure()) return;
+  }
+}
 
 TEST(ColorRange, NeutralAmountsMakeTheRangeAgainAndCopyTheRest) {
   for (int index = 0; index < 8; ++index) {
-    expectPacked(kColorRange, QPXColorRangeParam{index, 0, 0, 0}, [&](const Rgb& c) {
-      return literalNeutralRange(c, kStarts[index], kCounts[index]);
-    });
+    expectPacked(kColorRange, QPXColorRangeParam{index, 0, 0, 0},
+                 [&](const Rgb& c) { return literalNeutralRange(c, index); });
     const std::vector<Rgb> colors = gridColors(15);
     const auto made = through(kColorRange, QPXColorRangeParam{index, 0, 0, 0}, colors);
     for (size_t i = 0; i < colors.size(); ++i) {
-      ASSERT_EQ(made[i], literalNeutralRange(colors[i], kStarts[index], kCounts[index]));
+      ASSERT_EQ(made[i], literalNeutralRange(colors[i], index));
       ASSERT_LE(std::abs(made[i].r - colors[i].r), 8);
       ASSERT_LE(std::abs(made[i].g - colors[i].g), 8);
       ASSERT_LE(std::abs(made[i].b - colors[i].b), 8);
@@ -262,6 +302,8 @@ TEST(ColorRange, LightnessMovesMidValuesMostAndNeitherEnd) {
     const int lit = largest(through(kColorRange, QPXColorRangeParam{index, 0, 0, 100}, middle));
     EXPECT_EQ(std::abs(lit - largest(middle)), most);
     EXPECT_GE(most, 62);
+    const int dimmed = largest(through(kColorRange, QPXColorRangeParam{index, 0, 0, -100}, middle));
+    EXPECT_NEAR(dimmed - largest(middle), largest(middle) - lit, 1);
   }
 }
 
@@ -270,7 +312,7 @@ TEST(ColorRange, GreysTakeNoPart) {
   for (int index = 0; index < 8; ++index) {
     const auto made = through(kColorRange, QPXColorRangeParam{index, 100, 100, 100}, colors);
     for (size_t v = 0; v < 256; ++v) {
-      EXPECT_EQ(made[v], literalNeutralRange(colors[v], kStarts[index], kCounts[index]));
+      EXPECT_EQ(made[v], literalNeutralRange(colors[v], index));
     }
   }
 }
@@ -410,6 +452,28 @@ TEST(HsbAdjust, SlidersDoWhatTheySay) {
   EXPECT_GT(through(kHsbAdjust, param, Rgb{90, 90, 90}).g, 100);
 }
 
+// What a record may not ask for counts as the nearest that it may.
+TEST(HsbAdjust, ClampsItsRecord) {
+  const auto wild = [](int32_t hue, int32_t amount) {
+    QPXHsbAdjustParam param = {};
+    param.hue = hue;
+    param.saturation = param.brightness = amount;
+    param.green = {-hue, -amount, amount, 0, 0, 0, 0};
+    param.inputBrightness = amount;
+    param.inputContrast = -amount;
+    return param;
+  };
+  const std::vector<Rgb> colors = gridColors(51);
+  const auto expectSame = [&](const QPXHsbAdjustParam& a, const QPXHsbAdjustParam& b) {
+    EXPECT_EQ(through(kHsbAdjust, a, colors), through(kHsbAdjust, b, colors));
+  };
+  expectSame(wild(181, 0), wild(180, 0));
+  expectSame(wild(-181, 0), wild(-180, 0));
+  expectSame(wild(INT32_MAX, INT32_MAX), wild(180, 100));
+  expectSame(wild(-1000, -101), wild(-180, -100));
+  EXPECT_NE(through(kHsbAdjust, wild(170, 0), colors), through(kHsbAdjust, wild(180, 0), colors));
+}
+
 template <typename Record>
 void expectCopies(uint32_t id, const Record& record) {
   expectPacked(id, record, [](const Rgb& c) { return c; });
@@ -418,6 +482,79 @@ void expectCopies(uint32_t id, const Record& record) {
 TEST(Vibrance, NeutralCopies) {
   expectCopies(kVibrance, QPXVibranceParam{0});
   expectCopies(kVibranceSaturation, QPXVibranceSaturationParam{0, 0});
+}
+
+TEST(Vibrance, ClampsItsRecord) {
+  const std::vector<Rgb> colors = gridColors(51);
+  const auto vibrant = [&](int32_t amount) {
+    return through(kVibrance, QPXVibranceParam{amount}, colors);
+  };
+  EXPECT_EQ(vibrant(101), vibrant(100));
+  EXPECT_EQ(vibrant(INT32_MIN), vibrant(-100));
+  EXPECT_NE(vibrant(100), vibrant(90));
+  const auto both = [&](int32_t vibrance, int32_t saturation) {
+    return through(kVibranceSaturation, QPXVibranceSaturationParam{vibrance, saturation}, colors);
+  };
+  EXPECT_EQ(both(500, 0), both(100, 0));
+  EXPECT_EQ(both(-101, 101), both(-100, 100));
+  EXPECT_EQ(both(0, INT32_MIN), both(0, -100));
+}
+
+// By hand: the straight parts are cut, the curves rounded. Values that lie near a half are left
+// out, since pow and cbrt may differ in their last bit.
+TEST(LabTables, HoldTheCurvesOfTheirStandards) {
+  simd::LabTables tables;
+  fillLabTables(tables);
+  constexpr int kCut[] = {0, 0, 0, 0, 1, 1, 1, 2, 2, 2, 3};  // (79 * (i << 10)) >> 18
+  for (int i = 0; i <= 10; ++i) EXPECT_EQ(tables.linear[i], kCut[i]) << i;
+  struct Entry {
+    int at, is;
+  };
+  for (const Entry& e : {Entry{11, 3}, {12, 4}, {40, 22}, {128, 221}, {254, 1015}, {255, 1024}}) {
+    EXPECT_EQ(tables.linear[e.at], e.is) << e.at;
+  }
+  // The cube root begins above 216/24389, which lies between 9 and 10.
+  for (const Entry& e : {Entry{0, 141},
+                         {1, 149},
+                         {5, 180},
+                         {9, 211},
+                         {10, 219},
+                         {20, 276},
+                         {128, 512},
+                         {500, 806},
+                         {1024, 1024}}) {
+    EXPECT_EQ(tables.root[e.at], e.is) << e.at;
+  }
+  // Of the root that is meant, 1024/116 (root / 9 + 1/2); nearer than that where greys are grey.
+  for (const Entry& e : {Entry{-1024, -147},
+                         {-500, -81},
+                         {0, -18},
+                         {142, 0},
+                         {200, 7},
+                         {212, 10},
+                         {300, 25},
+                         {400, 59},
+                         {512, 124},
+                         {700, 315},
+                         {900, 679},
+                         {1000, 949},
+                         {1024, 1024}}) {
+    EXPECT_EQ(tables.square[e.at + 1024], e.is) << e.at;
+  }
+  for (int i = 1; i < 2049; ++i) EXPECT_GE(tables.square[i], tables.square[i - 1]) << i - 1024;
+  const ToneTable gamma = gammaTable();
+  for (const Entry& e : {Entry{0, 0},
+                         {1, 13},
+                         {2, 22},
+                         {3, 28},
+                         {10, 56},
+                         {64, 138},
+                         {128, 188},
+                         {200, 230},
+                         {254, 255},
+                         {255, 255}}) {
+    EXPECT_EQ(gamma[static_cast<size_t>(e.at)], e.is) << e.at;
+  }
 }
 
 // What CIELAB in these integers costs when no chroma changes.
@@ -511,60 +648,44 @@ TEST(HueEffects, SetupWithoutMemoryAnswersFourAndLeaksNothing) {
   EXPECT_EQ(FailingMemory::liveBlocks(), live);
 }
 
-using NamedKernel = int32_t (*)(QPXStage*, const MRect*, QPXRowTable*, QPXRowTable*);
-
 struct Named {
-  NamedKernel kernel;
+  Kernel kernel;
   uint32_t id, format;
 };
-constexpr Named kNamed[] = {{Saturation_RGB, kSaturation, QPX_FORMAT_BGRA32},
-                            {Saturation_NV21, kSaturation, QPX_FORMAT_NV21},
-                            {HSLColor_RGB, kColorRange, QPX_FORMAT_RGB24},
-                            {NaturalSaturation_RGB, kVibrance, QPX_FORMAT_RGBA32},
-                            {HSBAdjust_RGB, kHsbAdjust, QPX_FORMAT_BGR24},
-                            {NewNaturalSaturation_RGB, kVibranceSaturation, QPX_FORMAT_BGR24}};
+constexpr Named kNamed[] = {
+    {byName<Saturation_RGB>, kSaturation, QPX_FORMAT_BGRA32},
+    {byName<Saturation_NV21>, kSaturation, QPX_FORMAT_NV21},
+    {byName<HSLColor_RGB>, kColorRange, QPX_FORMAT_RGB24},
+    {byName<NaturalSaturation_RGB>, kVibrance, QPX_FORMAT_RGBA32},
+    {byName<HSBAdjust_RGB>, kHsbAdjust, QPX_FORMAT_BGR24},
+    {byName<NewNaturalSaturation_RGB>, kVibranceSaturation, QPX_FORMAT_BGR24}};
 
-// Runs a kernel by name where a Kernel is wanted.
-template <size_t i>
-int32_t byName(const Frame& frame) {
-  return kNamed[i].kernel(&frame.stage, &frame.rect, frame.out, frame.in);
-}
-
-template <size_t i>
-void expectNamed() {
-  const Named& named = kNamed[i];
-  constexpr int32_t kRecord[49] = {40, 30, 20, 10};
-  std::array<int32_t, 49> record;
-  std::copy(std::begin(kRecord), std::end(kRecord), record.begin());
+void expectNamed(const Named& named) {
+  std::array<int32_t, 49> record = {40, 30, 20, 10};
   if (named.id == kColorRange) record[0] = 5;
   Picture source(named.format, 40, 6, Placement::exact);
   scramble(source, 3);
   Picture byEffect(source), called(source);
-  const auto frame = frameOf(named.format, 40, 6, named.id, record);
+  const auto frame = frameOf(source, named.id, record);
   ASSERT_EQ(frame->run(source, byEffect, wholeOf(source)), QPX_OK);
-  ASSERT_EQ(frame->run(byName<i>, source, called, MRect{-5, -5, 400, 60}), QPX_OK);
+  ASSERT_EQ(frame->run(named.kernel, source, called, MRect{-5, -5, 400, 60}), QPX_OK);
   EXPECT_FALSE(byEffect.firstDifference(called).has_value());
   EXPECT_TRUE(byEffect.firstDifference(source).has_value());
 
   frame->stage().effectId = kSaturation + 0x100;
-  EXPECT_EQ(frame->run(byName<i>, source, called, wholeOf(source)), QPX_BAD_PARAM);
+  EXPECT_EQ(frame->run(named.kernel, source, called, wholeOf(source)), QPX_BAD_PARAM);
 
   const uint32_t other = named.format == QPX_FORMAT_NV21 ? QPX_FORMAT_BGR24 : QPX_FORMAT_NV21;
   Picture strange(other, 40, 6, Placement::exact);
   scramble(strange, 3);
   Picture left(strange);
-  const auto strangeFrame = frameOf(other, 40, 6, named.id, record);
-  EXPECT_EQ(strangeFrame->run(byName<i>, strange, left, wholeOf(strange)), QPX_OK);
+  const auto strangeFrame = frameOf(strange, named.id, record);
+  EXPECT_EQ(strangeFrame->run(named.kernel, strange, left, wholeOf(strange)), QPX_OK);
   EXPECT_FALSE(strange.firstDifference(left).has_value());
 }
 
 TEST(HueEffects, KernelsByNameAreTheEffectsAndRefuseOtherStagesAndFormats) {
-  expectNamed<0>();
-  expectNamed<1>();
-  expectNamed<2>();
-  expectNamed<3>();
-  expectNamed<4>();
-  expectNamed<5>();
+  for (const Named& named : kNamed) expectNamed(named);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ostream>
 
 #include "support/kernel_frame.h"
 
@@ -26,6 +27,45 @@ inline uint8_t* sampleAt(const Picture& picture, int32_t x, int32_t y, int32_t c
          channel;
 }
 
+struct Color {
+  int32_t r, g, b;
+  bool operator==(const Color&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& to, const Color& c) {
+  return to << "(" << c.r << ", " << c.g << ", " << c.b << ")";
+}
+
+inline bool startsWithBlue(uint32_t format) {
+  return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32;
+}
+
+inline Color colorAt(const Picture& picture, int32_t x, int32_t y) {
+  const uint8_t* p = sampleAt(picture, x, y, 0);
+  return startsWithBlue(picture.format()) ? Color{p[2], p[1], p[0]} : Color{p[0], p[1], p[2]};
+}
+
+inline void setColor(const Picture& picture, int32_t x, int32_t y, const Color& color) {
+  uint8_t* p = sampleAt(picture, x, y, 0);
+  const bool blueFirst = startsWithBlue(picture.format());
+  p[0] = static_cast<uint8_t>(blueFirst ? color.b : color.r);
+  p[1] = static_cast<uint8_t>(color.g);
+  p[2] = static_cast<uint8_t>(blueFirst ? color.r : color.b);
+}
+
+// All greys in the first row, colours with two equal channels in the next three, any below.
+inline Picture packedColors(uint32_t format) {
+  Picture picture(format, 256, 20, Placement::exact);
+  scramble(picture, 11);
+  for (int32_t x = 0; x < 256; ++x) {
+    setColor(picture, x, 0, {x, x, x});
+    for (int32_t y = 1; y <= 3; ++y) {
+      *sampleAt(picture, x, y, y - 1) = *sampleAt(picture, x, y, y % 3);
+    }
+  }
+  return picture;
+}
+
 // A stage of the picture's size, set up.
 template <typename Record>
 std::unique_ptr<KernelFrame> frameOf(const Picture& picture, uint32_t id, const Record& record) {
@@ -40,6 +80,20 @@ std::unique_ptr<KernelFrame> frameOf(const Picture& picture, uint32_t id, const 
 template <auto kKernel>
 int32_t byName(const Frame& frame) {
   return kKernel(&frame.stage, &frame.rect, frame.out, frame.in);
+}
+
+// Kernels for packed RGB called on stages of other formats answer 0 and write nothing.
+template <typename Record>
+void expectOtherFormatsLeft(Kernel kernel, uint32_t id, const Record& record) {
+  for (const uint32_t format : {QPX_FORMAT_NV21, QPX_FORMAT_RGB565}) {
+    Picture source(format, 32, 10, Placement::exact);
+    source.paint(3);
+    Picture result = source;
+    result.fill(9);
+    const Picture before = result;
+    EXPECT_EQ(frameOf(source, id, record)->run(kernel, source, result, wholeOf(source)), QPX_OK);
+    EXPECT_FALSE(before.firstDifference(result)) << std::hex << id << " in " << format;
+  }
 }
 
 }  // namespace qpx::testing

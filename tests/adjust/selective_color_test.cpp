@@ -1,4 +1,4 @@
-// Selective colour and edge fade against literal forms of their arithmetic.
+// Selective colour against a literal form of its arithmetic.
 #include "adjust/selective_color.h"
 
 #include <gtest/gtest.h>
@@ -7,57 +7,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <memory>
 #include <vector>
 
+#include "adjust/packed_pictures.h"
 #include "adjust/remove_edge.h"
-#include "support/failing_memory.h"
-#include "support/kernel_frame.h"
 
 namespace qpx::testing {
 namespace {
-
-constexpr uint32_t kFormats[] = {QPX_FORMAT_BGR24, QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32,
-                                 QPX_FORMAT_RGBA32};
-constexpr int32_t kWidth = 256, kHeight = 20;
-
-bool isReversed(uint32_t format) {
-  return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32;
-}
-
-uint8_t* pixelAt(const Picture& picture, int32_t x, int32_t y) {
-  const MBitmap bitmap = picture.bitmap();
-  return bitmap.plane[0] + ptrdiff_t{y} * bitmap.pitch[0] + x * bytesOf(picture.format());
-}
-
-// All greys in the first row, colours with two equal channels in the next three, any below.
-Picture colorsOf(uint32_t format) {
-  Picture picture(format, kWidth, kHeight, Placement::exact);
-  scramble(picture, 11);
-  for (int32_t x = 0; x < kWidth; ++x) {
-    uint8_t* grey = pixelAt(picture, x, 0);
-    grey[0] = grey[1] = grey[2] = static_cast<uint8_t>(x);
-    for (int32_t y = 1; y <= 3; ++y) {
-      uint8_t* pixel = pixelAt(picture, x, y);
-      pixel[y - 1] = pixel[y % 3];
-    }
-  }
-  return picture;
-}
-
-template <typename Record>
-std::unique_ptr<KernelFrame> frameOf(const Picture& picture, uint32_t id, const Record& record) {
-  auto frame = std::make_unique<KernelFrame>(picture.format());
-  frame->stage().inWidth = frame->stage().outWidth = picture.width();
-  frame->stage().inHeight = frame->stage().outHeight = picture.height();
-  EXPECT_EQ(frame->setUp(id, record), QPX_OK);
-  return frame;
-}
-
-template <auto kKernel>
-int32_t byName(const Frame& frame) {
-  return kKernel(&frame.stage, &frame.rect, frame.out, frame.in);
-}
 
 // The definition, with tables as they are defined.
 struct Tables {
@@ -176,18 +132,18 @@ using Formula = void (Literal::*)(const int32_t (&rgb)[3], int32_t (&out)[3]) co
 
 void expectFormula(const Picture& source, const Picture& result, const Literal& literal,
                    Formula formula) {
-  const int32_t first = isReversed(source.format()) ? 2 : 0;
+  const int32_t first = startsWithBlue(source.format()) ? 2 : 0;
   for (int32_t y = 0; y < source.height(); ++y) {
     for (int32_t x = 0; x < source.width(); ++x) {
-      const uint8_t* from = pixelAt(source, x, y);
-      const uint8_t* to = pixelAt(result, x, y);
+      const uint8_t* from = sampleAt(source, x, y, 0);
+      const uint8_t* to = sampleAt(result, x, y, 0);
       const int32_t rgb[3] = {from[first], from[1], from[2 - first]};
       int32_t expected[3];
       (literal.*formula)(rgb, expected);
       ASSERT_EQ(to[first], expected[0]) << rgb[0] << ", " << rgb[1] << ", " << rgb[2];
       ASSERT_EQ(to[1], expected[1]) << rgb[0] << ", " << rgb[1] << ", " << rgb[2];
       ASSERT_EQ(to[2 - first], expected[2]) << rgb[0] << ", " << rgb[1] << ", " << rgb[2];
-      if (bytesOf(source.format()) == 4) {
+      if (pixelBytes(source) == 4) {
         ASSERT_EQ(to[3], from[3]);
       }
     }
@@ -217,20 +173,20 @@ std::vector<QPXSelectiveColorParam> manyAmounts() {
   return all;
 }
 
+// Every format has its share of the amounts.
 TEST(SelectiveColor, OfEveryClassIsTheFormula) {
-  for (const uint32_t format : kFormats) {
-    const Picture source = colorsOf(format);
-    for (const QPXSelectiveColorParam& param : manyAmounts()) {
-      const auto frame = frameOf(source, kSelectiveColor, param);
-      Picture result = source;
-      ASSERT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
-      expectFormula(source, result, Literal(param), &Literal::relative);
-      Picture absolute = source;
-      ASSERT_EQ(frame->run(byName<SelectiveColorAbsolute_RGB>, source, absolute, wholeOf(source)),
-                QPX_OK);
-      expectFormula(source, absolute, Literal(param), &Literal::absolute);
-      if (HasFatalFailure()) return;
-    }
+  const std::vector<QPXSelectiveColorParam> amounts = manyAmounts();
+  for (size_t i = 0; i < amounts.size(); ++i) {
+    const Picture source = packedColors(kPackedFormats[i % std::size(kPackedFormats)]);
+    const Literal literal(amounts[i]);
+    const auto frame = frameOf(source, kSelectiveColor, amounts[i]);
+    Picture result = source;
+    ASSERT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
+    expectFormula(source, result, literal, &Literal::relative);
+    ASSERT_EQ(frame->run(byName<SelectiveColorAbsolute_RGB>, source, result, wholeOf(source)),
+              QPX_OK);
+    expectFormula(source, result, literal, &Literal::absolute);
+    if (HasFatalFailure()) return;
   }
 }
 
@@ -243,7 +199,7 @@ Picture selected(const Picture& source, const QPXSelectiveColorParam& param,
 }
 
 TEST(SelectiveColor, OfNoAmountsIsACopy) {
-  const Picture source = colorsOf(QPX_FORMAT_RGBA32);
+  const Picture source = packedColors(QPX_FORMAT_RGBA32);
   for (const Kernel kernel : {byName<SelectiveColor_RGB>, byName<SelectiveColorAbsolute_RGB>,
                               byName<SelectiveColorFilter1995_RGB>}) {
     EXPECT_FALSE(source.firstDifference(selected(source, {}, kernel)));
@@ -251,7 +207,7 @@ TEST(SelectiveColor, OfNoAmountsIsACopy) {
 }
 
 TEST(SelectiveColor, ByItsOtherNameIsTheSame) {
-  const Picture source = colorsOf(QPX_FORMAT_BGR24);
+  const Picture source = packedColors(QPX_FORMAT_BGR24);
   const QPXSelectiveColorParam param = manyAmounts().back();
   EXPECT_FALSE(selected(source, param)
                    .firstDifference(selected(source, param, byName<SelectiveColorFilter1995_RGB>)));
@@ -259,7 +215,7 @@ TEST(SelectiveColor, ByItsOtherNameIsTheSame) {
 
 // Black alone is as much of each ink, and 150 percent is 100.
 TEST(SelectiveColor, BlackIsEqualInks) {
-  const Picture source = colorsOf(QPX_FORMAT_BGRA32);
+  const Picture source = packedColors(QPX_FORMAT_BGRA32);
   for (int i = 0; i < 9; ++i) {
     for (const int32_t amount : {-100, -30, 25, 100, 150}) {
       QPXSelectiveColorParam black = {}, inks = {};
@@ -272,9 +228,9 @@ TEST(SelectiveColor, BlackIsEqualInks) {
 
 TEST(SelectiveColor, HandWorkedColors) {
   Picture source(QPX_FORMAT_RGB24, 2, 1, Placement::exact);
-  uint8_t* red = pixelAt(source, 0, 0);
+  uint8_t* red = sampleAt(source, 0, 0, 0);
   red[0] = 200, red[1] = 50, red[2] = 40;
-  uint8_t* grey = pixelAt(source, 1, 0);
+  uint8_t* grey = sampleAt(source, 1, 0, 0);
   grey[0] = grey[1] = grey[2] = 200;
   QPXSelectiveColorParam param = {};
   param.amounts[0][0] =
@@ -283,10 +239,10 @@ TEST(SelectiveColor, HandWorkedColors) {
   param.amounts[1][0] = 30;    // cap 24, scale 42: (42 * (24 * 150 * 50 >> 8)) >> 10 = 28
   param.amounts[3][6] = -100;  // 231 - 0 - 200 = 31
   const Picture result = selected(source, param);
-  EXPECT_EQ(pixelAt(result, 0, 0)[0], 152);
-  EXPECT_EQ(pixelAt(result, 0, 0)[1], 22);
-  EXPECT_EQ(pixelAt(result, 0, 0)[2], 40);
-  EXPECT_EQ(pixelAt(result, 1, 0)[0], 231);
+  EXPECT_EQ(sampleAt(result, 0, 0, 0)[0], 152);
+  EXPECT_EQ(sampleAt(result, 0, 0, 0)[1], 22);
+  EXPECT_EQ(sampleAt(result, 0, 0, 0)[2], 40);
+  EXPECT_EQ(sampleAt(result, 1, 0, 0)[0], 231);
 }
 
 TEST(SelectiveColor, OfOtherStagesAndFormatsIsRefused) {
@@ -301,97 +257,6 @@ TEST(SelectiveColor, OfOtherStagesAndFormatsIsRefused) {
   EXPECT_FALSE(before.firstDifference(result));
   frame.stage().effectId = kRemoveEdge;
   EXPECT_EQ(frame.run(byName<SelectiveColor_RGB>, source, result, wholeOf(source)), QPX_BAD_PARAM);
-}
-
-QPXRemoveEdgeParam edges(int32_t left, int32_t right, int32_t top, int32_t bottom) {
-  QPXRemoveEdgeParam param = {};
-  param.left = left;
-  param.right = right;
-  param.top = top;
-  param.bottom = bottom;
-  param.strength = param.secondStrength = 100;
-  return param;
-}
-
-// A colour of full saturation at a hue, and what the fade makes of it: how much of it is left.
-double leftOf(const QPXRemoveEdgeParam& param, int32_t degrees) {
-  Picture source(QPX_FORMAT_RGB24, 1, 1, Placement::exact);
-  uint8_t* pixel = pixelAt(source, 0, 0);
-  for (int c = 0; c < 3; ++c) {
-    const double turn = std::fmod(degrees - 120.0 * c + 540.0, 360.0) - 180.0;
-    pixel[c] = static_cast<uint8_t>(std::clamp(2.0 - std::abs(turn) / 60.0, 0.0, 1.0) * 240 + 0.5);
-  }
-  Picture result = source;
-  EXPECT_EQ(frameOf(source, kRemoveEdge, param)->run(source, result, wholeOf(source)), QPX_OK);
-  const uint8_t* to = pixelAt(result, 0, 0);
-  const auto [least, most] = std::minmax({to[0], to[1], to[2]});
-  return (most - least) / 240.0;
-}
-
-TEST(RemoveEdge, FadesHuesOfItsWindows) {
-  // 254 ... 308 and 92 ... 146 degrees.
-  const QPXRemoveEdgeParam param = edges(30, 60, 40, 70);
-  for (const int32_t hue : {255, 280, 307, 94, 120, 145}) EXPECT_NEAR(leftOf(param, hue), 0, 0.02);
-  for (const int32_t hue : {0, 30, 60, 170, 200, 230, 330}) EXPECT_EQ(leftOf(param, hue), 1) << hue;
-  EXPECT_NEAR(leftOf(param, 318), 0.5, 0.06);
-  EXPECT_NEAR(leftOf(param, 244), 0.5, 0.06);
-  EXPECT_NEAR(leftOf(param, 82), 0.5, 0.06);
-}
-
-TEST(RemoveEdge, WindowsAreTenPercentAtLeast) {
-  // 200 ... 218 degrees, and 182 ... 200 of the other.
-  const QPXRemoveEdgeParam param = edges(-5, -50, 95, 0);
-  for (const int32_t hue : {201, 217, 183, 199}) EXPECT_NEAR(leftOf(param, hue), 0, 0.02) << hue;
-  EXPECT_EQ(leftOf(param, 240), 1);
-  EXPECT_EQ(leftOf(param, 160), 1);
-}
-
-TEST(RemoveEdge, OfNoStrengthIsACopy) {
-  const Picture source = colorsOf(QPX_FORMAT_BGR24);
-  Picture result = source;
-  result.fill(3);
-  ASSERT_EQ(
-      frameOf(source, kRemoveEdge, QPXRemoveEdgeParam{})->run(source, result, wholeOf(source)),
-      QPX_OK);
-  EXPECT_FALSE(source.firstDifference(result));
-}
-
-TEST(RemoveEdge, TakesAMaskOfTheRectanglesSizeAlone) {
-  const Picture source = colorsOf(QPX_FORMAT_RGBA32);
-  Picture mask(QPX_FORMAT_GREY8, 20, 10, Placement::exact);
-  mask.fill(0);
-  MBitmap record = mask.bitmap();
-  QPXRemoveEdgeParam param = edges(0, 100, 0, 100);
-  param.selection.mask = &record;
-  const auto frame = frameOf(source, kRemoveEdge, param);
-  const MRect rect = {100, 5, 120, 15};
-  Picture result = source;
-  EXPECT_EQ(frame->run(source, result, rect), QPX_OK);
-  EXPECT_FALSE(source.firstDifference(result)) << "a black mask";
-
-  mask.fill(255);
-  EXPECT_EQ(frame->run(source, result, rect), QPX_OK);
-  Picture unmasked = source;
-  ASSERT_EQ(frameOf(source, kRemoveEdge, edges(0, 100, 0, 100))->run(source, unmasked, rect),
-            QPX_OK);
-  EXPECT_FALSE(unmasked.firstDifference(result)) << "a white mask";
-
-  const Picture before = result;
-  EXPECT_EQ(frame->run(source, result, {100, 5, 121, 15}), QPX_BAD_PARAM);
-  EXPECT_EQ(frame->run(source, result, {100, 5, 120, 14}), QPX_BAD_PARAM);
-  record.format = QPX_FORMAT_BGR24;
-  EXPECT_EQ(frame->run(source, result, rect), QPX_BAD_PARAM);
-  record = mask.bitmap();
-  record.plane[0] = nullptr;
-  EXPECT_EQ(frame->run(byName<RemoveEdge_RGB>, source, result, rect), QPX_BAD_PARAM);
-  EXPECT_FALSE(before.firstDifference(result));
-}
-
-TEST(RemoveEdge, WithoutMemoryIsRefusedAtSetup) {
-  FailingMemory::failFrom(1);
-  KernelFrame frame(QPX_FORMAT_BGR24);
-  EXPECT_EQ(frame.setUp(kRemoveEdge), QPX_NO_MEMORY);
-  FailingMemory::reset();
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -49,21 +51,29 @@ class LiteralBlur {
         weights_(reinterpret_cast<const int32_t*>(stage.lut) + 192),
         radius_(radius) {
     for (int32_t k = -radius; k <= radius; ++k) sum_ += static_cast<uint64_t>(weights_[k]);
+    for (int32_t y = 0; y < source.height(); ++y) {
+      for (int32_t x = 0; x < source.width(); ++x) {
+        for (int32_t c = 0; c < 3; ++c) {
+          along_.push_back(
+              mean([&](int32_t k) -> uint64_t { return *sampleAt(source, x + k, y, c); }));
+        }
+      }
+    }
   }
 
   uint8_t at(int32_t x, int32_t y, int32_t channel) const {
-    uint64_t total = 0;
-    for (int32_t k = -radius_; k <= radius_; ++k) {
-      total += static_cast<uint64_t>(weights_[k]) * along(x, y + k, channel);
-    }
-    return static_cast<uint8_t>(total / sum_);
+    return mean([&](int32_t k) -> uint64_t {
+      const int32_t row = std::clamp(y + k, 0, source_.height() - 1);
+      return along_[static_cast<size_t>((row * source_.width() + x) * 3 + channel)];
+    });
   }
 
  private:
-  uint8_t along(int32_t x, int32_t y, int32_t channel) const {
+  template <typename Sample>
+  uint8_t mean(const Sample& sample) const {
     uint64_t total = 0;
     for (int32_t k = -radius_; k <= radius_; ++k) {
-      total += static_cast<uint64_t>(weights_[k]) * *sampleAt(source_, x + k, y, channel);
+      total += static_cast<uint64_t>(weights_[k]) * sample(k);
     }
     return static_cast<uint8_t>(total / sum_);
   }
@@ -72,6 +82,7 @@ class LiteralBlur {
   const int32_t* weights_;
   int32_t radius_;
   uint64_t sum_ = 0;
+  std::vector<uint8_t> along_;
 };
 
 TEST(GaussBlur, IsTheWeightedMeanOfRowsThenColumns) {
@@ -132,7 +143,8 @@ TEST(GaussBlur, OfOnePixelAndOfAFlatPictureIsACopy) {
 }
 
 TEST(UnsharpMask, MovesWhatIsAboveTheThreshold) {
-  const QPXUnsharpMaskParam params[] = {{120, 3, 3}, {500, 0, 1}, {37, 40, 6}, {100, 254, 2}};
+  const QPXUnsharpMaskParam params[] = {{120, 3, 3},  {500, 0, 1}, {37, 40, 6}, {100, 254, 2},
+                                        {9000, 7, 2}, {80, -4, 2}, {60, 256, 1}};
   for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       for (const QPXUnsharpMaskParam& param : params) {
@@ -144,8 +156,8 @@ TEST(UnsharpMask, MovesWhatIsAboveTheThreshold) {
         expectSamples(source, result, [&](int32_t x, int32_t y, int32_t c) {
           const int32_t sample = *sampleAt(source, x, y, c);
           const int32_t difference = sample - blur.at(x, y, c);
-          if (std::abs(difference) <= param.threshold) return sample;
-          return std::clamp(sample + difference * param.amount / 100, 0, 255);
+          if (std::abs(difference) <= std::max(param.threshold, 0)) return sample;
+          return std::clamp(sample + difference * std::min(param.amount, 500) / 100, 0, 255);
         });
       }
     }
@@ -166,7 +178,7 @@ TEST(UnsharpMask, WithoutAmountOrAboveNoThresholdIsACopy) {
 
 TEST(Definition, MovesSamplesByTheirDifferenceFromTheWindow) {
   const QPXDefinitionParam params[] = {{100, 3, 0}, {-100, 5, 0}, {50, 21, 0}, {-33, 8, 0},
-                                       {300, 3, 0}, {-101, 3, 0}, {1, 33, 0}};
+                                       {300, 2, 0}, {-101, 4, 0}, {1, 32, 0},  {70, 1, 0}};
   for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       for (const QPXDefinitionParam& param : params) {
@@ -174,14 +186,16 @@ TEST(Definition, MovesSamplesByTheirDifferenceFromTheWindow) {
         Picture result = source;
         ASSERT_EQ(frameOf(source, kDefinition, param)->run(source, result, wholeOf(source)),
                   QPX_OK);
-        const int32_t window = param.windowSize | 1, reach = window / 2;
+        const int32_t window = param.windowSize, reach = window / 2;
         const int32_t q = static_cast<int32_t>(1024.0 / window + 0.5);
         const bool beyond = param.amount < -100 || param.amount > 100;
         const int32_t a = beyond ? 256 : std::abs(param.amount) * 256 / 100;
         expectSamples(source, result, [&](int32_t x, int32_t y, int32_t c) {
           int32_t sum = 0;
-          for (int32_t v = y - reach; v <= y + reach; ++v) {
-            for (int32_t u = x - reach; u <= x + reach; ++u) sum += *sampleAt(source, u, v, c);
+          for (int32_t v = y - reach; v < y - reach + window; ++v) {
+            for (int32_t u = x - reach; u < x - reach + window; ++u) {
+              sum += *sampleAt(source, u, v, c);
+            }
           }
           const int32_t mean = (q * ((sum * q) >> 10)) >> 10;
           const int32_t sample = *sampleAt(source, x, y, c);
@@ -196,7 +210,7 @@ TEST(Definition, MovesSamplesByTheirDifferenceFromTheWindow) {
 
 // What the reciprocal loses moves a flat picture by no more than its own error.
 TEST(Definition, HardlyMovesAFlatPicture) {
-  for (int32_t window = 1; window <= 511; window += 2) {
+  for (int32_t window = 1; window <= 511; window += window < 64 ? 1 : 7) {
     Picture source(QPX_FORMAT_BGR24, 5, 4, Placement::exact);
     source.fill(200);
     Picture result = source;
@@ -206,6 +220,80 @@ TEST(Definition, HardlyMovesAFlatPicture) {
     EXPECT_NEAR(*sampleAt(result, 2, 2, 0), std::min(200 + 200 * (1 - off * off), 255.0), 2.5)
         << window;
   }
+}
+
+// Of windows whose side is a power of two the reciprocal loses nothing.
+TEST(Neighbourhoods, OfAFlatPictureChangeNothing) {
+  const auto check = [](uint32_t id, const auto& param, const char* what) {
+    for (const int32_t level : {0, 1, 77, 128, 200, 255}) {
+      Picture source(QPX_FORMAT_BGRA32, 41, 37, Placement::exact);
+      source.fill(static_cast<uint8_t>(level));
+      Picture result = source;
+      result.fill(9);
+      ASSERT_EQ(frameOf(source, id, param)->run(source, result, wholeOf(source)), QPX_OK);
+      EXPECT_FALSE(source.firstDifference(result)) << what << " of " << level;
+    }
+  };
+  for (const int32_t side : {2, 4, 8, 16, 32, 64, 128, 256}) {
+    const std::string what = "definition, window of " + std::to_string(side);
+    check(kDefinition, QPXDefinitionParam{100, side, 0}, what.c_str());
+    check(kDefinition, QPXDefinitionParam{-100, side, 0}, what.c_str());
+  }
+  for (const int32_t radius : {1, 3, 20}) {
+    check(kUnsharpMask, QPXUnsharpMaskParam{500, 0, radius}, "unsharp mask");
+  }
+}
+
+// Sizes that no record may ask for are those of the nearest that it may.
+TEST(Neighbourhoods, ClampTheirSizes) {
+  const Picture source = sourceOf(QPX_FORMAT_BGR24, {40, 12});
+  const auto made = [&](uint32_t id, const auto& param) {
+    Picture result = source;
+    EXPECT_EQ(frameOf(source, id, param)->run(source, result, wholeOf(source)), QPX_OK);
+    return result;
+  };
+  const auto blurred = [&](int32_t size) { return made(kGaussBlur, QPXGaussBlurParam{size}); };
+  EXPECT_FALSE(blurred(383).firstDifference(blurred(384)));
+  EXPECT_FALSE(blurred(383).firstDifference(blurred(INT32_MAX)));
+  EXPECT_TRUE(blurred(383).firstDifference(blurred(381)));
+  EXPECT_FALSE(source.firstDifference(blurred(0)));
+  EXPECT_FALSE(source.firstDifference(blurred(INT32_MIN)));
+
+  const auto defined = [&](int32_t size) {
+    return made(kDefinition, QPXDefinitionParam{70, size, 0});
+  };
+  EXPECT_FALSE(defined(511).firstDifference(defined(512)));
+  EXPECT_FALSE(defined(511).firstDifference(defined(INT32_MAX)));
+  EXPECT_FALSE(defined(1).firstDifference(defined(INT32_MIN)));
+
+  const auto sharpened = [&](int32_t radius) {
+    return made(kUnsharpMask, QPXUnsharpMaskParam{200, 0, radius});
+  };
+  EXPECT_FALSE(sharpened(191).firstDifference(sharpened(192)));
+  EXPECT_FALSE(sharpened(191).firstDifference(sharpened(INT32_MAX)));
+  EXPECT_FALSE(source.firstDifference(sharpened(-1)));
+  for (const int32_t threshold : {-1, 0, 255, 256}) {
+    const auto frame = frameOf(source, kUnsharpMask, QPXUnsharpMaskParam{200, threshold, 2});
+    EXPECT_EQ(record<QPXUnsharpMaskParam>(frame->stage()).threshold, std::clamp(threshold, 0, 255));
+  }
+}
+
+// Bands of a picture, by the rows that the stage keeps, give the bytes of one call.
+TEST(Neighbourhoods, InBandsGiveTheSameBytes) {
+  const Picture source = sourceOf(QPX_FORMAT_BGR24, {29, 61});
+  const auto check = [&](uint32_t id, const auto& param) {
+    Picture expected = source, banded = source;
+    ASSERT_EQ(frameOf(source, id, param)->run(source, expected, wholeOf(source)), QPX_OK);
+    const auto frame = frameOf(source, id, param);
+    for (int32_t top = 0, rows = 1; top < 61; top += rows, rows = rows % 7 + 2) {
+      const MRect band = {0, top, 29, std::min(top + rows, 61)};
+      ASSERT_EQ(frame->run(source, banded, band), QPX_OK);
+    }
+    EXPECT_FALSE(expected.firstDifference(banded)) << id;
+  };
+  check(kGaussBlur, QPXGaussBlurParam{9});
+  check(kUnsharpMask, QPXUnsharpMaskParam{200, 2, 5});
+  for (const int32_t window : {2, 11, 12}) check(kDefinition, QPXDefinitionParam{80, window, 0});
 }
 
 // Whether the effect comes in bands or in one call, in place or not.
@@ -246,6 +334,12 @@ TEST(Neighbourhoods, KernelsByNameTakeStagesOfTheirEffectAlone) {
     EXPECT_EQ(named.own.run(named.kernel, source, result, wholeOf(source)), QPX_NO_MEMORY);
     FailingMemory::reset();
   }
+}
+
+TEST(Neighbourhoods, KernelsByNameLeaveOtherFormats) {
+  expectOtherFormatsLeft(byName<GaussBlur_RGB>, kGaussBlur, QPXGaussBlurParam{5});
+  expectOtherFormatsLeft(byName<SharpenUSM_RGB>, kUnsharpMask, QPXUnsharpMaskParam{300, 0, 5});
+  expectOtherFormatsLeft(byName<Definition_RGB>, kDefinition, QPXDefinitionParam{60, 9, 0});
 }
 
 using UpdateBoxSums = int32_t (*)(int32_t, int32_t, int32_t, int32_t*, QPXRowTable, int32_t,
@@ -291,6 +385,32 @@ TEST(BoxSums, MoveFromOneRowToTheNext) {
           }
         }
       }
+    }
+  }
+}
+
+// A window far wider than the picture counts the edges as often as it reaches beyond them, and sums
+// wrap around.
+TEST(BoxSums, OfAHostileWindowWrapAround) {
+  constexpr int32_t kWidth = 5, kWindow = 8421507, kReach = kWindow / 2;
+  static_assert(int64_t{255} * kWindow > INT32_MAX);
+  uint8_t leaving[3 * kWidth] = {10, 20, 30};  // black behind the first pixel
+  std::vector<uint8_t> entering(3 * kWidth, 255);
+  // Of this table two entries are looked at; the system gives no memory for the others.
+  const std::unique_ptr<uint8_t*, decltype(&std::free)> table(
+      static_cast<uint8_t**>(std::calloc(kWindow + 1, sizeof(uint8_t*))), &std::free);
+  ASSERT_NE(table, nullptr);
+  table.get()[0] = leaving;
+  table.get()[kWindow] = entering.data();
+  std::vector<int32_t> sums(3 * kWidth, INT32_MAX);
+  ASSERT_EQ(UpdateBoxSums24(kWidth, 0, kWidth, sums.data(), table.get(), kReach, kWindow), QPX_OK);
+  for (int32_t c = 0; c < 3; ++c) {
+    for (int32_t x = 0; x < kWidth; ++x) {
+      const int64_t change = int64_t{255} * kWindow - int64_t{leaving[c]} * (kReach + 1);
+      const auto expected = static_cast<uint32_t>(INT32_MAX) + static_cast<uint32_t>(change);
+      // As it slides, what leaves on the left is the first column and what comes is the last.
+      const auto slid = static_cast<uint32_t>(x) * leaving[c];
+      ASSERT_EQ(sums[static_cast<size_t>(c * kWidth + x)], static_cast<int32_t>(expected + slid));
     }
   }
 }

@@ -12,19 +12,19 @@
 #include <memory>
 #include <vector>
 
+#include "adjust/packed_pictures.h"
 #include "adjust/selective_color.h"
 #include "support/failing_memory.h"
-#include "support/kernel_frame.h"
 
 namespace qpx::testing {
 namespace {
 
-struct Color {
-  int32_t c[3];
+struct Pixel {
+  int32_t c[3];  // red, green, blue
 };
 
 // Skin with some noise, here and there anything else, a corner too dark to be skin.
-Color skinAt(int32_t x, int32_t y, Random& random) {
+Pixel skinAt(int32_t x, int32_t y, Random& random) {
   if (random.between(0, 9) == 0) return {{random.byte(), random.byte(), random.byte()}};
   const int32_t light = x + y < 6 ? -150 : x % 16 + y;
   const auto noisy = [&](int32_t v) {
@@ -33,18 +33,13 @@ Color skinAt(int32_t x, int32_t y, Random& random) {
   return {{noisy(198), noisy(148), noisy(122)}};
 }
 
-uint8_t* sampleAt(const Picture& picture, int32_t x, int32_t y, int32_t bytes) {
-  const MBitmap bitmap = picture.bitmap();
-  return bitmap.plane[0] + ptrdiff_t{y} * bitmap.pitch[0] + x * bytes;
-}
-
 uint8_t clampByte(int32_t v) { return static_cast<uint8_t>(std::clamp(v, 0, 255)); }
 
-int32_t lumaOf(const Color& p) { return (306 * p.c[0] + 601 * p.c[1] + 117 * p.c[2]) >> 10; }
-int32_t cbOf(const Color& p) {
+int32_t lumaOf(const Pixel& p) { return (306 * p.c[0] + 601 * p.c[1] + 117 * p.c[2]) >> 10; }
+int32_t cbOf(const Pixel& p) {
   return (((-173 * p.c[0] - 339 * p.c[1] + 512 * p.c[2]) >> 10) + 128) & 255;
 }
-int32_t crOf(const Color& p) {
+int32_t crOf(const Pixel& p) {
   return (((512 * p.c[0] - 428 * p.c[1] - 83 * p.c[2]) >> 10) + 128) & 255;
 }
 
@@ -59,10 +54,10 @@ bool isSkinChroma(int32_t cb, int32_t cr) {
 // A picture as colours, and which of them are skin.
 struct Colors {
   int32_t width = 0, height = 0;
-  std::vector<Color> pixels;
+  std::vector<Pixel> pixels;
   std::vector<bool> skin;
 
-  const Color& at(int32_t x, int32_t y) const {
+  const Pixel& at(int32_t x, int32_t y) const {
     return pixels[static_cast<size_t>(std::clamp(y, 0, height - 1) * width + x)];
   }
 };
@@ -74,21 +69,21 @@ class Literal {
     EXPECT_EQ(BuildSplineCurve(xs, ys, 5, tone_), 0);
   }
 
-  Color at(const Colors& source, int32_t x, int32_t y) const {
-    Color result = source.at(x, y);
+  Pixel at(const Colors& source, int32_t x, int32_t y) const {
+    Pixel result = source.at(x, y);
     if (source.skin[static_cast<size_t>(y * source.width + x)]) result = meanAt(source, x, y);
     for (int32_t& c : result.c) c = tone_[c];
     return result;
   }
 
  private:
-  Color meanAt(const Colors& source, int32_t x, int32_t y) const {
-    const Color middle = source.at(x, y);
+  Pixel meanAt(const Colors& source, int32_t x, int32_t y) const {
+    const Pixel middle = source.at(x, y);
     int64_t sum[3] = {}, total = 0;
     for (int32_t v = -reach_; v <= reach_; ++v) {
       for (int32_t u = -reach_; u <= reach_; ++u) {
         if (x + u < 0 || x + u >= source.width) continue;
-        const Color p = source.at(x + u, y + v);
+        const Pixel p = source.at(x + u, y + v);
         int32_t distance = 0;
         for (int i = 0; i < 3; ++i) distance += std::abs(p.c[i] - middle.c[i]);
         const int64_t weight = weightOf(distance, u, v);
@@ -96,7 +91,7 @@ class Literal {
         for (int i = 0; i < 3; ++i) sum[i] += weight * p.c[i];
       }
     }
-    Color mean;
+    Pixel mean;
     for (int i = 0; i < 3; ++i) mean.c[i] = static_cast<int32_t>(sum[i] / total);
     return mean;
   }
@@ -113,12 +108,8 @@ class Literal {
   uint8_t tone_[256];
 };
 
-std::unique_ptr<KernelFrame> frameOf(const Picture& picture, int32_t size) {
-  auto frame = std::make_unique<KernelFrame>(picture.format());
-  frame->stage().inWidth = frame->stage().outWidth = picture.width();
-  frame->stage().inHeight = frame->stage().outHeight = picture.height();
-  EXPECT_EQ(frame->setUp(kComplexion, QPXComplexionParam{size, {}}), QPX_OK);
-  return frame;
+std::unique_ptr<KernelFrame> complexionOf(const Picture& picture, int32_t size) {
+  return frameOf(picture, kComplexion, QPXComplexionParam{size, {}});
 }
 
 struct Shape {
@@ -127,21 +118,15 @@ struct Shape {
 constexpr Shape kShapes[] = {{1, 1}, {2, 3}, {9, 4}, {40, 17}, {67, 6}};
 constexpr int32_t kSizes[] = {-3, 0, 3, 5, 9, 12};
 
-bool reversed(uint32_t format) { return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32; }
-
 Picture skinPicture(uint32_t format, const Shape& shape, Colors& colors) {
   Picture picture(format, shape.width, shape.height, Placement::exact);
   scramble(picture, 1);
   Random random(8);
   colors = {shape.width, shape.height, {}, {}};
-  const int32_t first = reversed(format) ? 2 : 0;
   for (int32_t y = 0; y < shape.height; ++y) {
     for (int32_t x = 0; x < shape.width; ++x) {
-      const Color p = skinAt(x, y, random);
-      uint8_t* to = sampleAt(picture, x, y, bytesOf(format));
-      to[first] = static_cast<uint8_t>(p.c[0]);
-      to[1] = static_cast<uint8_t>(p.c[1]);
-      to[2 - first] = static_cast<uint8_t>(p.c[2]);
+      const Pixel p = skinAt(x, y, random);
+      setColor(picture, x, y, {p.c[0], p.c[1], p.c[2]});
       colors.pixels.push_back(p);
       colors.skin.push_back(lumaOf(p) >= 61 && isSkinChroma(cbOf(p), crOf(p)));
     }
@@ -150,25 +135,21 @@ Picture skinPicture(uint32_t format, const Shape& shape, Colors& colors) {
 }
 
 TEST(Complexion, OfRgbIsTheMeanOfNearSkin) {
-  for (const uint32_t format :
-       {QPX_FORMAT_BGR24, QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32, QPX_FORMAT_RGBA32}) {
+  for (const uint32_t format : kPackedFormats) {
     for (const Shape& shape : kShapes) {
       Colors colors;
       const Picture source = skinPicture(format, shape, colors);
       for (const int32_t size : kSizes) {
         Picture result = source;
-        ASSERT_EQ(frameOf(source, size)->run(source, result, wholeOf(source)), QPX_OK);
+        ASSERT_EQ(complexionOf(source, size)->run(source, result, wholeOf(source)), QPX_OK);
         const Literal literal(size);
-        const int32_t first = reversed(format) ? 2 : 0;
         for (int32_t y = 0; y < shape.height; ++y) {
           for (int32_t x = 0; x < shape.width; ++x) {
-            const Color expected = literal.at(colors, x, y);
-            const uint8_t* to = sampleAt(result, x, y, bytesOf(format));
-            ASSERT_EQ(to[first], expected.c[0]) << x << ", " << y << ", size " << size;
-            ASSERT_EQ(to[1], expected.c[1]) << x << ", " << y;
-            ASSERT_EQ(to[2 - first], expected.c[2]) << x << ", " << y;
-            if (bytesOf(format) == 4) {
-              ASSERT_EQ(to[3], sampleAt(source, x, y, 4)[3]);
+            const Pixel expected = literal.at(colors, x, y);
+            ASSERT_EQ(colorAt(result, x, y), (Color{expected.c[0], expected.c[1], expected.c[2]}))
+                << x << ", " << y << ", size " << size;
+            if (pixelBytes(source) == 4) {
+              ASSERT_EQ(*sampleAt(result, x, y, 3), *sampleAt(source, x, y, 3));
             }
           }
         }
@@ -190,9 +171,13 @@ struct YuvPixels {
   Picture& picture;
   bool packed;
 
-  uint8_t* luma(int32_t x, int32_t y) const { return sampleAt(picture, x, y, packed ? 2 : 1); }
+  uint8_t* byteAt(int32_t index, int32_t y) const {
+    const MBitmap bitmap = picture.bitmap();
+    return bitmap.plane[0] + ptrdiff_t{y} * bitmap.pitch[0] + index;
+  }
+  uint8_t* luma(int32_t x, int32_t y) const { return byteAt(packed ? 2 * x : x, y); }
   uint8_t* pair(int32_t x, int32_t y) const {
-    if (packed) return sampleAt(picture, x & ~1, y, 2) + 1;
+    if (packed) return byteAt(2 * (x & ~1) + 1, y);
     const MBitmap bitmap = picture.bitmap();
     return bitmap.plane[2] + ptrdiff_t{y / 2} * bitmap.pitch[2] + (x & ~1);
   }
@@ -204,7 +189,7 @@ void paintSkin(const YuvPixels& to) {
   Random random(5);
   for (int32_t y = 0; y < to.picture.height(); ++y) {
     for (int32_t x = 0; x < to.picture.width(); ++x) {
-      const Color p = skinAt(x, y, random);
+      const Pixel p = skinAt(x, y, random);
       *to.luma(x, y) = static_cast<uint8_t>(lumaOf(p));
       *to.u(x, y) = static_cast<uint8_t>(cbOf(p));
       *to.v(x, y) = static_cast<uint8_t>(crOf(p));
@@ -232,7 +217,7 @@ void expectYuv(const YuvPixels& source, const YuvPixels& result, int32_t size, c
   const Literal literal(size);
   for (int32_t y = rect.top; y < rect.bottom; ++y) {
     for (int32_t x = rect.left; x < rect.right; ++x) {
-      const Color expected = literal.at(colors, x, y);
+      const Pixel expected = literal.at(colors, x, y);
       ASSERT_EQ(*result.luma(x, y), lumaOf(expected)) << x << ", " << y << ", size " << size;
       if (x % 2 != 0 || (!source.packed && y % 2 != 0)) continue;
       ASSERT_EQ(*result.u(x, y), cbOf(expected)) << x << ", " << y;
@@ -249,7 +234,7 @@ TEST(Complexion, OfYuvIsTheSameOnItsColors) {
         const bool packed = format == QPX_FORMAT_YUYV;
         paintSkin({source, packed});
         Picture result = source;
-        ASSERT_EQ(frameOf(source, size)->run(source, result, wholeOf(source)), QPX_OK);
+        ASSERT_EQ(complexionOf(source, size)->run(source, result, wholeOf(source)), QPX_OK);
         expectYuv({source, packed}, {result, packed}, size, wholeOf(source));
         if (HasFatalFailure()) return;
       }
@@ -266,7 +251,7 @@ TEST(Complexion, OfAPartOfYuvWritesThatPartAlone) {
       Picture result = source;
       result.fill(77);
       const Picture before = result;
-      ASSERT_EQ(frameOf(source, 7)->run(source, result, rect), QPX_OK);
+      ASSERT_EQ(complexionOf(source, 7)->run(source, result, rect), QPX_OK);
       expectYuv({source, packed}, {result, packed}, 7, rect);
       EXPECT_FALSE(result.firstWriteOutside(before, rect));
       if (HasFatalFailure()) return;
@@ -283,8 +268,8 @@ TEST(Complexion, InPlaceGivesTheSameBytes) {
       paintSkin({source, format == QPX_FORMAT_YUYV});
     }
     Picture expected = source, inPlace = source;
-    ASSERT_EQ(frameOf(source, 9)->run(source, expected, wholeOf(source)), QPX_OK);
-    ASSERT_EQ(frameOf(source, 9)->run(inPlace, inPlace, wholeOf(source)), QPX_OK);
+    ASSERT_EQ(complexionOf(source, 9)->run(source, expected, wholeOf(source)), QPX_OK);
+    ASSERT_EQ(complexionOf(source, 9)->run(inPlace, inPlace, wholeOf(source)), QPX_OK);
     EXPECT_FALSE(expected.firstDifference(inPlace)) << format;
   }
 }
@@ -302,16 +287,28 @@ TEST(Complexion, BeginsAtLuma61) {
       }
     }
     Picture result = source;
-    ASSERT_EQ(frameOf(source, 5)->run(source, result, wholeOf(source)), QPX_OK);
+    ASSERT_EQ(complexionOf(source, 5)->run(source, result, wholeOf(source)), QPX_OK);
     const YuvPixels smoothed = {result, false};
     const bool differs = *smoothed.luma(4, 4) - *smoothed.luma(5, 4) < 11;
     EXPECT_EQ(differs, luma == 61);
   }
 }
 
-template <auto kKernel>
-int32_t byName(const Frame& frame) {
-  return kKernel(&frame.stage, &frame.rect, frame.out, frame.in);
+// Windows have 63 rows at most, whatever is asked for.
+TEST(Complexion, HasAWidestWindow) {
+  Colors colors;
+  const Picture source = skinPicture(QPX_FORMAT_BGR24, {75, 70}, colors);
+  const auto smoothed = [&](int32_t size) {
+    const auto frame = complexionOf(source, size);
+    EXPECT_EQ(record<QPXComplexionParam>(frame->stage()).radiusSize, std::clamp(size, 0, 63));
+    Picture result = source;
+    EXPECT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
+    return result;
+  };
+  const Picture widest = smoothed(63);
+  EXPECT_FALSE(widest.firstDifference(smoothed(64)));
+  EXPECT_FALSE(widest.firstDifference(smoothed(INT32_MAX)));
+  EXPECT_TRUE(widest.firstDifference(smoothed(61)));
 }
 
 TEST(Complexion, KernelsByNameTakeTheirStagesAndFormatsAlone) {
@@ -325,7 +322,7 @@ TEST(Complexion, KernelsByNameTakeTheirStagesAndFormatsAlone) {
   for (const Named& own : kNamed) {
     Picture source(own.format, 30, 12, Placement::exact);
     source.paint(4);
-    const auto frame = frameOf(source, 7);
+    const auto frame = complexionOf(source, 7);
     Picture expected = source;
     ASSERT_EQ(frame->run(source, expected, wholeOf(source)), QPX_OK);
     for (const Named& named : kNamed) {
@@ -360,44 +357,77 @@ TEST(Complexion, WithoutMemoryIsRefusedAtSetup) {
   }
 }
 
-TEST(SkinTone, IsItsInksAndCurvesAtItsIntensity) {
+// The look of a picture, at full intensity: the inks, then 14 percent of each curve.
+Picture literalSkinTone(const Picture& source) {
   constexpr uint8_t kXs[] = {0, 96, 190, 255};
   constexpr uint8_t kYs[3][4] = {{4, 124, 218, 255}, {2, 112, 208, 253}, {2, 106, 200, 248}};
   uint8_t curve[3][256];
-  for (int c = 0; c < 3; ++c) ASSERT_EQ(BuildSplineCurve(kXs, kYs[c], 4, curve[c]), 0);
+  for (int c = 0; c < 3; ++c) EXPECT_EQ(BuildSplineCurve(kXs, kYs[c], 4, curve[c]), 0);
   QPXSelectiveColorParam param = {};
   param.amounts[0][0] = -16, param.amounts[0][1] = -14;
   param.amounts[1][0] = -20, param.amounts[1][1] = 3;
   param.amounts[2][0] = -10, param.amounts[2][1] = -18;
   param.amounts[3][0] = -6, param.amounts[3][1] = -4;
-  Colors colors;
-  const Picture source = skinPicture(QPX_FORMAT_RGB24, {60, 20}, colors);
-  KernelFrame inks(QPX_FORMAT_RGB24);
-  ASSERT_EQ(inks.setUp(kSelectiveColor, param), QPX_OK);
-  inks.stage().inWidth = inks.stage().outWidth = 60;
-  inks.stage().inHeight = inks.stage().outHeight = 20;
-  Picture selected = source;
-  ASSERT_EQ(inks.run(source, selected, wholeOf(source)), QPX_OK);
-  for (const int32_t intensity : {0, 40, 100, 150}) {
-    QPXFilterRecord record = {};
-    record.intensity = intensity;
-    KernelFrame frame(QPX_FORMAT_RGB24);
-    frame.stage().inWidth = frame.stage().outWidth = 60;
-    frame.stage().inHeight = frame.stage().outHeight = 20;
-    ASSERT_EQ(frame.setUp(kSkinTone, record), QPX_OK);
-    Picture result = source;
-    ASSERT_EQ(frame.run(source, result, wholeOf(source)), QPX_OK);
-    const int32_t k = std::min(intensity, 100);
-    for (int32_t y = 0; y < 20; ++y) {
-      for (int32_t i = 0; i < 180; ++i) {
-        const int32_t s = sampleAt(source, 0, y, 3)[i], c = sampleAt(selected, 0, y, 3)[i];
-        const int32_t toned = (86 * c + 14 * curve[i % 3][c]) / 100;
-        const int32_t mixed =
-            k == 100 ? toned : ((k * toned + (100 - k) * s) * 10486 + 0x80000) >> 20;
-        ASSERT_EQ(sampleAt(result, 0, y, 3)[i], mixed) << i << ", " << y << " at " << intensity;
+  Picture look = source;
+  EXPECT_EQ(frameOf(source, kSelectiveColor, param)->run(source, look, wholeOf(source)), QPX_OK);
+  for (int32_t y = 0; y < look.height(); ++y) {
+    for (int32_t x = 0; x < look.width(); ++x) {
+      const Color c = colorAt(look, x, y);
+      const auto toned = [&](int channel, int32_t v) {
+        return (86 * v + 14 * curve[channel][v]) / 100;
+      };
+      setColor(look, x, y, {toned(0, c.r), toned(1, c.g), toned(2, c.b)});
+    }
+  }
+  return look;
+}
+
+// Less than nothing moves away from the look.
+constexpr int32_t kIntensities[] = {0, 40, 100, 150, -1, -80, -100000, INT32_MIN};
+
+TEST(SkinTone, IsItsInksAndCurvesAtItsIntensity) {
+  for (const uint32_t format : {QPX_FORMAT_RGB24, QPX_FORMAT_BGRA32}) {
+    Colors colors;
+    const Picture source = skinPicture(format, {60, 20}, colors);
+    const Picture look = literalSkinTone(source);
+    for (const int32_t intensity : kIntensities) {
+      QPXFilterRecord record = {};
+      record.intensity = intensity;
+      const auto frame = frameOf(source, kSkinTone, record);
+      Picture result = source, named = source;
+      ASSERT_EQ(frame->run(source, result, wholeOf(source)), QPX_OK);
+      ASSERT_EQ(frame->run(byName<SkinTone_RGB>, source, named, wholeOf(source)), QPX_OK);
+      EXPECT_FALSE(result.firstDifference(named)) << intensity;
+      const int64_t k = std::min(intensity, 100);
+      const auto mixed = [&](int32_t of, int32_t with) {
+        if (k == 100) return of;
+        return static_cast<int32_t>(
+            std::clamp<int64_t>(((k * of + (100 - k) * with) * 10486 + 0x80000) >> 20, 0, 255));
+      };
+      for (int32_t y = 0; y < 20; ++y) {
+        for (int32_t x = 0; x < 60; ++x) {
+          const Color of = colorAt(look, x, y), with = colorAt(source, x, y);
+          ASSERT_EQ(colorAt(result, x, y),
+                    (Color{mixed(of.r, with.r), mixed(of.g, with.g), mixed(of.b, with.b)}))
+              << x << ", " << y << " at " << intensity;
+        }
       }
     }
   }
+}
+
+TEST(SkinTone, ByNameTakesItsStagesAndFormatsAlone) {
+  QPXFilterRecord record = {};
+  record.intensity = 70;
+  Colors colors;
+  const Picture source = skinPicture(QPX_FORMAT_BGR24, {30, 10}, colors);
+  const auto frame = frameOf(source, kSkinTone, record);
+  Picture result = source;
+  frame->stage().effectId = kComplexion;
+  EXPECT_EQ(frame->run(byName<SkinTone_RGB>, source, result, wholeOf(source)), QPX_BAD_PARAM);
+  EXPECT_FALSE(source.firstDifference(result));
+  frame->stage().effectId = kSkinTone;
+  expectOtherFormatsLeft(byName<SkinTone_RGB>, kSkinTone, record);
 }
 
 using Whiten = int32_t (*)(const MBitmap*, const uint8_t*, int32_t, const uint8_t*, int32_t);
@@ -471,9 +501,13 @@ TEST(SkinWhitening, OfABlackMaskOrNoBlockChangesNothing) {
     EXPECT_FALSE(before.firstDifference(preview.picture));
     MBitmap none = {};
     EXPECT_EQ(whiten(&none, preview.mask.data(), 0, preview.target.data(), 256), QPX_OK);
+    EXPECT_EQ(whiten(&none, nullptr, 0, nullptr, 256), QPX_OK) << "nothing to look at";
+    EXPECT_EQ(whiten(nullptr, preview.mask.data(), 0, preview.target.data(), 256), QPX_BAD_PARAM);
     none.width = none.height = 8;
     EXPECT_EQ(whiten(&none, preview.mask.data(), 8, preview.target.data(), 256), QPX_BAD_PARAM);
-    EXPECT_EQ(whiten(&none, nullptr, 8, preview.target.data(), 256), QPX_BAD_PARAM);
+    const MBitmap bitmap = before.bitmap();
+    EXPECT_EQ(whiten(&bitmap, nullptr, 31, preview.target.data(), 256), QPX_BAD_PARAM);
+    EXPECT_EQ(whiten(&bitmap, preview.mask.data(), 31, nullptr, 256), QPX_BAD_PARAM);
   }
 }
 

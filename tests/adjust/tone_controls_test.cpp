@@ -15,37 +15,11 @@
 namespace qpx::testing {
 namespace {
 
-struct Color {
-  int32_t r, g, b;
-  bool operator==(const Color&) const = default;
-};
-
-void PrintTo(const Color& c, std::ostream* to) { *to << c.r << ", " << c.g << ", " << c.b; }
-
-bool startsWithBlue(uint32_t format) {
-  return format == QPX_FORMAT_BGR24 || format == QPX_FORMAT_BGRA32;
-}
-
-Color colorAt(const Picture& picture, int32_t x, int32_t y) {
-  const uint8_t* p = sampleAt(picture, x, y, 0);
-  return startsWithBlue(picture.format()) ? Color{p[2], p[1], p[0]} : Color{p[0], p[1], p[2]};
-}
-
-// All greys in the first row, colours at random below.
-Picture colorsOf(uint32_t format) {
-  Picture picture(format, 256, 24, Placement::exact);
-  scramble(picture, 11);
-  for (int32_t x = 0; x < 256; ++x) {
-    for (int32_t c = 0; c < 3; ++c) *sampleAt(picture, x, 0, c) = static_cast<uint8_t>(x);
-  }
-  return picture;
-}
-
 // Runs an effect on the colours of every format and compares with expected(color).
 template <typename Record, typename Expected>
 void expectColors(uint32_t id, const Record& record, const Expected& expected) {
   for (const uint32_t format : kPackedFormats) {
-    const Picture source = colorsOf(format);
+    const Picture source = packedColors(format);
     Picture result = source;
     result.fill(3);
     ASSERT_EQ(frameOf(source, id, record)->run(source, result, wholeOf(source)), QPX_OK);
@@ -114,6 +88,35 @@ TEST(ToneTables, MoveTheRangeThatIsAskedFor) {
   EXPECT_GT(contrastTable(40, 0)[128], 145);
 }
 
+// Each of the four ranges moves its own tones, by the summit of its curve, and those beside it
+// less.
+TEST(TonalRanges, EachAmountMovesItsOwnTones) {
+  constexpr size_t kSummits[] = {204, 153, 102, 51};  // highlights, brights, darks, shadows
+  for (size_t range = 0; range < 4; ++range) {
+    for (const double amount : {-50.0, 50.0}) {
+      double amounts[4] = {};
+      amounts[range] = amount;
+      const QPXTonalRangesParam param = {amounts[0], amounts[1], amounts[2], amounts[3]};
+      const Picture source = packedColors(QPX_FORMAT_RGB24);
+      Picture result = source;
+      ASSERT_EQ(frameOf(source, kTonalRanges, param)->run(source, result, wholeOf(source)), QPX_OK);
+      int32_t most = 0;
+      size_t first = 0, last = 0;
+      for (size_t x = 0; x < 256; ++x) {
+        const int32_t tone = static_cast<int32_t>(x);
+        const int32_t by = colorAt(result, tone, 0).g - tone;
+        EXPECT_GE(amount > 0 ? by : -by, 0) << x;
+        if (std::abs(by) > most) first = x;
+        if (std::abs(by) >= most) last = x;
+        most = std::max(most, std::abs(by));
+      }
+      EXPECT_NEAR(static_cast<double>(first + last) / 2, static_cast<double>(kSummits[range]), 6)
+          << "range " << range;
+      EXPECT_GE(most, 12);
+    }
+  }
+}
+
 // One stop doubles light: a sample of 118 is 0.181 of white, 161 is 0.356.
 TEST(ToneTables, ExposureCountsInLight) {
   EXPECT_NEAR(exposureTable(-1.0)[161], 117, 1);
@@ -152,11 +155,51 @@ TEST(Levels, RunTheChannelsOwnThenTheCommon) {
   });
 }
 
+// A white drawn past its black ends beside it, and no step of a slider is undone by the next.
+TEST(Levels, WhiteStaysAboveBlack) {
+  const auto expectSame = [](const QPXLevelRange& a, const QPXLevelRange& b) {
+    EXPECT_EQ(levelsTable(a), levelsTable(b)) << a.black << ", " << a.white;
+  };
+  expectSame({100, 100, 1.0}, {100, 101, 1.0});
+  expectSame({100, 3, 1.0}, {100, 101, 1.0});
+  expectSame({254, 1, 1.0}, {254, 255, 1.0});
+  expectSame({100, 0, 1.0}, {100, 255, 1.0});
+  for (int32_t white = 1; white < 255; ++white) {
+    const ToneTable harder = levelsTable({60, white, 1.0}),
+                    softer = levelsTable({60, white + 1, 1.0});
+    for (size_t i = 0; i < 256; ++i) ASSERT_GE(harder[i], softer[i]) << white << " at " << i;
+    const ToneTable dim = outputTable(60, white), bright = outputTable(60, white + 1);
+    for (size_t i = 0; i < 256; ++i) ASSERT_LE(dim[i], bright[i]) << white << " at " << i;
+  }
+  EXPECT_EQ(outputTable(80, 0)[255], 255);
+  EXPECT_EQ(outputTable(80, 20)[255], 80);
+}
+
+// Mode 2 leaves the common levels out; a gamma that is no number, or 0, is 1.
+TEST(Levels, OfTheChannelsAloneAndOfNoGamma) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  QPXToneLevelsParam param = {};
+  param.master = {20, 230, 3.0};
+  param.red = {50, 150, kNone};
+  param.green = {0, 100, 0.0};
+  param.blue = {0, 255, 1.0};
+  param.outputBlack = 10;
+  param.outputWhite = 200;
+  param.mode = 2;
+  const auto level = [](int32_t black, int32_t white, int32_t c) {
+    const double share = std::clamp((c - black) / double(white - black), 0.0, 1.0);
+    return 10 + (static_cast<int32_t>(255.0 * share + 0.5) * 190 + 127) / 255;
+  };
+  expectColors(kLevels, param, [&](const Color& c) {
+    return Color{level(50, 150, c.r), level(0, 100, c.g), level(0, 255, c.b)};
+  });
+}
+
 TEST(Curve, RunsThroughItsPoints) {
   QPXCurveParam param = {};
   param.green = {3, 0, {{0, 0}, {128, 180}, {255, 255}}};
   param.master = {2, 0, {{0, 20}, {255, 220}}};
-  const Picture source = colorsOf(QPX_FORMAT_RGB24);
+  const Picture source = packedColors(QPX_FORMAT_RGB24);
   Picture result = source;
   ASSERT_EQ(frameOf(source, kCurve, param)->run(source, result, wholeOf(source)), QPX_OK);
   EXPECT_EQ(colorAt(result, 0, 0), (Color{20, 20, 20}));
@@ -190,12 +233,132 @@ TEST(ColorTemperature, MixesFourTenthsOfALight) {
   }
 }
 
+// The tables of a balance, by its words: three shifts in shadows, midtones and highlights.
+struct LiteralBalance {
+  uint8_t table[3][256];
+
+  explicit LiteralBalance(const QPXColorBalanceParam& param) {
+    double shift[3][3];  // by channel and range
+    const QPXColorShift* const ranges[] = {&param.shadows, &param.midtones, &param.highlights};
+    for (int range = 0; range < 3; ++range) {
+      const double own[] = {std::clamp(ranges[range]->cyanRed, -100, 100) / 100.0,
+                            std::clamp(ranges[range]->magentaGreen, -100, 100) / 100.0,
+                            std::clamp(ranges[range]->yellowBlue, -100, 100) / 100.0};
+      const double luma = 0.299 * own[0] + 0.587 * own[1] + 0.114 * own[2];
+      for (int c = 0; c < 3; ++c) shift[c][range] = own[c] - (param.keepLuminosity ? luma : 0);
+    }
+    // The whole is lessened until the steepest fall leaves a slope of 0.15.
+    double fall = 0;
+    for (const auto& [dark, middle, light] : shift) {
+      fall = std::min({fall, 0.4 * (middle - dark), 0.4 * (light - middle)});
+    }
+    const double share = fall < -0.85 ? 0.85 / -fall : 1.0;
+    for (int c = 0; c < 3; ++c) {
+      for (int i = 0; i < 256; ++i) {
+        const double x = i / 255.0, y = 1 - x;
+        const double moved =
+            x + 0.2 * share * (shift[c][0] * y * y + 2 * shift[c][1] * x * y + shift[c][2] * x * x);
+        table[c][i] = static_cast<uint8_t>(std::clamp(std::floor(255 * moved + 0.5), 0.0, 255.0));
+      }
+    }
+  }
+};
+
+constexpr QPXColorBalanceParam kBalances[] = {
+    {{-100, -100, 100}, {100, 100, -100}, {100, 100, -100}, 1},
+    {{-100, -100, 100}, {100, 100, -100}, {-100, -100, 100}, 1},
+    {{100, -100, 100}, {-100, 100, -100}, {100, -100, 100}, 1},
+    {{100, 100, -100}, {-100, -100, 100}, {-100, -100, 100}, 1},
+    {{100, 100, 100}, {-100, -100, -100}, {-100, -100, -100}, 0},
+    {{300, -300, 20}, {7, 30, -64}, {-20, 90, -1000}, 1},
+    {{17, -40, 20}, {50, 3, -12}, {-20, 9, 44}, 0}};
+
+TEST(ColorBalance, IsAQuadraticCurveOfEachChannel) {
+  for (const QPXColorBalanceParam& param : kBalances) {
+    const LiteralBalance literal(param);
+    const Picture source = packedColors(QPX_FORMAT_BGRA32);
+    Picture result = source;
+    ASSERT_EQ(frameOf(source, kColorBalance, param)->run(source, result, wholeOf(source)), QPX_OK);
+    for (int32_t y = 0; y < source.height(); ++y) {
+      for (int32_t x = 0; x < source.width(); ++x) {
+        const Color c = colorAt(source, x, y), made = colorAt(result, x, y);
+        // A value that lies half-way may be rounded either way.
+        ASSERT_NEAR(made.r, literal.table[0][c.r], 1);
+        ASSERT_NEAR(made.g, literal.table[1][c.g], 1);
+        ASSERT_NEAR(made.b, literal.table[2][c.b], 1);
+      }
+    }
+  }
+}
+
+// No setting turns tones round.
+TEST(ColorBalance, KeepsTonesInOrder) {
+  const Picture source = packedColors(QPX_FORMAT_RGB24);
+  Picture result = source;
+  const MRect greys = {0, 0, 256, 1};
+  for (int32_t corner = 0; corner < 1024; ++corner) {
+    const auto at = [corner](int bit) { return (corner >> bit & 1) != 0 ? 100 : -100; };
+    const QPXColorBalanceParam param = {{at(0), at(1), at(2)},
+                                        {at(3), at(4), at(5)},
+                                        {at(6), at(7), at(8)},
+                                        static_cast<uint8_t>(corner >> 9)};
+    ASSERT_EQ(frameOf(source, kColorBalance, param)->run(source, result, greys), QPX_OK);
+    for (int32_t x = 1; x < 256; ++x) {
+      const Color before = colorAt(result, x - 1, 0), c = colorAt(result, x, 0);
+      ASSERT_TRUE(c.r >= before.r && c.g >= before.g && c.b >= before.b) << corner << " at " << x;
+    }
+  }
+}
+
+// Each pair moves its own channel, most in its own range, and without luminosity no other.
+TEST(ColorBalance, EachPairMovesItsChannelInItsRange) {
+  constexpr int32_t kTone[] = {20, 128, 235};
+  for (int range = 0; range < 3; ++range) {
+    for (int channel = 0; channel < 3; ++channel) {
+      for (const int32_t amount : {-60, 60}) {
+        QPXColorBalanceParam param = {};
+        QPXColorShift* const ranges[] = {&param.shadows, &param.midtones, &param.highlights};
+        QPXColorShift& shift = *ranges[range];
+        (channel == 0   ? shift.cyanRed
+         : channel == 1 ? shift.magentaGreen
+                        : shift.yellowBlue) = amount;
+        Picture source(QPX_FORMAT_RGB24, 3, 1, Placement::exact);
+        for (int32_t x = 0; x < 3; ++x) setColor(source, x, 0, {kTone[x], kTone[x], kTone[x]});
+        Picture free = source, kept = source;
+        ASSERT_EQ(frameOf(source, kColorBalance, param)->run(source, free, wholeOf(source)),
+                  QPX_OK);
+        param.keepLuminosity = 1;
+        ASSERT_EQ(frameOf(source, kColorBalance, param)->run(source, kept, wholeOf(source)),
+                  QPX_OK);
+        int32_t moved[3];
+        for (int32_t x = 0; x < 3; ++x) {
+          for (int c = 0; c < 3; ++c) {
+            const int32_t by = *sampleAt(free, x, 0, c) - kTone[x];
+            if (c == channel) moved[x] = amount > 0 ? by : -by;
+            if (c != channel) {
+              EXPECT_EQ(by, 0);
+            }
+          }
+        }
+        for (int32_t x = 0; x < 3; ++x) {
+          EXPECT_GE(moved[range], moved[x]) << "range " << range;
+          EXPECT_GE(moved[x], 0);
+        }
+        EXPECT_GE(moved[range], 12);
+        const int other = (channel + 1) % 3;
+        const int32_t against = *sampleAt(kept, range, 0, other) - kTone[range];
+        EXPECT_GT(amount > 0 ? -against : against, 0);
+      }
+    }
+  }
+}
+
 TEST(ColorBalance, KeepsTheLumaOfGreys) {
   QPXColorBalanceParam param = {};
   param.midtones = {60, -30, 10};
   param.shadows = {0, 40, 0};
   param.keepLuminosity = 1;
-  const Picture source = colorsOf(QPX_FORMAT_RGB24);
+  const Picture source = packedColors(QPX_FORMAT_RGB24);
   Picture result = source;
   ASSERT_EQ(frameOf(source, kColorBalance, param)->run(source, result, wholeOf(source)), QPX_OK);
   for (int32_t x = 60; x < 200; ++x) {
@@ -224,8 +387,29 @@ TEST(ChannelMixer, SumsWithEightFractionalBits) {
   });
 }
 
+// Gains far beyond a picture's needs are summed as they are; beyond 3200 percent 32 bits would not
+// hold the sums.
+TEST(ChannelMixer, SumsGreatGains) {
+  for (const int32_t gain : {300, -3200, 3200, 3201, INT32_MAX, INT32_MIN}) {
+    const QPXChannelMixerParam param = {
+        0, {gain, 0, 0, 0}, {gain, gain, gain, gain}, {gain, -100, 300, -250}};
+    const auto limited = [](int32_t percent) { return std::clamp(percent, -3200, 3200); };
+    const auto sum = [&](const QPXMixerRow& row, const Color& c) {
+      const auto part = [&](int32_t percent) { return int64_t{limited(percent)} * 255 / 100; };
+      return static_cast<int32_t>(
+          std::clamp<int64_t>((part(row.red) * c.r + part(row.green) * c.g + part(row.blue) * c.b +
+                               255 * part(row.constant)) >>
+                                  8,
+                              0, 255));
+    };
+    expectColors(kChannelMixer, param, [&](const Color& c) {
+      return Color{sum(param.red, c), sum(param.green, c), sum(param.blue, c)};
+    });
+  }
+}
+
 TEST(ChannelMixer, RefusesOtherModes) {
-  const Picture source = colorsOf(QPX_FORMAT_BGR24);
+  const Picture source = packedColors(QPX_FORMAT_BGR24);
   for (const int32_t mode : {-1, 2, 100}) {
     QPXChannelMixerParam param = {};
     param.mode = mode;
@@ -279,6 +463,12 @@ TEST(Exposure, KeepsHueWhereItBrightens) {
   }
 }
 
+TEST(Exposure, OfNoNumberIsNone) {
+  const ToneTable tones = exposureTable(0.0);
+  expectColors(kExposure, QPXExposureStopsParam{std::numeric_limits<double>::quiet_NaN()},
+               [&](const Color& c) { return brightened(c, tones.data(), 0); });
+}
+
 TEST(Exposure, DarkensByATable) {
   for (const double stops : {-0.5, -2.0, -5.0, -9.0}) {
     const ToneTable tones = exposureTable(std::max(stops, -5.0));
@@ -314,9 +504,9 @@ Color atLuma(int32_t luma, const Color& tint) {
       middle = (low * (1024 - k) + (k << 8)) >> 10;
     }
     int32_t out[3];
-    out[p] = high & 255;
-    out[q] = middle & 255;
-    out[s] = low & 255;
+    out[p] = std::clamp(high, 0, 255);
+    out[q] = std::clamp(middle, 0, 255);
+    out[s] = std::clamp(low, 0, 255);
     return {out[0], out[1], out[2]};
   }
   return {};
@@ -356,8 +546,22 @@ TEST(SplitToning, TonesAtTheLumaOfTheSource) {
   }
 }
 
+TEST(SplitToning, ClampsItsRecord) {
+  struct Pair {
+    QPXSplitToningParam wild, tame;
+  };
+  constexpr Pair kPairs[] = {
+      {{400, 70, 150, -20, 40}, {360, 70, 100, 0, 40}},
+      {{-1, 70, -101, 361, 40}, {0, 70, -100, 360, 40}},
+      {{120, 170, 20, 240, -5}, {120, 100, 20, 240, 0}},
+      {{INT32_MAX, INT32_MIN, INT32_MAX, INT32_MIN, INT32_MAX}, {360, 0, 100, 0, 100}}};
+  for (const Pair& pair : kPairs) {
+    expectColors(kSplitToning, pair.wild, [&](const Color& c) { return toned(c, pair.tame); });
+  }
+}
+
 TEST(SplitToning, KeepsTheLumaOfGreys) {
-  const Picture source = colorsOf(QPX_FORMAT_RGB24);
+  const Picture source = packedColors(QPX_FORMAT_RGB24);
   Picture result = source;
   const QPXSplitToningParam param = {45, 40, 0, 215, 40};
   ASSERT_EQ(frameOf(source, kSplitToning, param)->run(source, result, wholeOf(source)), QPX_OK);
@@ -365,6 +569,61 @@ TEST(SplitToning, KeepsTheLumaOfGreys) {
     const Color c = colorAt(result, x, 0);
     EXPECT_NEAR((77 * c.r + 151 * c.g + 28 * c.b) / 256.0, x, 2.5) << x;
   }
+}
+
+// Of every colour, not of greys alone.
+TEST(SplitToning, KeepsTheLumaOfColors) {
+  std::vector<Color> colors;
+  for (int32_t i = 0; i < 17 * 17 * 17; ++i) {
+    const auto level = [](int32_t step) { return std::min(step * 16, 255); };
+    colors.push_back({level(i % 17), level(i / 17 % 17), level(i / 289)});
+  }
+  for (const Color& c : {Color{255, 255, 95}, {255, 0, 97}, {0, 0, 255}, {1, 0, 254}}) {
+    colors.push_back(c);
+  }
+  Picture source(QPX_FORMAT_RGB24, static_cast<int32_t>(colors.size()), 1, Placement::exact);
+  for (size_t i = 0; i < colors.size(); ++i) {
+    setColor(source, static_cast<int32_t>(i), 0, colors[i]);
+  }
+  const auto lumaOf = [](const Color& c) { return (77 * c.r + 151 * c.g + 28 * c.b) / 256.0; };
+  for (const QPXSplitToningParam& param :
+       {QPXSplitToningParam{0, 0, 0, 0, 0}, QPXSplitToningParam{45, 30, 0, 215, 30},
+        QPXSplitToningParam{60, 60, 0, 0, 0}, QPXSplitToningParam{180, 60, 100, 300, 0},
+        QPXSplitToningParam{300, 100, -60, 240, 100}, QPXSplitToningParam{0, 80, 40, 240, 80}}) {
+    Picture result = source;
+    ASSERT_EQ(frameOf(source, kSplitToning, param)->run(source, result, wholeOf(source)), QPX_OK);
+    for (size_t i = 0; i < colors.size(); ++i) {
+      const Color made = colorAt(result, static_cast<int32_t>(i), 0);
+      ASSERT_NEAR(lumaOf(made), lumaOf(colors[i]), 3.0)
+          << colors[i] << " as " << made << " in hues " << param.highlightHue << ", "
+          << param.shadowHue;
+    }
+  }
+}
+
+TEST(ToneControls, KernelsByNameLeaveOtherFormats) {
+  QPXToneLevelsParam levels = {};
+  levels.outputBlack = 90;
+  expectOtherFormatsLeft(byName<Levels_RGB>, kLevels, levels);
+  QPXCurveParam curve = {};
+  curve.master = {2, 0, {{0, 90}, {255, 255}}};
+  expectOtherFormatsLeft(byName<Curve_RGB>, kCurve, curve);
+  expectOtherFormatsLeft(byName<newBrightnessContrast_RGB>, kSmoothContrast,
+                         QPXSmoothContrastParam{50, 50});
+  expectOtherFormatsLeft(byName<HighlightBrightDarkShadow_RGB>, kTonalRanges,
+                         QPXTonalRangesParam{90, 90, 90, 90});
+  expectOtherFormatsLeft(byName<ColorBalance_RGB>, kColorBalance, kBalances[6]);
+  expectOtherFormatsLeft(byName<ColorTemperature_RGB>, kColorTemperature,
+                         QPXColorTemperatureParam{6000, {}});
+  for (const double stops : {-2.0, 2.0}) {
+    expectOtherFormatsLeft(byName<exposure_RGB>, kExposure, QPXExposureStopsParam{stops});
+  }
+  for (const int32_t mode : {0, 1}) {
+    expectOtherFormatsLeft(byName<ChannelMixer_RGB>, kChannelMixer,
+                           QPXChannelMixerParam{mode, {10, 90, 0, 20}, {}, {}});
+  }
+  expectOtherFormatsLeft(byName<SeparateTone_RGB>, kSplitToning,
+                         QPXSplitToningParam{45, 90, 0, 215, 90});
 }
 
 TEST(ToneControls, KernelsByNameTakeStagesOfTheirEffectAlone) {
@@ -381,7 +640,7 @@ TEST(ToneControls, KernelsByNameTakeStagesOfTheirEffectAlone) {
                               {byName<ChannelMixer_RGB>, kChannelMixer},
                               {byName<ColorBalance_RGB>, kColorBalance},
                               {byName<ColorTemperature_RGB>, kColorTemperature}};
-  const Picture source = colorsOf(QPX_FORMAT_BGRA32);
+  const Picture source = packedColors(QPX_FORMAT_BGRA32);
   constexpr QPXToneLevelsParam kZero = {};  // the longest of their records
   for (size_t i = 0; i < std::size(kNamed); ++i) {
     const auto own = frameOf(source, kNamed[i].id, kZero);

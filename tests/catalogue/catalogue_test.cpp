@@ -126,12 +126,13 @@ TEST(Catalogue, EffectsSayHowMuchNeighbourhoodTheyRead) {
       {0xAE00, QPX_MARGIN_RECORD},  {0x8000, QPX_MARGIN_RECORD},      {0x5700, QPX_MARGIN_FORMAT},
       {0x5A00, QPX_MARGIN_PICTURE}, {0x5900, QPX_MARGIN_WHOLE_IMAGE}, {0x4400, QPX_MARGIN_ROTATION},
       {0xA200, QPX_MARGIN_ROTATION}};
-  const std::set<uint32_t> oneRow = {0x1E00, 0x3F00, 0x5300};
+  const std::map<uint32_t, int32_t> fixed = {{0x1E00, 1}, {0x3F00, 1}, {0x5300, 1}, {0x9B00, 4}};
   for (const EffectRow* row : allRows()) {
     const auto rule = rules.find(row->id);
     EXPECT_EQ(row->margin.rule, rule == rules.end() ? QPX_MARGIN_FIXED : rule->second)
         << hex(row->id);
-    EXPECT_EQ(row->margin.fixed, oneRow.count(row->id) ? 1 : 0) << hex(row->id);
+    const auto rows = fixed.find(row->id);
+    EXPECT_EQ(row->margin.fixed, rows == fixed.end() ? 0 : rows->second) << hex(row->id);
   }
 }
 

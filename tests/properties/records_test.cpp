@@ -37,6 +37,7 @@ constexpr Unclamped kUnclamped[] = {
     {0xAB00, "curveStrength", kMixesBeyond},
     {0xAB00, "maskStrength", kMixesBeyond},
     {0xAC00, "strength", kMixesBeyond},
+    {0xE900, "intensity", "below 0 colours move away from the look"},
 };
 
 // Puts what is excepted back inside the range.

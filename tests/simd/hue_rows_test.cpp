@@ -9,6 +9,7 @@
 
 #include "simd/row_cases.h"
 #include "simd/target_test.h"
+#include "simd/tint_math.h"
 
 namespace qpx::simd {
 namespace {
@@ -270,7 +271,7 @@ Rgb literalFromHsv(int h, int s, int v) {
 struct RangeMaps {
   HslRange range;
   std::vector<int> hueMap, weight;
-  std::array<int, 256> saturation;
+  std::array<uint8_t, 256> saturation;
 
   explicit RangeMaps(const HslRange& r) : range(r) {
     Noise noise;
@@ -278,7 +279,7 @@ struct RangeMaps {
       hueMap.push_back(noise.next(0, range.count - 1));
       weight.push_back(noise.next(0, 1024));
     }
-    for (int& s : saturation) s = noise.next(0, 255);
+    for (uint8_t& s : saturation) s = static_cast<uint8_t>(noise.next(0, 255));
   }
 
   RangeChanges changes(int light) const {
@@ -347,6 +348,97 @@ TEST(PlainHueRows, SaturationIsTheWrittenSteps) {
   }
 }
 
+Rgb literalBrightness(const Rgb& c, const uint8_t* tones, int e) {
+  const int mx = std::max(c.r, std::max(c.g, c.b)), mn = std::min(c.r, std::min(c.g, c.b));
+  if (mx == 0) return c;
+  const int s = clamp255(((32768 / mx) * (mx - mn)) >> 7);
+  const int p = ((mx < 129 ? mx : 255 - mx) * e) >> 10;
+  const int v = tones[mx], left = s - p;
+  if (left < 0) return {v, v, v};
+  return literalFromHsv(literalHsvHue(c.r, c.g, c.b), left, v);
+}
+
+constexpr int kUnits[] = {0, 1, 179, 700, 1280};
+
+TEST(PlainHueRows, MoreLightIsTheWrittenSteps) {
+  const auto& tones = testTables()[0];
+  for (const int units : kUnits) {
+    SCOPED_TRACE(units);
+    expectMade([&](const Rgb& c) { return literalBrightness(c, tones.data(), units); },
+               [&](uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+                 plainForm<HueRows>().brighten(r, g, b, n, tones.data(), units);
+               });
+  }
+}
+
+DegreeWords noisyShares() {
+  DegreeWords shares;
+  Noise noise;
+  for (int h = 0; h < kDegrees; ++h)
+    shares.set(h, noise.next(0, 3) == 0 ? 256 : noise.next(0, 256));
+  return shares;
+}
+
+// Greys and mask of the sample by place.
+struct FadeInputs {
+  std::vector<uint8_t> grey, mask;
+
+  FadeInputs() {
+    Noise noise;
+    for (size_t i = 0; i < sampleColors().size(); ++i) {
+      grey.push_back(static_cast<uint8_t>(noise.next(0, 255)));
+      mask.push_back(static_cast<uint8_t>(noise.next(0, 2) == 0 ? 255 : noise.next(0, 255)));
+    }
+  }
+};
+
+int literalWholeHue(const Rgb& c) {
+  const int mx = std::max(c.r, std::max(c.g, c.b)), d = mx - std::min(c.r, std::min(c.g, c.b));
+  if (d == 0) return 0;
+  if (mx == c.r) {
+    const int h = 60 * (c.g - c.b) / d;
+    return h < 0 ? h + 360 : h;
+  }
+  return mx == c.g ? 120 + 60 * (c.b - c.r) / d : 240 + 60 * (c.r - c.g) / d;
+}
+
+TEST(PlainHueRows, FadesAreTheWrittenSteps) {
+  const DegreeWords shares = noisyShares();
+  const FadeInputs inputs;
+  for (const bool masked : {false, true}) {
+    size_t at = 0;
+    const auto expected = [&](const Rgb& c) {
+      int share = shares.at(literalWholeHue(c));
+      if (masked) share = share * inputs.mask[at] / 255;
+      const int grey = inputs.grey[at++];
+      const auto faded = [&](int v) { return v + (((grey - v) * share + 128) >> 8); };
+      return Rgb{faded(c.r), faded(c.g), faded(c.b)};
+    };
+    expectMade(expected, [&](uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+      plainForm<HueRows>().fadeHues(r, g, b, n, inputs.grey.data(),
+                                    masked ? inputs.mask.data() : nullptr, shares);
+    });
+  }
+}
+
+// At their own luma light yellows and cyans leave a byte: 256 is 255, not 0.
+TEST(PlainHueRows, TintsAreClamped) {
+  int beyond = 0;
+  for (int i = 0; i < 18 * 18 * 18; ++i) {
+    uint8_t c[3] = {static_cast<uint8_t>(i % 18 * 15), static_cast<uint8_t>(i / 18 % 18 * 15),
+                    static_cast<uint8_t>(i / 324 * 15)};
+    const auto grey = static_cast<uint8_t>((77 * c[0] + 151 * c[1] + 28 * c[2] + 128) >> 8);
+    const TintedColor color = tintedGrey(grey, {c[0], c[1], c[2]});
+    const int32_t made[3] = {color.red, color.green, color.blue};
+    plainForm<HueRows>().tintGreys(c, c + 1, c + 2, 1, &grey);
+    for (size_t k = 0; k < 3; ++k) {
+      ASSERT_EQ(c[k], std::clamp(made[k], 0, 255)) << i;
+      if (made[k] != c[k]) ++beyond;
+    }
+  }
+  EXPECT_GT(beyond, 0);
+}
+
 LabTables noisyLab() {
   LabTables tables;
   Noise noise;
@@ -405,6 +497,32 @@ void forEachRow(const Body& body) {
       rows.saturate(r, g, b, n, amount);
     });
   }
+  for (const int units : {179, 1280}) {
+    body("brighten", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+      rows.brighten(r, g, b, n, testTables()[1].data(), units);
+    });
+  }
+  const DegreeWords shares = noisyShares();
+  const FadeInputs inputs;
+  for (const uint8_t* mask : {static_cast<const uint8_t*>(nullptr), inputs.mask.data()}) {
+    body("fadeHues", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+      rows.fadeHues(r, g, b, n, inputs.grey.data(), mask, shares);
+    });
+  }
+  body("tintGreys", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+    rows.tintGreys(r, g, b, n, inputs.grey.data());
+  });
+  const int32_t mixers[2][3][4] = {
+      {{280, 25, -51, 0}, {0, 255, 0, 130050}, {-25, 51, 229, -65025}},
+      {{8160, 8160, 8160, 8160 * 255}, {-8160, 1, -3, -8160 * 255}, {32767, -32768, 100, 127}}};
+  for (const auto& mixer : mixers) {
+    body("mixColors", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+      rows.mixColors(r, g, b, n, mixer);
+    });
+  }
+  body("mixWeighted", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
+    rows.mixWeighted(r, g, b, r, n);
+  });
   const LabTables tables = noisyLab();
   body("changeChroma", [&](const HueRows& rows, uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t n) {
     rows.changeChroma(r, g, b, n, tables);
@@ -427,7 +545,7 @@ TEST_P(HueRowsTest, VectorFormsGiveThePlainColors) {
 TEST_P(HueRowsTest, EveryCountAndAlignmentGivesThePlainBytesAndNoOthers) {
   constexpr size_t kGuard = 67;
   forEachRow([&](const char* name, const auto& row) {
-    for (ptrdiff_t count = 0; count <= 70; ++count) {
+    for (ptrdiff_t count = 0; count <= 140; count += count < 70 ? 1 : 29) {
       const size_t start = kGuard + static_cast<size_t>(count) % 5;
       std::array<std::vector<uint8_t>, 3> before;
       for (uint32_t c = 0; c < 3; ++c) {

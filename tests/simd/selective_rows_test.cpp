@@ -22,7 +22,7 @@ Bytes randomBytes(size_t size, uint32_t seed) {
   return bytes;
 }
 
-constexpr ptrdiff_t kLengths[] = {0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 100};
+constexpr ptrdiff_t kLengths[] = {0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 100};
 
 class SelectiveRowsTest : public TargetTest {};
 QPX_FOR_EACH_TARGET(SelectiveRowsTest);
@@ -44,13 +44,34 @@ Inks randomInks(uint32_t seed) {
   return inks;
 }
 
-void expectSameInks(const Colors& source, const Inks& inks, ptrdiff_t count) {
+using Select = decltype(SelectiveRows::selectInks);
+
+void expectSame(Select plainRow, Select vectorRow, const Colors& source, const Inks& inks,
+                ptrdiff_t count) {
   Colors plain = source, vector = source;
-  plainForm<SelectiveRows>().selectInks(plain.r.data(), plain.g.data(), plain.b.data(), count,
-                                        inks);
-  vectorForm<SelectiveRows>().selectInks(vector.r.data(), vector.g.data(), vector.b.data(), count,
-                                         inks);
+  plainRow(plain.r.data(), plain.g.data(), plain.b.data(), count, inks);
+  vectorRow(vector.r.data(), vector.g.data(), vector.b.data(), count, inks);
   ASSERT_EQ(plain, vector) << count << " pixels";
+}
+
+// Both rows, and amounts that are bytes by themselves; what is absolute takes 256ths.
+void expectSameInks(const Colors& source, const Inks& inks, ptrdiff_t count) {
+  const auto &plain = plainForm<SelectiveRows>(), &vector = vectorForm<SelectiveRows>();
+  expectSame(plain.selectInks, vector.selectInks, source, inks, count);
+  Inks bytes = inks;
+  for (auto& amounts : bytes.amount) {
+    for (int32_t& amount : amounts) amount = amount > 150 ? 155 - amount : amount;
+  }
+  for (const int32_t neutral : {-100, 255}) {
+    bytes.amount[2][7] = neutral;
+    expectSame(plain.selectInks, vector.selectInks, source, bytes, count);
+  }
+  Inks absolute = inks;
+  for (auto& amounts : absolute.amount) {
+    for (int32_t& amount : amounts) amount = std::clamp(amount, -100, 100) * 256 / 100;
+  }
+  absolute.amount[0][7] = -absolute.amount[1][7];
+  expectSame(plain.selectAbsoluteInks, vector.selectAbsoluteInks, source, absolute, count);
 }
 
 TEST_P(SelectiveRowsTest, InksOfEveryLength) {
@@ -144,6 +165,41 @@ TEST_P(ComplexionRowsTest, MeansOfEveryLengthAndWindow) {
   const Window widest(31, 70, 40, 2);
   ASSERT_EQ(widest.smoothed(plainForm<ComplexionRows>()),
             widest.smoothed(vectorForm<ComplexionRows>()));
+}
+
+// Rows of luma and chroma with their aims and masks, and a byte behind each.
+struct Preview {
+  Bytes luma[2], pairs, aim[2], mask[2];
+
+  explicit Preview(size_t size) : pairs(randomBytes(size + 1, 3)) {
+    for (uint32_t i = 0; i < 2; ++i) {
+      luma[i] = randomBytes(size + 1, 10 + i);
+      aim[i] = randomBytes(size + 1, 20 + i);
+      mask[i] = randomBytes(size + 1, 30 + i);
+      for (size_t k = 0; k < size / 3; ++k) mask[i][k] = k % 2 == 0 ? 0 : 255;
+    }
+  }
+
+  void whiten(const ComplexionRows& form, ptrdiff_t count, int32_t strength) {
+    form.whitenBlocks({{luma[0].data(), luma[1].data()},
+                       pairs.data(),
+                       {aim[0].data(), aim[1].data()},
+                       {mask[0].data(), mask[1].data()}},
+                      count, strength);
+  }
+
+  bool operator==(const Preview&) const = default;
+};
+
+TEST_P(ComplexionRowsTest, WhitenedBlocksOfEveryLengthAndStrength) {
+  for (const int32_t strength : {0, 1, 100, 256, 1000, 40000, 65535, 65536, INT32_MAX, -1, -5000}) {
+    for (const ptrdiff_t count : {0, 2, 30, 62, 64, 66, 126, 128, 130, 4096}) {
+      Preview plain(4096), vector(4096);
+      plain.whiten(plainForm<ComplexionRows>(), count, strength);
+      vector.whiten(vectorForm<ComplexionRows>(), count, strength);
+      ASSERT_EQ(plain, vector) << count << " pixels, strength " << strength;
+    }
+  }
 }
 
 }  // namespace

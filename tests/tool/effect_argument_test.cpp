@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -72,6 +73,61 @@ TEST(EffectArgument, RefusesValuesOutOfRangeAndNamesTheRange) {
   }
   EXPECT_EQ(messageOf("Fx1300:brightness=127"), "no error");
   EXPECT_EQ(messageOf("Fx1300:brightness=-128"), "no error");
+}
+
+QPXCurveParam curveOf(const std::string& argument) {
+  const std::vector<uint8_t> record = parseEffect(argument).record();
+  QPXCurveParam param = {};
+  EXPECT_EQ(record.size(), sizeof param);
+  std::memcpy(&param, record.data(), std::min(record.size(), sizeof param));
+  return param;
+}
+
+TEST(EffectArgument, TakesCurvesAsPoints) {
+  const QPXCurveParam param =
+      curveOf("Curve:Master=0:0,64:80,255:250,blue=0:20,10:30,20:40,30:50,40:60,50:70,255:235");
+  ASSERT_EQ(param.master.count, 3);
+  const uint8_t master[3][2] = {{0, 0}, {64, 80}, {255, 250}};
+  for (size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(param.master.point[i][0], master[i][0]) << i;
+    EXPECT_EQ(param.master.point[i][1], master[i][1]) << i;
+  }
+  EXPECT_EQ(param.red.count, 0);
+  ASSERT_EQ(param.blue.count, 7);
+  EXPECT_EQ(param.blue.point[5][1], 70);
+  EXPECT_EQ(param.blue.point[6][0], 255);
+  EXPECT_EQ(param.blue.point[6][1], 235);
+  // Point by point is the same, and both ways go side by side.
+  const QPXCurveParam single =
+      curveOf("Curve:redPoints=2,redX1=0,redY1=9,redX2=200,redY2=99,green=0:9,200:99");
+  EXPECT_EQ(single.red.count, 2);
+  EXPECT_EQ(single.green.count, 2);
+  EXPECT_EQ(std::memcmp(single.red.point, single.green.point, 4), 0);
+}
+
+TEST(EffectArgument, RefusesWhatIsNoCurve) {
+  const char* const kWrong[][2] = {{"0:0", "1 points"},
+                                   {"", "1 points"},
+                                   {"0:0,1:1,2:2,3:3,4:4,5:5,6:6,7:7", "8 points"},
+                                   {"0:0,256:9", "'256:9', which is no point"},
+                                   {"0:300,255:9", "'0:300', which is no point"},
+                                   {"7,255:9", "'7', which is no point"},
+                                   {":,255:9", "':', which is no point"},
+                                   {"-1:0,255:9", "'-1:0', which is no point"},
+                                   {"0x1:0,255:9", "'0x1:0', which is no point"},
+                                   {"0:0,99999999999999999999:9", "which is no point"},
+                                   {"0:0,20:10,20:30", "goes back at '20:30'"},
+                                   {"100:0,50:255", "goes back at '50:255'"}};
+  for (const auto& [points, why] : kWrong) {
+    EXPECT_TRUE(says(messageOf(std::string("Curve:master=") + points),
+                     {"Curve: master=", why, "use x:y,x:y, 2 to 7 points"}))
+        << points;
+  }
+  EXPECT_TRUE(says(messageOf("Curve:red=0:0,255:9,red=0:0,255:9"), {"redPoints is given twice"}));
+  EXPECT_TRUE(says(messageOf("Curve:redY2=4,red=0:0,255:9"), {"redY2 is given twice"}));
+  EXPECT_TRUE(says(messageOf("Curve:mastr=0:0,255:9"), {"did you mean master?"}));
+  EXPECT_TRUE(says(messageOf("Fx1300:0:0"), {"'0:0' sets nothing"}));
+  EXPECT_TRUE(says(messageOf("Fx1300:brightness=3,4:4"), {"brightness=3,4:4 is not in range"}));
 }
 
 TEST(EffectArgument, RefusesAParameterWithoutAValue) {

@@ -176,6 +176,8 @@ TEST(SplitEffects, CommasGoBetweenEffectsAndParameters) {
   EXPECT_EQ(splitEffects("Grey,Levels, second step,Sepia"),
             (Texts{"Grey", "Levels, second step", "Sepia"}));
   EXPECT_EQ(splitEffects("Sepia,"), (Texts{"Sepia", ""}));
+  EXPECT_EQ(splitEffects("Curve:master=0:0,9:9,255:255,red=0:1,255:4,Sepia,Fx1300:contrast=2"),
+            (Texts{"Curve:master=0:0,9:9,255:255,red=0:1,255:4", "Sepia", "Fx1300:contrast=2"}));
 }
 
 TEST(SweepValues, AreEvenAndReadable) {

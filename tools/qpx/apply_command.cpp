@@ -116,7 +116,8 @@ names may start with '-'.
 
 Effects are applied in the order given. IN and OUT may be the same file, and '-'
 is standard input and output. Parameters that are not given have the defaults
-that 'qpx list EFFECT' shows. Pictures are turned upright by their Exif
+that 'qpx list EFFECT' shows; the points of a curve may be given as one list,
+x:y,x:y,... from left to right. Pictures are turned upright by their Exif
 orientation; Exif data, colour profile and density (dpi) are kept.
 
 Not carried over: JPEG comments, PNG text and other metadata. Samples of 16 bits
@@ -132,6 +133,7 @@ by full-range BT.601, chroma being averaged over its block.
 
 Examples:
   qpx apply Fx1300:brightness=20,contrast=10 photo.jpg brighter.jpg
+  qpx apply Curve:master=0:0,64:80,255:255,blue=0:20,255:235 photo.jpg out.png
   qpx apply Fx4800 Fx2D00:percent=130 photo.jpg out.png --strength 60
   qpx apply Fx1700 --out-dir looks holiday/*.jpg --threads 4
   qpx apply 0x1800 - - < in.jpg > out.jpg)";

@@ -5,8 +5,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include "errors.h"
+#include "point_list.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -78,6 +81,59 @@ double parseValue(const QPXEffectInfo& effect, const QPXParamInfo& param, const 
                    rangeText(param));
 }
 
+// The assignments of a call. A point belongs to the list before it.
+std::vector<std::string> assignmentsOf(const std::string& text) {
+  std::vector<std::string> assignments;
+  for (const std::string& piece : split(text, ',')) {
+    if (!assignments.empty() && isPoint(piece)) {
+      assignments.back() += "," + piece;
+    } else {
+      assignments.push_back(piece);
+    }
+  }
+  return assignments;
+}
+
+// One call as it is read.
+class CallBuilder {
+ public:
+  explicit CallBuilder(const QPXEffectInfo& effect) {
+    call_.effect = &effect;
+    for (const QPXParamInfo& param : paramsOf(effect)) call_.values.push_back(param.initial);
+    given_.resize(call_.values.size());
+  }
+
+  void assign(const std::string& name, const std::string& value) {
+    const QPXEffectInfo& effect = *call_.effect;
+    if (const std::optional<PointList> list = pointListNamed(effect, name)) {
+      const std::vector<double> values = parsePoints(effect, *list, value);
+      for (size_t i = 0; i < values.size(); ++i) set(list->count + i, values[i]);
+      return;
+    }
+    const size_t index = paramIndex(effect, name);
+    refuseTwice(index);
+    set(index, parseValue(effect, paramsOf(effect)[index], value));
+  }
+
+  EffectCall call() && { return std::move(call_); }
+
+ private:
+  void refuseTwice(size_t index) const {
+    if (!given_.at(index)) return;
+    throw UsageError(std::string(call_.effect->name) + ": " + paramsOf(*call_.effect)[index].name +
+                     " is given twice: give it once");
+  }
+
+  void set(size_t index, double value) {
+    refuseTwice(index);
+    given_.at(index) = true;
+    call_.values[index] = value;
+  }
+
+  EffectCall call_;
+  std::vector<bool> given_;
+};
+
 template <typename T>
 void store(std::vector<uint8_t>& record, int32_t offset, T value) {
   const auto place = static_cast<size_t>(offset);
@@ -89,7 +145,7 @@ void store(std::vector<uint8_t>& record, int32_t offset, T value) {
 
 size_t paramIndex(const QPXEffectInfo& effect, const std::string& name) {
   const std::span<const QPXParamInfo> params = paramsOf(effect);
-  std::vector<std::string> names;
+  std::vector<std::string> names = pointListNames(effect);
   for (size_t i = 0; i < params.size(); ++i) {
     if (sameName(params[i].name, name)) return i;
     names.emplace_back(params[i].name);
@@ -142,27 +198,18 @@ bool namesEffect(std::string_view argument) {
 
 EffectCall parseEffect(std::string_view argument) {
   const size_t colon = argument.find(':');
-  EffectCall call;
-  call.effect = &effectByName(argument.substr(0, colon));
-  for (const QPXParamInfo& param : paramsOf(*call.effect)) call.values.push_back(param.initial);
-  if (colon == std::string_view::npos) return call;
-  std::vector<bool> set(call.values.size());
-  for (const std::string& assignment : split(argument.substr(colon + 1), ',')) {
+  const QPXEffectInfo& effect = effectByName(argument.substr(0, colon));
+  CallBuilder call(effect);
+  if (colon == std::string_view::npos) return std::move(call).call();
+  for (const std::string& assignment : assignmentsOf(std::string(argument.substr(colon + 1)))) {
     const size_t equals = assignment.find('=');
     if (equals == std::string::npos) {
-      throw UsageError(std::string(call.effect->name) + ": '" + assignment +
+      throw UsageError(std::string(effect.name) + ": '" + assignment +
                        "' sets nothing: write parameters as name=value,name=value");
     }
-    const size_t index = paramIndex(*call.effect, assignment.substr(0, equals));
-    if (set.at(index)) {
-      throw UsageError(std::string(call.effect->name) + ": " + paramsOf(*call.effect)[index].name +
-                       " is given twice: give it once");
-    }
-    set[index] = true;
-    call.values[index] =
-        parseValue(*call.effect, paramsOf(*call.effect)[index], assignment.substr(equals + 1));
+    call.assign(assignment.substr(0, equals), assignment.substr(equals + 1));
   }
-  return call;
+  return std::move(call).call();
 }
 
 }  // namespace qpx::tool

@@ -1,4 +1,5 @@
-// Effects as they are written on the command line: NAME[:param=value,...].
+// Effects as they are written on the command line: NAME[:param=value,...]. The points of a curve
+// are one value, x:y,x:y,...
 #pragma once
 
 #include <qpx/engine.h>

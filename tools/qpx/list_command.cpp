@@ -15,6 +15,7 @@
 #include "errors.h"
 #include "json.h"
 #include "pixel_format.h"
+#include "point_list.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -132,11 +133,50 @@ void printParams(const QPXEffectInfo& effect) {
     return;
   }
   std::printf("\n%s\n", bold("Parameters", STDOUT_FILENO).c_str());
-  for (const QPXParamInfo& param : paramsOf(effect)) {
+  for (size_t i = 0; i < paramsOf(effect).size(); ++i) {
+    if (const std::optional<PointList> list = pointListAt(effect, i)) {
+      std::printf("  %-14s x:y,x:y,... from left to right, 2 to %zu points\n", list->name.c_str(),
+                  list->most);
+      std::printf("  %-14s The same in one as what follows.\n", "");
+    }
+    const QPXParamInfo& param = paramsOf(effect)[i];
     std::printf("  %-14s %s, default %s\n", param.name, rangeText(param).c_str(),
                 valueText(param, param.initial).c_str());
     std::printf("  %-14s %s\n", "", param.summary);
   }
+}
+
+// The points that a list has by default; a list without any is no value.
+std::string pointsText(const QPXEffectInfo& effect, const PointList& list) {
+  const std::span<const QPXParamInfo> params = paramsOf(effect);
+  std::string text;
+  const auto count = static_cast<size_t>(params[list.count].initial);
+  for (size_t i = list.count + 1; i < list.count + 1 + 2 * count; i += 2) {
+    text += (text.empty() ? "" : ",") + valueText(params[i], params[i].initial) + ":" +
+            valueText(params[i + 1], params[i + 1].initial);
+  }
+  return text;
+}
+
+// A call with all its defaults written out.
+std::string wholeCall(const QPXEffectInfo& effect) {
+  std::string call = effect.name;
+  char separator = ':';
+  const auto add = [&](const std::string& name, const std::string& value) {
+    if (value.empty()) return;
+    call += separator + name + "=" + value;
+    separator = ',';
+  };
+  for (size_t i = 0; i < paramsOf(effect).size(); ++i) {
+    if (const std::optional<PointList> list = pointListAt(effect, i)) {
+      add(list->name, pointsText(effect, *list));
+      i += 2 * list->most;
+    } else {
+      const QPXParamInfo& param = paramsOf(effect)[i];
+      add(param.name, valueText(param, param.initial));
+    }
+  }
+  return call;
 }
 
 void printDetails(const QPXEffectInfo& effect) {
@@ -152,13 +192,7 @@ void printDetails(const QPXEffectInfo& effect) {
   }
   printParams(effect);
   if (!isBuilt(effect)) return;
-  std::string call = effect.name;
-  char separator = ':';
-  for (const QPXParamInfo& param : paramsOf(effect)) {
-    call += separator + std::string(param.name) + "=" + valueText(param, param.initial);
-    separator = ',';
-  }
-  std::printf("\n  qpx apply '%s' in.jpg out.jpg\n", call.c_str());
+  std::printf("\n  qpx apply '%s' in.jpg out.jpg\n", wholeCall(effect).c_str());
 }
 
 void writeParam(JsonWriter& json, const QPXParamInfo& param) {

@@ -10,6 +10,7 @@
 #include "errors.h"
 #include "image_file.h"
 #include "output_file.h"
+#include "point_list.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -129,8 +130,10 @@ std::string nothingToShow(const SheetArguments& arguments, const RunOptions& opt
 std::vector<std::string> splitEffects(const std::string& list) {
   std::vector<std::string> effects;
   for (const std::string& piece : split(list, ',')) {
+    // A colon behind the sign is one of a point.
+    const size_t equals = piece.find('=');
     const bool setsParameter =
-        piece.find('=') != std::string::npos && piece.find(':') == std::string::npos;
+        isPoint(piece) || (equals != std::string::npos && equals < piece.find(':'));
     // Some titles have a comma of their own, and the part before it may be another title.
     const bool endsTitle = !effects.empty() && effects.back().find(':') == std::string::npos &&
                            namesEffect(effects.back() + "," + piece);
