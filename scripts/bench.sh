@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Builds the benchmarks and runs them; each prints a table with its ratios.
 #
-#   scripts/bench.sh [engine|looks|rows|geometry|smear|etc ...] [--benchmark_filter=NV21 ...]
+#   scripts/bench.sh [engine|looks|rows|geometry|smear|etc|image_convert ...] [--benchmark_filter=NV21 ...]
 #
 # engine: point effects beside memcpy, OpenCV and libyuv. looks: looks beside memcpy and OpenCV, and
 # the setup times of all effects. rows: plain beside vector forms. geometry: turned and levelled
 # pictures, smear: motion blur and waterfall, both beside OpenCV. etc: the texture codec beside
-# etc1tool. Without a name: all. Options go to every benchmark.
+# etc1tool. image_convert: conversions of whole images beside libyuv and OpenCV, and in bands. Without a
+# name: all. Options go to every benchmark.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -14,16 +15,16 @@ names=()
 options=()
 for argument in "$@"; do
   case $argument in
-    engine | looks | rows | geometry | smear | etc) names+=("$argument") ;;
+    engine | looks | rows | geometry | smear | etc | image_convert) names+=("$argument") ;;
     -*) options+=("$argument") ;;
     *)
-      echo "bench.sh: no benchmark named $argument; there are engine, looks, rows, geometry, smear and etc" >&2
+      echo "bench.sh: no benchmark named $argument; there are engine, looks, rows, geometry, smear, etc and image_convert" >&2
       exit 2
       ;;
   esac
 done
 if ((${#names[@]} == 0)); then
-  names=(engine looks rows geometry smear etc)
+  names=(engine looks rows geometry smear etc image_convert)
 fi
 
 scripts/install-deps.sh build tool bench

@@ -10,12 +10,14 @@
 #include <qpx/etc.h>
 #include <qpx/heap_check.h>
 #include <qpx/image.h>
+#include <qpx/image_convert.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_adjust.h>
 #include <qpx/kernels_curves.h>
 #include <qpx/kernels_inverse.h>
 #include <qpx/log.h>
 #include <qpx/motion_blur.h>
+#include <qpx/parallel.h>
 #include <qpx/png.h>
 #include <qpx/rotate.h>
 #include <qpx/streams.h>
