@@ -1,41 +1,40 @@
 #!/usr/bin/env bash
 # Builds the benchmarks and runs them; each prints a table with its ratios.
 #
-#   scripts/bench.sh [engine|looks|rows|geometry|smear|segment|cutout|etc ...] [--benchmark_filter=NV21 ...]
+#   scripts/bench.sh [name ...] [--benchmark_filter=NV21 ...]
 #
-# engine: point effects beside memcpy, OpenCV and libyuv. looks: looks beside memcpy and OpenCV, and
-# the setup times of all effects. rows: plain beside vector forms. geometry: turned and levelled
-# pictures, smear: motion blur and waterfall, both beside OpenCV. segment: the max-flow solver beside
-# Boost.Graph, regions beside OpenCV. cutout: strokes on a picture. etc: the texture codec beside
-# etc1tool. Without a name: all. Options go to every benchmark.
-#   scripts/bench.sh [engine|looks|adjust|rows|geometry|smear|etc ...] [--benchmark_filter=NV21 ...]
+#   engine         point effects beside memcpy, OpenCV and libyuv
+#   looks          looks beside memcpy and OpenCV, and the setup times of all effects
+#   adjust         the parametric adjustments beside memcpy, OpenCV and libyuv
+#   rows           plain beside vector forms
+#   convert        conversions by a record beside libyuv and OpenCV
+#   image_convert  conversions of whole images beside libyuv and OpenCV, and in bands
+#   geometry       turned and levelled pictures beside OpenCV
+#   smear          motion blur and waterfall beside OpenCV
+#   segment        the max-flow solver beside Boost.Graph, regions beside OpenCV
+#   cutout         strokes on a picture
+#   retouch        filled holes beside OpenCV
+#   etc            the texture codec beside etc1tool
 #
-# engine: point effects beside memcpy, OpenCV and libyuv. looks: looks beside memcpy and OpenCV, and
-# the setup times of all effects. adjust: the parametric adjustments beside memcpy, OpenCV and
-# libyuv. rows: plain beside vector forms. geometry: turned and levelled pictures, smear: motion blur
-# and waterfall, both beside OpenCV. etc: the texture codec beside etc1tool. Without a name: all.
-# Options go to every benchmark.
+# Without a name: all. Options go to every benchmark.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+all=(engine looks adjust rows convert image_convert geometry smear segment cutout retouch etc)
 names=()
 options=()
 for argument in "$@"; do
-  case $argument in
-    engine | looks | rows | geometry | smear | segment | cutout | etc) names+=("$argument") ;;
-    -*) options+=("$argument") ;;
-    *)
-      echo "bench.sh: no benchmark named $argument; there are engine, looks, rows, geometry, smear, segment, cutout and etc" >&2
-    engine | looks | adjust | rows | geometry | smear | etc) names+=("$argument") ;;
-    -*) options+=("$argument") ;;
-    *)
-      echo "bench.sh: no benchmark named $argument; there are engine, looks, adjust, rows, geometry, smear and etc" >&2
-      exit 2
-      ;;
-  esac
+  if [[ $argument == -* ]]; then
+    options+=("$argument")
+  elif [[ " ${all[*]} " == *" $argument "* ]]; then
+    names+=("$argument")
+  else
+    echo "bench.sh: no benchmark named $argument; there are ${all[*]}" >&2
+    exit 2
+  fi
 done
 if ((${#names[@]} == 0)); then
-  names=(engine looks rows geometry smear convert segment cutout adjust etc)
+  names=("${all[@]}")
 fi
 
 scripts/install-deps.sh build tool bench

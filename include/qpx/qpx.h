@@ -15,6 +15,7 @@
 #include <qpx/etc.h>
 #include <qpx/heap_check.h>
 #include <qpx/image.h>
+#include <qpx/image_convert.h>
 #include <qpx/kernels.h>
 #include <qpx/kernels_adjust.h>
 #include <qpx/kernels_curves.h>
@@ -22,6 +23,7 @@
 #include <qpx/log.h>
 #include <qpx/max_flow.h>
 #include <qpx/motion_blur.h>
+#include <qpx/parallel.h>
 #include <qpx/png.h>
 #include <qpx/postprocess.h>
 #include <qpx/rotate.h>
