@@ -17,6 +17,7 @@
 #include <qpx/log.h>
 #include <qpx/motion_blur.h>
 #include <qpx/png.h>
+#include <qpx/retouch.h>
 #include <qpx/rotate.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>
