@@ -26,6 +26,7 @@
 #include <qpx/parallel.h>
 #include <qpx/png.h>
 #include <qpx/postprocess.h>
+#include <qpx/retouch.h>
 #include <qpx/rotate.h>
 #include <qpx/streams.h>
 #include <qpx/strings.h>

@@ -514,6 +514,7 @@ constexpr NullCall kSegmentCalls[] = {
 
 constexpr NullCall kSmearCalls[] = {
     QPX_NULL_CALL(QPX_MotionBlur, (nullptr, nullptr, 0, 1, nullptr) == 2),
+    QPX_NULL_CALL(ReTouch, (nullptr, nullptr, nullptr, nullptr, nullptr) == 2),
     QPX_NULL_CALL(QPX_WaterFall_Create, (nullptr, nullptr, nullptr) == 2),
     QPX_NULL_CALL(QPX_WaterFall_Process, (nullptr, nullptr, 0, nullptr, nullptr) == 2),
     QPX_NULL_CALL(QPX_WaterFall_ProcessAsync, (nullptr, nullptr, 0, nullptr) == 2),

@@ -63,6 +63,7 @@ TEST_F(CommandLineTest, EveryExampleOfTheHelpRuns) {
                             {"sample", "--help"},
                             {"sheet", "--help"},
                             {"motion-blur", "--help"},
+                            {"retouch", "--help"},
                             {"waterfall", "--help"}}) {
     const Words examples = examplesIn(run(call).out);
     EXPECT_FALSE(examples.empty()) << call.front();
@@ -118,7 +119,7 @@ TEST_F(CommandLineTest, AMisspeltCommandIsNamed) {
       failedWith(run({"aply", "Fx1300"}), 2, "unknown command 'aply' (did you mean apply?)"));
   EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2,
                          "'photo.jpg': use one of apply, list, sheet, rotate, straighten, "
-                         "motion-blur, waterfall, etc, sample"));
+                         "motion-blur, retouch, waterfall, etc, sample"));
   EXPECT_TRUE(failedWith(run({"--plain"}), 2, "qpx --help"));
 }
 

@@ -12,6 +12,7 @@ void addSheetCommand(CLI::App& app);
 void addRotateCommand(CLI::App& app);
 void addStraightenCommand(CLI::App& app);
 void addMotionBlurCommand(CLI::App& app);
+void addRetouchCommand(CLI::App& app);
 void addWaterfallCommand(CLI::App& app);
 void addCutoutCommand(CLI::App& app);
 void addEtcCommand(CLI::App& app);

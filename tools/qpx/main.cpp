@@ -76,6 +76,7 @@ int main(int argc, char** argv) {
   addRotateCommand(app);
   addStraightenCommand(app);
   addMotionBlurCommand(app);
+  addRetouchCommand(app);
   addWaterfallCommand(app);
   addCutoutCommand(app);
   addEtcCommand(app);

@@ -1,0 +1,45 @@
+/* Retouch: takes something out of a picture and fills the hole from the rest of it. */
+#ifndef QPX_RETOUCH_H_
+#define QPX_RETOUCH_H_
+
+#include <qpx/types.h>
+
+QPX_BEGIN_DECLS
+
+/* Fills what `mask` marks, patch by patch from the border of the hole inwards. Each patch is the
+ * one of the picture that fits best around its place; lines that run into the hole are continued
+ * first, and each patch is blended into its surroundings, so that no seam shows.
+ *
+ * source and destination are of the same format and size: QPX_FORMAT_BGR24, QPX_FORMAT_RGB24,
+ * QPX_FORMAT_BGRA32 or QPX_FORMAT_RGBA32. They may be the same planes; otherwise they must not
+ * overlap. A fourth byte is copied from the source.
+ *
+ * guide is the same picture in the same format, as a rule smaller: patches are sought in it, and
+ * then refined at full size, which is what makes large pictures quick. With
+ *   sx = (source width - 1) / (guide width - 1), sy = (source height - 1) / (guide height - 1)
+ * guide pixel (x, y) stands for the source pixels that are nearest to (x * sx, y * sy), and is best
+ * their mean. It should have the shape of source, or be source itself.
+ *
+ * mask is QPX_FORMAT_GREY8 of the guide's size. 255 marks what is filled, 0 what is known. Pixels
+ * of any other value are kept, but nothing is copied from them: something else that should not
+ * show up in the hole. The mark should reach a little beyond the object, its shadow and its soft
+ * edges.
+ *
+ * settings are two numbers. settings[0] is the radius of a patch in pixels of the guide, 1 to 10
+ * (10.9 counts as 10): somewhat more than the size of the texture's elements; a patch is a square
+ * of 2 * radius + 1. settings[1], 0 to 1, says what goes first: 0 the strongest line into the hole,
+ * 1 what has most that is known around it.
+ *
+ * Where the picture has no patch without a hole, because it is too small or the mask covers too
+ * much, the hole takes the colours around it. Where nothing is known the destination is the source.
+ *
+ * Returns 0; 2 for a null argument or plane, other formats, sizes that differ or are not positive,
+ * a pitch too small for a row, or settings out of range; 4 for no memory. A refused call writes
+ * nothing. Memory is some 21 bytes for each pixel of the guide and, where that is smaller, 1 for
+ * each of the source. Reentrant. */
+QPX_API int32_t ReTouch(const MBitmap* source, const MBitmap* guide, const MBitmap* mask,
+                        const float* settings, MBitmap* destination);
+
+QPX_END_DECLS
+
+#endif /* QPX_RETOUCH_H_ */
