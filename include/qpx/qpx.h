@@ -8,6 +8,7 @@
 #include <qpx/convert.h>
 #include <qpx/convert_kernels.h>
 #include <qpx/convert_record.h>
+#include <qpx/convert_wide.h>
 #include <qpx/curves.h>
 #include <qpx/cutout.h>
 #include <qpx/effects.h>

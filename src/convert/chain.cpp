@@ -1,5 +1,6 @@
 #include <qpx/convert.h>
 #include <qpx/convert_kernels.h>
+#include <qpx/convert_wide.h>
 
 #include "convert/kernels/frames.h"
 
@@ -7,11 +8,17 @@ namespace {
 
 // Tried in this order. The last one never declines.
 constexpr ConvFrameFunction kFrames[] = {
-    ANY_ANY_C_FAST_R8G8B8, YUV2YUV_Fast,
-    ANY_ANY_C_FAST_R5G6B5, I420_To_I422_Fast,
-    YUV_YUV_C_FAST,        YUV_RGB32_C_FAST,
-    YUYV_RGB32_FAST,       ANY_ANY_C_FAST_RGB32,
-    Gray2Gray_C_FAST,      qpx::convert::convertByRows,
+    PUZUMPE_ALL,
+    ANY_ANY_C_FAST_R8G8B8,
+    YUV2YUV_Fast,
+    ANY_ANY_C_FAST_R5G6B5,
+    I420_To_I422_Fast,
+    YUV_YUV_C_FAST,
+    YUV_RGB32_C_FAST,
+    YUYV_RGB32_FAST,
+    ANY_ANY_C_FAST_RGB32,
+    Gray2Gray_C_FAST,
+    qpx::convert::convertByRows,
     ANY_ANY_C_SLOW,
 };
 

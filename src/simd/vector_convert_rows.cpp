@@ -7,14 +7,11 @@
 
 #include "simd/convert_rows-inl.h"
 #include "simd/convert_rows.h"
+#include "simd/convert_yuv-inl.h"
 #include "simd/sampled_rows-inl.h"
 
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 namespace qpx::simd::HWY_NAMESPACE {
-using plain::yuvToRgb16;
-using plain::yuvToRgb24;
-using plain::yuvToRgb32;
-
 // A load and a store for each element, in which vectors have no part.
 using plain::pick1;
 using plain::pick2;

@@ -35,7 +35,7 @@ enum class RowShape {
 };
 
 template <class Byte>
-HWY_INLINE RowShape packedShape(const YuvRow<Byte>& row) {
+HWY_INLINE RowShape packedShape(const YuvSamples<Byte>& row) {
   if (row.u == row.y + 1 && row.v == row.y + 3) return RowShape::yuyv;
   if (row.v == row.y + 1 && row.u == row.y + 3) return RowShape::yvyu;
   if (row.y == row.u + 1 && row.v == row.y + 1) return RowShape::uyvy;
@@ -44,7 +44,7 @@ HWY_INLINE RowShape packedShape(const YuvRow<Byte>& row) {
 }
 
 template <class Byte>
-HWY_INLINE RowShape shapeOf(const YuvRow<Byte>& row) {
+HWY_INLINE RowShape shapeOf(const YuvSamples<Byte>& row) {
   if (row.lumaStep == 2 && row.chromaStep == 4) return packedShape(row);
   if (row.lumaStep == 3 && row.chromaStep == 6 && row.u == row.y + 1 && row.v == row.y + 2) {
     return RowShape::triplets;

@@ -17,20 +17,20 @@ namespace qpx::simd {
 // All bytes of the pixels may be read: in packed rows those of whole pairs, and behind every other
 // sample of a plane the one that is left out.
 template <class Byte>
-struct YuvRow {
+struct YuvSamples {
   Byte* y;
   Byte* u;
   Byte* v;
   ptrdiff_t lumaStep;
   ptrdiff_t chromaStep;
 
-  YuvRow from(ptrdiff_t pair) const {
+  YuvSamples from(ptrdiff_t pair) const {
     return {y + 2 * pair * lumaStep, u + pair * chromaStep, v + pair * chromaStep, lumaStep,
             chromaStep};
   }
 };
-using YuvSource = YuvRow<const uint8_t>;
-using YuvTarget = YuvRow<uint8_t>;
+using YuvSource = YuvSamples<const uint8_t>;
+using YuvTarget = YuvSamples<uint8_t>;
 
 // Pixels by their bytes in memory.
 enum class PixelOrder { rgb24, bgr24, rgba32, bgra32 };

@@ -1,6 +1,7 @@
 #include "api/convert_null_calls.h"
 
 #include <qpx/convert_kernels.h>
+#include <qpx/convert_wide.h>
 
 namespace qpx::testing {
 namespace {
@@ -15,6 +16,10 @@ bool subsampledHolds(int32_t (*kernel)(QPX_CONVERT_SUBSAMPLED_ARGUMENTS)) {
 }
 bool pairedHolds(int32_t (*kernel)(QPX_CONVERT_PAIRED_ARGUMENTS)) {
   return kernel(nullptr, nullptr, nullptr, nullptr, nullptr, 1, nullptr) == 2;
+}
+bool wideHolds(void (*kernel)(QPX_CONVERT_FRAME_ARGUMENTS)) {
+  kernel(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+  return true;
 }
 bool frameHolds(int32_t (*frame)(QPX_CONVERT_FRAME_ARGUMENTS)) {
   return frame(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) == 2;
@@ -37,7 +42,13 @@ bool frameHolds(int32_t (*frame)(QPX_CONVERT_FRAME_ARGUMENTS)) {
 #name, [] { return frameHolds(name); } \
   }
 
+#define QPX_WIDE(name)                    \
+  {                                       \
+#name, [] { return wideHolds(name); } \
+  }
+
 constexpr ConvertNullCall kCalls[] = {
+    QPX_FRAME(PUZUMPE_ALL),
     QPX_FRAME(ANY_ANY_C_FAST_R8G8B8),
     QPX_FRAME(YUV2YUV_Fast),
     QPX_FRAME(ANY_ANY_C_FAST_R5G6B5),
@@ -55,6 +66,23 @@ constexpr ConvertNullCall kCalls[] = {
     QPX_FRAME(MCC_I420_NV12_Resample_270),
     QPX_FRAME(MCC_I420_NV12_NoResample),
     QPX_FRAME(MCC_I420_NV21_NoResampleRotate),
+    QPX_WIDE(PUZUMPE_BGR32toI420_BilNear),
+    QPX_WIDE(PUZUMPE_BGR32toNV21_Fast_BilNear),
+    QPX_WIDE(PUZUMPE_I420toBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_I422HtoBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_I422HtoBGR32_NoResize_Shift6),
+    QPX_WIDE(PUZUMPE_I422VtoBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_I444toBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_I4XXtoNV21_Fast_BilNear),
+    QPX_WIDE(PUZUMPE_NV12toRGB24_NoResize),
+    QPX_WIDE(PUZUMPE_NV21YCbCr601toBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_NV21toBGR32_Fast_BilNear_R90),
+    QPX_WIDE(PUZUMPE_NV21toI420_Fast_BilNear),
+    QPX_WIDE(PUZUMPE_NV21toRGB24_NoResize),
+    QPX_WIDE(PUZUMPE_NVtoBGR16_NoResize),
+    QPX_WIDE(PUZUMPE_NVtoRGB16_NoResize),
+    QPX_WIDE(PUZUMPE_YUVtoBGR32_NoResize),
+    QPX_WIDE(PUZUMPE_YUYVtoBGR32_NoResize),
     QPX_KERNEL(RGB2RGBFast_NORESAMPLE),
     QPX_KERNEL(RGB2RGBFast_RGB888_N_RESIZE_4x4_R0),
     QPX_KERNEL(RGB2RGBFast_RGB888_N_RESIZE_4x4_R270),

@@ -560,6 +560,7 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "MThreadSetPriority",
                                             "MThreadSleep",
                                             "MThreadSuspend",
+                                            "PUZUMPE_DebugWin32",
                                             "QPXIsSameInOutArea",
                                             "QPXIsSupEffMerge",
                                             "QPXIsSupport",
@@ -578,7 +579,11 @@ constexpr const char* kWithoutPointers[] = {"ApplyBlackAndWhite",
                                             "mcvParallelInit"};
 
 constexpr std::span<const NullCall> kAllCalls[] = {
-    kAdjustCalls, kImageCalls, kEngineCalls, kRotationCalls, kSmearCalls, kStreamCalls, kStringCalls, kToolkitCalls, kPngCalls, kLookKernelCalls, kEtcCalls, kPlatformCalls, kPostProcessCalls, kSegmentCalls, kCutoutCalls, kImageConversionCalls, kParallelCalls};
+    kAdjustCalls,      kImageCalls,      kEngineCalls, kRotationCalls,
+    kSmearCalls,       kStreamCalls,     kStringCalls, kToolkitCalls,
+    kPngCalls,         kLookKernelCalls, kEtcCalls,    kPlatformCalls,
+    kPostProcessCalls, kSegmentCalls,    kCutoutCalls, kImageConversionCalls,
+    kParallelCalls};
 
 TEST(NullArguments, AreAnsweredByEveryFunction) {
   for (const auto& calls : kAllCalls) {
