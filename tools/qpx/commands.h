@@ -14,6 +14,7 @@ void addStraightenCommand(CLI::App& app);
 void addMotionBlurCommand(CLI::App& app);
 void addWaterfallCommand(CLI::App& app);
 void addEtcCommand(CLI::App& app);
+void addConvertCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
 
 }  // namespace qpx::tool

@@ -78,6 +78,7 @@ int main(int argc, char** argv) {
   addMotionBlurCommand(app);
   addWaterfallCommand(app);
   addEtcCommand(app);
+  addConvertCommand(app);
   addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {
