@@ -10,7 +10,7 @@ set -euo pipefail
 declare -A packages=(
   [build]="g++ cmake ninja-build pkg-config libhwy-dev libpng-dev zlib1g-dev"
   [tool]="libjpeg-dev libcli11-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core"
-  [tests]="ccache libgtest-dev python3-minimal"
+  [tests]="ccache libgtest-dev python3-minimal ffmpeg"
   [lint]="clang clang-format clang-tidy shellcheck"
   [fuzz]="clang libclang-rt-14-dev"
   [armhf]="g++-arm-linux-gnueabihf qemu-user"

@@ -119,7 +119,7 @@ TEST_F(CommandLineTest, AMisspeltCommandIsNamed) {
       failedWith(run({"aply", "Fx1300"}), 2, "unknown command 'aply' (did you mean apply?)"));
   EXPECT_TRUE(failedWith(run({"photo.jpg"}), 2,
                          "'photo.jpg': use one of apply, list, sheet, rotate, straighten, "
-                         "motion-blur, retouch, waterfall, etc, sample"));
+                         "motion-blur, retouch, waterfall, cutout, etc, convert, sample"));
   EXPECT_TRUE(failedWith(run({"--plain"}), 2, "qpx --help"));
 }
 

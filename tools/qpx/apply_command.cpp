@@ -5,7 +5,9 @@
 #include <atomic>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apply_plan.h"
@@ -14,7 +16,11 @@
 #include "console.h"
 #include "effect_run.h"
 #include "errors.h"
+#include "frame_effects.h"
+#include "frame_sink.h"
+#include "frame_source.h"
 #include "image_file.h"
+#include "input_file.h"
 #include "parallel.h"
 #include "progress.h"
 #include "text.h"
@@ -23,23 +29,96 @@ namespace qpx::tool {
 
 namespace {
 
-void runJob(const Job& job, const Plan& plan, const RunOptions& options, int quality,
-            Progress& progress) {
-  Picture picture = readPicture(job.in, {progress, kReadSteps});
+// What goes wrong with an input is reported with its name.
+template <typename Work>
+auto named(const Job& job, const Work& work) {
+  const std::string name = displayName(job.in, true);
+  try {
+    return work();
+  } catch (const RunError& error) {
+    throw RunError(name + ": " + error.what());
+  } catch (const std::bad_alloc&) {
+    throw RunError(name + ": not enough memory: use a smaller picture");
+  }
+}
+
+void runPicture(const Job& job, const Plan& plan, const RunOptions& options, int quality,
+                Picture picture, Progress& progress) {
   say(displayName(job.in, true) + ": " + std::to_string(picture.width()) + "x" +
       std::to_string(picture.height()) + (picture.hasAlpha() ? " with alpha" : ""));
   const FileKind kind = job.kind.value_or(picture.kind);
   const std::string problem = sizeProblem(kind, picture.width(), picture.height());
   if (!problem.empty()) throw RunError(displayName(job.out, false) + ": " + problem);
-  try {
-    picture = applyEffects(std::move(picture), plan.chain, options, progress);
-  } catch (const RunError& error) {
-    throw RunError(displayName(job.in, true) + ": " + error.what());
-  } catch (const std::bad_alloc&) {
-    throw RunError(displayName(job.in, true) + ": not enough memory: use a smaller picture");
-  }
+  picture =
+      named(job, [&] { return applyEffects(std::move(picture), plan.chain, options, progress); });
   writePicture(picture, job.out, kind, quality, {progress, kWriteSteps});
   say(displayName(job.out, false) + ": written");
+}
+
+void writeFrame(const Job& job, const FrameSource& source, const Frame& result,
+                std::optional<FrameSink>& sink) {
+  if (!sink) {
+    std::optional<Y4mHeader> header = source.header();
+    if (header) {
+      header->width = result.width();
+      header->height = result.height();
+    }
+    sink.emplace(job.out, std::move(header));
+  }
+  sink->write(result, source.parameters());
+}
+
+// Whole frames in front of one that fails are written.
+void runFrames(const Job& job, const Plan& plan, const RunOptions& options, FrameSource& source,
+               Progress& progress) {
+  const FrameShape& shape = source.shape();
+  say(displayName(job.in, true) + ": frames of " + shape.format->name + ", " +
+      std::to_string(shape.width) + "x" + std::to_string(shape.height));
+  std::optional<FrameSink> sink;
+  try {
+    const auto effects =
+        named(job, [&] { return std::make_unique<FrameEffects>(shape, plan.chain, options); });
+    while (named(job, [&] { return source.next(); })) {
+      const Frame* result = named(job, [&] { return &effects->run(source.frame(), progress); });
+      writeFrame(job, source, *result, sink);
+    }
+  } catch (...) {
+    if (sink) sink->finish();
+    throw;
+  }
+  sink->finish();
+}
+
+void runStream(const Job& job, const Plan& plan, const RunOptions& options, InputFile& file,
+               Progress& progress) {
+  if (job.kind) {
+    throw RunError(displayName(job.in, true) +
+                   ": frames stay frames under apply: 'qpx convert' makes pictures of them");
+  }
+  // How many frames there are is known to nobody, so that the bar would say nothing.
+  if (plan.jobs.size() == 1) progress.stop();
+  const auto source = named(job, [&] {
+    return plan.frames ? std::make_unique<FrameSource>(file, *plan.frames)
+                       : std::make_unique<FrameSource>(file, plan.range, false);
+  });
+  runFrames(job, plan, options, *source, progress);
+}
+
+void runJob(const Job& job, const Plan& plan, const RunOptions& options, int quality,
+            Progress& progress) {
+  const auto file = named(job, [&] { return std::make_unique<InputFile>(job.in); });
+  if (plan.frames || named(job, [&] { return FrameSource::isStream(*file); })) {
+    runStream(job, plan, options, *file, progress);
+    return;
+  }
+  if (job.stream) {
+    throw RunError(displayName(job.in, true) + ": is no YUV4MPEG2 stream: raw frames need --from " +
+                   "and --in-size");
+  }
+  Picture picture = named(job, [&] {
+    return decodePicture(file->readAll(), {progress, kReadSteps});
+  });
+  runPicture(job, plan, options, quality, std::move(picture), progress);
 }
 
 // Every file is tried, whatever becomes of the others. Returns how many failed.
@@ -127,6 +206,11 @@ white.
 Effects that turn a picture grow its frame so that nothing is cut off; they cannot
 be mixed with their source by --strength or --mask.
 
+Frames are taken too: a YUV4MPEG2 stream (.y4m), or raw ones that --from and
+--in-size describe. They leave in the format they came in, in which the effects
+run where they can, or else by way of RGB. Where a frame is cut off, the whole
+ones before it are written.
+
 Without --format the effects run in bgr24, or in bgra32 for a picture with
 alpha, or in the first format that all of them take. YUV and grey are reached
 by full-range BT.601, chroma being averaged over its block.
@@ -136,7 +220,8 @@ Examples:
   qpx apply Curve:master=0:0,64:80,255:255,blue=0:20,255:235 photo.jpg out.png
   qpx apply Fx4800 Fx2D00:percent=130 photo.jpg out.png --strength 60
   qpx apply Fx1700 --out-dir looks holiday/*.jpg --threads 4
-  qpx apply 0x1800 - - < in.jpg > out.jpg)";
+  qpx apply 0x1800 - - < in.jpg > out.jpg
+  ffmpeg -i in.mp4 -f yuv4mpegpipe - | qpx apply Gothic - out.y4m)";
 
 void addFileOptions(CLI::App& command, ApplyArguments& arguments) {
   command.add_option("ARGUMENTS", arguments.words, "Effects, then files")
@@ -150,6 +235,19 @@ void addFileOptions(CLI::App& command, ApplyArguments& arguments) {
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command.add_option("--quality", arguments.quality, "Quality of JPEG output (default 95, 4:4:4)")
       ->check(CLI::Range(1, 100));
+}
+
+void addFrameOptions(CLI::App& command, ApplyArguments& arguments) {
+  command.add_option("--from", arguments.from, "Pixel format of raw frames in IN")
+      ->check(notEmpty())
+      ->type_name("FORMAT");
+  command.add_option("--in-size", arguments.inSize, "Size of raw frames in IN")
+      ->check(notEmpty())
+      ->type_name("WxH");
+  command
+      .add_option("--range", arguments.range,
+                  "Matrix and range of frames that go by way of RGB (default bt601)")
+      ->check(CLI::IsMember(rangeNames()));
 }
 
 void addEffectOptions(CLI::App& command, ApplyArguments& arguments) {
@@ -190,6 +288,7 @@ void addApplyCommand(CLI::App& app) {
   const auto arguments = std::make_shared<ApplyArguments>();
   CLI::App* command = app.add_subcommand("apply", "Apply one or more effects to pictures");
   addFileOptions(*command, *arguments);
+  addFrameOptions(*command, *arguments);
   addEffectOptions(*command, *arguments);
   addRunOptions(*command, *arguments);
   command->footer(kFooter);

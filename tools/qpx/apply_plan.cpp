@@ -9,11 +9,26 @@
 #include <utility>
 
 #include "errors.h"
+#include "frame_source.h"
 #include "output_file.h"
+#include "text.h"
 
 namespace qpx::tool {
 
 namespace {
+
+bool isStreamName(const std::string& path) { return lowerCase(path).ends_with(".y4m"); }
+
+// What --from, --in-size and --range say of frames.
+void takeFrames(const ApplyArguments& arguments, Plan& plan) {
+  if (arguments.from.empty() != arguments.inSize.empty()) {
+    throw UsageError("raw frames need both --from and --in-size: nothing else says what they are");
+  }
+  if (!arguments.range.empty()) plan.range = rangeByName(arguments.range);
+  if (arguments.from.empty()) return;
+  const PictureSize size = parseSize(arguments.inSize);
+  plan.frames = {&pixelFormatByName(arguments.from), size.width, size.height, plan.range};
+}
 
 Plan planOne(const ApplyArguments& arguments) {
   const std::vector<std::string>& words = arguments.words;
@@ -33,7 +48,12 @@ Plan planOne(const ApplyArguments& arguments) {
     plan.chain.push_back(parseEffect(words[i]));
   }
   const std::string &in = words[effects], &out = words[effects + 1];
-  plan.jobs.push_back({in, out, kindOfOutput(out, arguments.to)});
+  const bool stream = !arguments.from.empty() || isStreamName(in) || isStreamName(out);
+  if (stream && (!arguments.to.empty() || (out != "-" && kindByName(out)))) {
+    throw UsageError(out +
+                     ": frames stay frames under apply: 'qpx convert' makes pictures of them");
+  }
+  plan.jobs.push_back({in, out, stream ? std::nullopt : kindOfOutput(out, arguments.to), stream});
   return plan;
 }
 
@@ -55,7 +75,7 @@ Job jobInto(const std::string& in, const ApplyArguments& arguments) {
     name.replace_extension(*wanted == FileKind::png ? ".png" : ".jpg");
   }
   return {in, (std::filesystem::path(arguments.outDir) / name).string(),
-          wanted ? wanted : kindByName(in)};
+          wanted ? wanted : kindByName(in), !arguments.from.empty() || isStreamName(in)};
 }
 
 Plan planMany(const ApplyArguments& arguments) {
@@ -113,6 +133,7 @@ Plan planFor(const ApplyArguments& arguments) {
   const bool many = !arguments.outDir.empty();
   Plan plan = many ? planMany(arguments) : planOne(arguments);
   checkStandardStreams(arguments, plan);
+  takeFrames(arguments, plan);
   if (many) refuseReplacedInputs(plan);
   return plan;
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "conversion.h"
 #include "effect_argument.h"
 #include "image_file.h"
 
@@ -17,6 +18,9 @@ struct ApplyArguments {
   std::string format;
   std::string mask;
   std::string second;
+  std::string from;
+  std::string inSize;
+  std::string range;
   int band = 0;
   int threads = 0;
   int strength = 100;
@@ -30,11 +34,14 @@ struct Job {
   std::string in;
   std::string out;
   std::optional<FileKind> kind;  // nothing: that of the input
+  bool stream = false;           // OUT cannot be a picture
 };
 
 struct Plan {
   std::vector<EffectCall> chain;
   std::vector<Job> jobs;
+  std::optional<FrameShape> frames;  // inputs have frames without headers
+  Range range = Range::bt601;        // of streams that do not say theirs
 };
 
 // Throws UsageError for words that make no sense together, for two inputs that would become one

@@ -16,6 +16,7 @@ void addRetouchCommand(CLI::App& app);
 void addWaterfallCommand(CLI::App& app);
 void addCutoutCommand(CLI::App& app);
 void addEtcCommand(CLI::App& app);
+void addConvertCommand(CLI::App& app);
 void addSampleCommand(CLI::App& app);
 
 }  // namespace qpx::tool

@@ -142,14 +142,11 @@ std::string namesOf(Chain chain) {
 // What the groups of a chain have in common.
 class ChainRun {
  public:
-  ChainRun(const RunOptions& options, const PixelFormat& format, Picture& picture,
-           Progress& progress)
+  ChainRun(const RunOptions& options, Frame in, Progress& progress)
       : options_(options),
         progress_(progress),
-        in_(format, picture.width(), picture.height()),
-        out_(format, picture.width(), picture.height()) {
-    toFrame(picture, in_);
-  }
+        in_(std::move(in)),
+        out_(in_.format(), in_.width(), in_.height()) {}
 
   void run(Chain chain, const Picture* mask) {
     mask_ = mask;
@@ -163,7 +160,7 @@ class ChainRun {
     }
   }
 
-  const Frame& result() const { return in_; }
+  Frame takeResult() { return std::move(in_); }
 
  private:
   static Picture scaledToFit(const Picture& from, const Frame& to) {
@@ -283,15 +280,26 @@ Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
   const Picture* mixMask = options.mask && !engineMasks ? &mask : nullptr;
   Picture source;
   if (options.strength < 100 || mixMask) source = copyOf(picture);
-  ChainRun run(options, format, picture, progress);
+  Frame frame(format, picture.width(), picture.height());
+  toFrame(picture, frame);
+  ChainRun run(options, std::move(frame), progress);
   run.run(chain, options.mask ? &mask : nullptr);
-  const Frame& result = run.result();
+  const Frame result = run.takeResult();
   if (result.width() != picture.width() || result.height() != picture.height()) {
     picture = emptyLike(picture, result.width(), result.height());
   }
   fromFrame(result, picture);
   if (source.width() > 0) mixWithSource(picture, source, options.strength, mixMask);
   return picture;
+}
+
+Frame applyEffects(const Frame& frame, const std::vector<EffectCall>& chain,
+                   const RunOptions& options, Progress& progress) {
+  Frame in(frame.format(), frame.width(), frame.height());
+  in.copyFrom(frame);
+  ChainRun run(options, std::move(in), progress);
+  run.run(chain, nullptr);
+  return run.takeResult();
 }
 
 }  // namespace qpx::tool

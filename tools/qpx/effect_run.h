@@ -48,4 +48,9 @@ std::vector<std::string> effectsInOneThread(const std::vector<EffectCall>& chain
 Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
                      const RunOptions& options, Progress& progress);
 
+// The same over a frame in its own format, which all effects take. Nothing is mixed with the
+// source.
+Frame applyEffects(const Frame& frame, const std::vector<EffectCall>& chain,
+                   const RunOptions& options, Progress& progress);
+
 }  // namespace qpx::tool

@@ -1,49 +1,20 @@
 #include "image_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "codecs.h"
 #include "errors.h"
 #include "exif.h"
+#include "input_file.h"
 #include "text.h"
 
 namespace qpx::tool {
 
 namespace {
-
-constexpr size_t kMaxFileBytes = (size_t{1} << 31) - 1;
-constexpr size_t kReadStep = size_t{1} << 20;
-
-class Descriptor {
- public:
-  explicit Descriptor(const std::string& path)
-      : owned_(path != "-"),
-        number_(owned_ ? open(path.c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO) {}
-  ~Descriptor() {
-    if (owned_ && number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int number() const { return number_; }
-
- private:
-  bool owned_;
-  int number_;
-};
-
-[[noreturn]] void failReading(int error) {
-  throw RunError(std::string("cannot be read (") + std::strerror(error) +
-                 "): check the name and the right to read it");
-}
 
 Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
   constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
@@ -62,27 +33,7 @@ Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
 
 }  // namespace
 
-std::vector<uint8_t> readFileBytes(const std::string& path) {
-  const Descriptor file(path);
-  if (file.number() < 0) failReading(errno);
-  std::vector<uint8_t> bytes;
-  struct stat status {};
-  if (fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
-      static_cast<uint64_t>(status.st_size) <= kMaxFileBytes) {
-    bytes.reserve(static_cast<size_t>(status.st_size) + 1);
-  }
-  for (;;) {
-    const size_t used = bytes.size();
-    bytes.resize(std::max(std::min(bytes.capacity(), used + kReadStep), used + 1));
-    const ssize_t count = read(file.number(), bytes.data() + used, bytes.size() - used);
-    if (count < 0 && errno != EINTR) failReading(errno);
-    bytes.resize(used + static_cast<size_t>(std::max<ssize_t>(count, 0)));
-    if (count == 0) return bytes;
-    if (bytes.size() > kMaxFileBytes) throw RunError("is larger than 2 GiB: use a smaller file");
-    if (bytes.size() == bytes.capacity())
-      bytes.reserve(bytes.size() + bytes.size() / 2 + kReadStep);
-  }
-}
+std::vector<uint8_t> readFileBytes(const std::string& path) { return InputFile(path).readAll(); }
 
 std::string displayName(const std::string& path, bool input) {
   if (path != "-") return path;
@@ -112,14 +63,18 @@ std::optional<FileKind> kindOfOutput(const std::string& out, const std::string& 
   throw UsageError(out + ": qpx writes JPEG and PNG: name it .jpg or .png, or give --to");
 }
 
+Picture decodePicture(const std::vector<uint8_t>& file, ProgressShare share) {
+  Picture picture = decode(file, share);
+  if (!isRgbProfile(picture.icc)) picture.icc.clear();
+  const int orientation = exifOrientation(picture.exif);
+  picture = turned(std::move(picture), orientation);
+  describeUpright(picture.exif, picture.width(), picture.height());
+  return picture;
+}
+
 Picture readPicture(const std::string& path, ProgressShare share) {
   try {
-    Picture picture = decode(readFileBytes(path), share);
-    if (!isRgbProfile(picture.icc)) picture.icc.clear();
-    const int orientation = exifOrientation(picture.exif);
-    picture = turned(std::move(picture), orientation);
-    describeUpright(picture.exif, picture.width(), picture.height());
-    return picture;
+    return decodePicture(readFileBytes(path), share);
   } catch (const RunError& error) {
     throw RunError(displayName(path, true) + ": " + error.what());
   } catch (const std::bad_alloc&) {
@@ -134,6 +89,20 @@ std::string sizeProblem(FileKind kind, int32_t width, int32_t height) {
   return std::to_string(width) + "x" + std::to_string(height) + " is wider or higher than the " +
          std::to_string(most) + " pixels of a " +
          (jpeg ? "JPEG: write a PNG instead" : "PNG: use a smaller picture");
+}
+
+PictureSize parseSize(const std::string& text) {
+  const std::vector<std::string> sides = split(lowerCase(text), 'x');
+  if (sides.size() == 2) {
+    const std::optional<int64_t> width = parseInteger(sides[0]), height = parseInteger(sides[1]);
+    if (width && height && *width >= 1 && *height >= 1 && *width <= kMaxPngSide &&
+        *height <= kMaxPngSide && *width * *height <= kMaxPixels) {
+      return {static_cast<int32_t>(*width), static_cast<int32_t>(*height)};
+    }
+  }
+  throw UsageError("'" + text +
+                   "' is no size: use WIDTHxHEIGHT, such as 640x480, from 1x1 to 512 " +
+                   "megapixels");
 }
 
 void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality,

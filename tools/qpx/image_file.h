@@ -17,6 +17,9 @@ namespace qpx::tool {
 // CMYK pictures become RGB of 8 bits. Throws RunError, which names the file and says what to do.
 Picture readPicture(const std::string& path, ProgressShare share = {});
 
+// The same from the bytes of a file. The message of its RunError lacks the file's name.
+Picture decodePicture(const std::vector<uint8_t>& file, ProgressShare share = {});
+
 // Writes a whole picture or nothing. JPEG: 4:4:4, transparency laid on white, Exif and profile as
 // segments. PNG: 8 bits, Exif and profile as chunks. Both state the density. Throws RunError.
 void writePicture(const Picture& picture, const std::string& path, FileKind kind, int quality,
@@ -28,6 +31,14 @@ constexpr int32_t kMaxPngSide = 1000000;
 
 // What is wrong with writing a picture of this size; empty where nothing is.
 std::string sizeProblem(FileKind kind, int32_t width, int32_t height);
+
+struct PictureSize {
+  int32_t width, height;
+};
+
+// WIDTHxHEIGHT, as options have it. Throws UsageError for anything else, and for a size that a
+// picture cannot have.
+PictureSize parseSize(const std::string& text);
 
 // By what follows the last dot of the name; nothing for names that say nothing.
 std::optional<FileKind> kindByName(const std::string& path);

@@ -80,6 +80,7 @@ int main(int argc, char** argv) {
   addWaterfallCommand(app);
   addCutoutCommand(app);
   addEtcCommand(app);
+  addConvertCommand(app);
   addSampleCommand(app);
   const std::vector<std::string> words = wordsOf(argc, argv);
   if (words.empty()) {

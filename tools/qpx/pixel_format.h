@@ -53,7 +53,9 @@ class Frame {
   int32_t height() const { return bitmap_.height; }
   const MBitmap& bitmap() const { return bitmap_; }
   size_t bytes() const { return size_; }
+  // All samples without gaps, plane behind plane: the bytes of a raw frame.
   const uint8_t* data() const { return block_.get(); }
+  uint8_t* data() { return block_.get(); }
 
   // Planes whose first sample is that of the pixel at (0, row).
   QPXPlaneSet planesAt(int32_t row) const;

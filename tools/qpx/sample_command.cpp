@@ -27,26 +27,8 @@ struct SampleArguments {
   int quality = 95;
 };
 
-struct Size {
-  int32_t width, height;
-};
-
-Size parseSize(const std::string& text) {
-  const std::vector<std::string> sides = split(lowerCase(text), 'x');
-  if (sides.size() == 2) {
-    const std::optional<int64_t> width = parseInteger(sides[0]), height = parseInteger(sides[1]);
-    if (width && height && *width >= 1 && *height >= 1 && *width <= kMaxPngSide &&
-        *height <= kMaxPngSide && *width * *height <= kMaxPixels) {
-      return {static_cast<int32_t>(*width), static_cast<int32_t>(*height)};
-    }
-  }
-  throw UsageError("'" + text +
-                   "' is no size: use WIDTHxHEIGHT, such as 640x480, from 1x1 to 512 " +
-                   "megapixels");
-}
-
 void sample(const SampleArguments& arguments) {
-  const Size size = parseSize(arguments.size);
+  const PictureSize size = parseSize(arguments.size);
   const FileKind kind = kindOfOutput(arguments.out, arguments.to).value_or(FileKind::png);
   const std::string problem = sizeProblem(kind, size.width, size.height);
   if (!problem.empty()) throw UsageError(displayName(arguments.out, false) + ": " + problem);

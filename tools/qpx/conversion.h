@@ -1,0 +1,74 @@
+// Pictures and frames from one format, size and orientation to another, by the library's post
+// process.
+#pragma once
+
+#include <qpx/postprocess.h>
+#include <qpx/types.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "pixel_format.h"
+
+namespace qpx::tool {
+
+// What the samples of a YUV or grey format stand for: bits 12 and 13 of its code.
+enum class Range { bt601, bt601Full, bt709, bt709Full };
+
+bool isFull(Range range);
+
+enum class Fit { stretch, crop, pad };
+
+// One side of a conversion.
+struct FrameShape {
+  const PixelFormat* format = nullptr;
+  int32_t width = 0;
+  int32_t height = 0;
+  Range range = Range::bt601;
+};
+
+struct ConversionOptions {
+  Fit fit = Fit::stretch;
+  uint32_t orientation = 0;  // as PostProcessOption has it
+  bool bilinear = false;
+  bool dither = false;
+  int brightness = 0;
+  int contrast = 0;
+  int saturation = 0;
+  int threads = 1;
+
+  bool adjusts() const { return brightness != 0 || contrast != 0 || saturation != 0; }
+};
+
+class Conversion {
+ public:
+  // Throws RunError for what cannot be converted.
+  Conversion(const FrameShape& from, const FrameShape& to, const ConversionOptions& options);
+
+  const FrameShape& target() const { return to_; }
+
+  // Formats and sizes of the records are those of the shapes. A fourth byte that the source does
+  // not have becomes 255; what a padded picture leaves free becomes black; a pair of packed 4:2:2
+  // that has one pixel gets its luma twice.
+  void run(const MBitmap& from, const MBitmap& to);
+
+ private:
+  struct Free {
+    void operator()(PostProcessContext* context) const { MPPDestroy(context); }
+  };
+  using Context = std::unique_ptr<PostProcessContext, Free>;
+
+  void convert(const MBitmap& from, const MBitmap& to) const;
+
+  FrameShape to_;
+  MRect inside_{};  // of the destination: what is not padding
+  int threads_ = 1;
+  bool wholeCalls_ = false;
+  Context context_;
+  // RGB is adjusted as YUV, made by a conversion of its own.
+  std::unique_ptr<Conversion> first_;
+  std::optional<Frame> between_;
+};
+
+}  // namespace qpx::tool
