@@ -15,10 +15,11 @@ QPX_BEGIN_DECLS
  * within the border that more than 4 of its 8 neighbours cover becomes 255.
  *
  * points has room for width * height points. It receives the chains, one behind the other, each a
- * way along neighbouring pixels that ends near where it began: within width * height / 40000 pixels
- * in x and in y. Chains that do not are left out, and what they took of the room is set to zeros;
- * the rest of it is left alone. Nothing marks where a chain begins but the step to it, so callers
- * fill points with a value of their own before.
+ * way along neighbouring pixels that closes: a step leads from its last point back to its first,
+ * which is not written again, or it ends within width * height / 40000 pixels of it in x and in y,
+ * as a pixel alone does. Chains that do not are left out, and what they took of the room is set to
+ * zeros; the rest of it is left alone. Nothing marks where a chain begins but the step to it, so
+ * callers fill points with a value of their own before.
  *
  * *count is not the number of points in the chains. It is that of the outline's pixels, where a
  * covered pixel of the border counts three times, and never below what is written to points, so

@@ -43,9 +43,10 @@ QPX_API int32_t STRKM_ResetLine(StrokeMatting* handle);
  *
  * *maskOut becomes a QPX_FORMAT_GREY8 picture of 255 for the object and 0 for the rest, 0
  * everywhere before the first cut. *pointsOut becomes the pixels around the object, *countOut in
- * number: chains of 20 and more, one behind the other, each a way along neighbouring pixels, which
- * run over the object only along the picture's border. Nothing marks where a chain begins but the
- * step to it.
+ * number: chains of 20 and more, one behind the other, each a way along neighbouring pixels that
+ * ends where a step leads back to its first, which is not written again, or where none is left.
+ * They run over the object only along the picture's border. Nothing marks where a chain begins but
+ * the step to it.
  *
  * Returns 0; 2 for a null argument, with nothing written; 4 for no memory, with the results those
  * of the last cut, or null where they could not be had; the strokes wait for the next call. */

@@ -53,11 +53,11 @@ void forEachBorderPixel(int32_t width, int32_t height, const Visit& visit) {
   }
 }
 
-bool keeps(const ChainRule& rule, const MPoint* chain, int64_t length) {
-  if (length < rule.fewestPoints) return false;
-  const MPoint &first = chain[0], &last = chain[length - 1];
-  return std::abs(first.x - last.x) <= rule.widestGap &&
-         std::abs(first.y - last.y) <= rule.widestGap;
+bool keeps(const ChainRule& rule, const MPoint* points, const Chain& chain) {
+  if (chain.length < rule.fewestPoints) return false;
+  const MPoint &first = points[0], &last = points[chain.length - 1];
+  return chain.closed || (std::abs(first.x - last.x) <= rule.widestGap &&
+                          std::abs(first.y - last.y) <= rule.widestGap);
 }
 
 }  // namespace
@@ -96,14 +96,18 @@ int64_t EdgeMap::markBorder(const MaskRows& mask, bool outsideToo) {
 }
 
 // Looks for the next pixel from the direction that the latest step turned to, or the latest chain
-// ended with, in seven of the eight.
-int64_t EdgeMap::walk(int32_t x, int32_t y, MPoint* points) {
+// ended with, in seven of the eight. The first pixel stays marked on the way, so that a walk that
+// has gone round meets it where it would go on, and ends; other marked pixels that come earlier in
+// the turn are taken before it, so that no walk turns back while its outline goes on.
+Chain EdgeMap::walk(int32_t x, int32_t y, MPoint* points) {
   ptrdiff_t offsets[8];
   for (int d = 0; d < 8; ++d) offsets[d] = pitch_ * kClockwise[d].dy + kClockwise[d].dx;
-  uint8_t* here = row(y) + x;
+  uint8_t* const start = row(y) + x;
+  uint8_t* here = start;
   int64_t length = 0;
-  for (int tried = 0; tried < 7;) {
-    *here = 0;
+  int tried = 0;
+  do {
+    if (here != start) *here = 0;
     points[length++] = {x, y};
     for (tried = 0; tried < 7; ++tried) {
       const int d = (direction_ + tried) & 7;
@@ -114,8 +118,9 @@ int64_t EdgeMap::walk(int32_t x, int32_t y, MPoint* points) {
       direction_ = (d + 6) & 7;
       break;
     }
-  }
-  return length;
+  } while (tried < 7 && here != start);
+  *start = 0;
+  return {length, tried < 7};
 }
 
 int32_t EdgeMap::follow(const ChainRule& rule, MPoint* points) {
@@ -128,12 +133,12 @@ int32_t EdgeMap::follow(const ChainRule& rule, MPoint* points) {
     };
     uint8_t* found = begin;
     while ((found = static_cast<uint8_t*>(std::memchr(found, kEdge, rest(found)))) != nullptr) {
-      MPoint* const chain = points + kept;
-      const int64_t length = walk(static_cast<int32_t>(found - begin), y, chain);
-      if (keeps(rule, chain, length)) {
-        kept += length;
+      MPoint* const to = points + kept;
+      const Chain chain = walk(static_cast<int32_t>(found - begin), y, to);
+      if (keeps(rule, to, chain)) {
+        kept += chain.length;
       } else {
-        std::fill_n(chain, length, MPoint{});
+        std::fill_n(to, chain.length, MPoint{});
       }
     }
   }

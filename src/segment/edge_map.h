@@ -22,7 +22,14 @@ struct MaskRows {
 // Which chains stay.
 struct ChainRule {
   int64_t fewestPoints;
-  int64_t widestGap;  // between its ends, in x and in y
+  int64_t widestGap;  // between its ends, in x and in y, where it does not close
+};
+
+// A walk along marked pixels. It closes where a step leads back to its first pixel, which is
+// written once.
+struct Chain {
+  int64_t length;
+  bool closed;
 };
 
 class EdgeMap {
@@ -48,7 +55,7 @@ class EdgeMap {
 
  private:
   uint8_t* row(int32_t y) const;
-  int64_t walk(int32_t x, int32_t y, MPoint* points);
+  Chain walk(int32_t x, int32_t y, MPoint* points);
 
   int32_t width_, height_;
   ptrdiff_t pitch_;

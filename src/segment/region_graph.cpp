@@ -92,8 +92,9 @@ void RegionGraph::addNeighbours(const MarkedRegion* regions) {
     }
   }
   // A pin that all neighbours together can use up is no pin: what is left of it depends on the
-  // flow, and that may not come from an earlier cut.
-  startsOver_ = largest > kPinned - kFullLean;
+  // flow, and that may not come from an earlier cut. After one they can carry twice what they do in
+  // a new graph: what flowed comes back, and as much goes the other way.
+  startsOver_ = 2 * largest > kPinned - kFullLean;
   std::fill_n(nets_, regionCount_, 0);
   joined_ = true;
 }

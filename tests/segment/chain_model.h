@@ -70,30 +70,37 @@ inline EdgeModel edgesOf(const Plane& mask, bool whole) {
   return model;
 }
 
-// All chains, in the order in which they are found.
-inline std::vector<std::vector<MPoint>> chainsOf(const Plane& edges) {
+struct ChainModel {
+  std::vector<MPoint> points;
+  bool closed = false;
+};
+
+// All chains, in the order in which they are found. The pixel that one starts from ends it.
+inline std::vector<ChainModel> chainsOf(const Plane& edges) {
   constexpr int kSteps[8][2] = {{-1, 1}, {0, 1},  {1, 1},   {1, 0},
                                 {1, -1}, {0, -1}, {-1, -1}, {-1, 0}};
   Plane visited(edges.width, edges.height);
-  std::vector<std::vector<MPoint>> chains;
+  std::vector<ChainModel> chains;
   int direction = 0;
   for (int32_t y = 0; y < edges.height; ++y) {
     for (int32_t x = 0; x < edges.width; ++x) {
       if (edges.get(x, y) == 0 || visited.get(x, y) != 0) continue;
-      std::vector<MPoint> chain = {{x, y}};
-      visited.set(x, y, 1);
-      for (bool moved = true; moved;) {
+      ChainModel chain = {{{x, y}}, false};
+      for (bool moved = true; moved && !chain.closed;) {
         moved = false;
         for (int t = 0; t < 7 && !moved; ++t) {
           const int d = (direction + t) % 8;
-          const MPoint next = {chain.back().x + kSteps[d][0], chain.back().y + kSteps[d][1]};
+          const MPoint& last = chain.points.back();
+          const MPoint next = {last.x + kSteps[d][0], last.y + kSteps[d][1]};
           if (edges.get(next.x, next.y) == 0 || visited.get(next.x, next.y) != 0) continue;
           visited.set(next.x, next.y, 1);
-          chain.push_back(next);
           direction = (d + 6) % 8;
           moved = true;
+          chain.closed = next.x == x && next.y == y;
+          if (!chain.closed) chain.points.push_back(next);
         }
       }
+      visited.set(x, y, 1);
       chains.push_back(chain);
     }
   }
@@ -101,5 +108,9 @@ inline std::vector<std::vector<MPoint>> chainsOf(const Plane& edges) {
 }
 
 inline bool same(const MPoint& a, const MPoint& b) { return a.x == b.x && a.y == b.y; }
+
+inline bool neighbours(const MPoint& a, const MPoint& b) {
+  return std::abs(a.x - b.x) <= 1 && std::abs(a.y - b.y) <= 1 && !same(a, b);
+}
 
 }  // namespace qpx::testing

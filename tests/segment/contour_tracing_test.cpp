@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <qpx/contours.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 #include "segment/chain_model.h"
 #include "support/failing_memory.h"
@@ -59,10 +61,10 @@ Traced trace(const Plane& mask) {
 std::vector<MPoint> closedChains(const Plane& edges) {
   const int64_t limit = int64_t{edges.width} * edges.height / 10000 / 4;
   std::vector<MPoint> points;
-  for (const std::vector<MPoint>& chain : chainsOf(edges)) {
+  for (const auto& [chain, closed] : chainsOf(edges)) {
     const MPoint &first = chain.front(), &last = chain.back();
-    if (std::abs(first.x - last.x) > limit || std::abs(first.y - last.y) > limit) continue;
-    points.insert(points.end(), chain.begin(), chain.end());
+    const bool near = std::abs(first.x - last.x) <= limit && std::abs(first.y - last.y) <= limit;
+    if (closed || near) points.insert(points.end(), chain.begin(), chain.end());
   }
   return points;
 }
@@ -116,7 +118,72 @@ TEST(ContourTracing, CoveredMaskHasItsBorderAsOutline) {
   std::fill(mask.bytes.begin(), mask.bytes.end(), 255);
   const Traced traced = trace(mask);
   EXPECT_EQ(3 * 18, traced.count);
-  EXPECT_EQ(18u, chainsOf(edgesOf(mask, true).edges)[0].size());
+  EXPECT_FALSE(same(kUntouched, traced.points[17]));
+  EXPECT_TRUE(same(kUntouched, traced.points[18]));
+}
+
+Plane squareIn(int32_t size, int32_t from, int32_t to) {
+  Plane mask(size, size);
+  for (int32_t y = from; y < to; ++y) {
+    for (int32_t x = from; x < to; ++x) mask.set(x, y, 255);
+  }
+  return mask;
+}
+
+// A way over neighbours that comes back to its start and is all that was written.
+void expectOneLoop(const Traced& traced, size_t length) {
+  SCOPED_TRACE(std::to_string(traced.mask.width) + "x" + std::to_string(traced.mask.height));
+  for (size_t i = 0; i < length; ++i) {
+    ASSERT_TRUE(neighbours(traced.points[i], traced.points[(i + 1) % length])) << i;
+    for (size_t j = 0; j < i; ++j) ASSERT_FALSE(same(traced.points[i], traced.points[j])) << i;
+  }
+  ASSERT_TRUE(length == traced.points.size() || same(kUntouched, traced.points[length]));
+}
+
+TEST(ContourTracing, SquaresHaveClosedOutlines) {
+  const Traced traced = trace(squareIn(100, 25, 75));
+  EXPECT_EQ(4 * 51, traced.count);
+  expectOneLoop(traced, 4 * 51);
+  EXPECT_TRUE(same({24, 24}, traced.points[0]));
+  EXPECT_TRUE(same({24, 75}, traced.points[51]));
+  EXPECT_TRUE(same({75, 75}, traced.points[102]));
+  EXPECT_TRUE(same({75, 24}, traced.points[153]));
+}
+
+// The limit is 0 up to 39999 pixels, and still the border closes.
+TEST(ContourTracing, CoveredMasksOfAnySizeHaveClosedOutlines) {
+  for (int32_t size = 2; size < 200; ++size) {
+    if (size > 20 && size % 17 != 0 && size != 199) continue;
+    const auto border = static_cast<size_t>(4 * (size - 1));
+    expectOneLoop(trace(squareIn(size, 0, size)), border);
+    for (const auto& [width, height] : {std::pair{2, size}, {size, 2}}) {
+      Plane narrow(width, height);
+      std::fill(narrow.bytes.begin(), narrow.bytes.end(), 255);
+      expectOneLoop(trace(narrow), narrow.bytes.size());
+    }
+  }
+}
+
+// Steps of the slopes leave pixels aside; the way itself goes all round.
+TEST(ContourTracing, DiscsHaveClosedOutlines) {
+  Plane disc(100, 100);
+  for (int32_t y = 0; y < 100; ++y) {
+    for (int32_t x = 0; x < 100; ++x) {
+      disc.set(x, y, (x - 50) * (x - 50) + (y - 50) * (y - 50) <= 900 ? 255 : 0);
+    }
+  }
+  const std::vector<MPoint> points = trace(disc).points;
+  size_t length = 1;
+  while (neighbours(points[length - 1], points[length])) ++length;
+  EXPECT_TRUE(neighbours(points[0], points[length - 1]));
+  for (size_t i = 0; i < length; ++i) {
+    const int32_t x = points[i].x - 50, y = points[i].y - 50;
+    EXPECT_TRUE(x * x + y * y > 900 && x * x + y * y < 33 * 33) << i;
+  }
+  for (const MPoint& pole : {MPoint{50, 19}, MPoint{50, 81}, MPoint{19, 50}, MPoint{81, 50}}) {
+    EXPECT_TRUE(std::any_of(points.begin(), points.begin() + static_cast<ptrdiff_t>(length),
+                            [&](const MPoint& point) { return same(pole, point); }));
+  }
 }
 
 TEST(ContourTracing, FillsASinglePixel) {
@@ -128,7 +195,7 @@ TEST(ContourTracing, FillsASinglePixel) {
   for (const MPoint& point : traced.points) EXPECT_FALSE(same({4, 4}, point));
 }
 
-TEST(ContourTracing, ARingAroundADotClosesWithinTheLimit) {
+TEST(ContourTracing, ARingAroundADotCloses) {
   Plane mask(200, 200);
   mask.set(100, 100, 1);
   const Traced traced = trace(mask);

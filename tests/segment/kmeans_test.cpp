@@ -129,6 +129,15 @@ TEST(KmeansSegColor, AlwaysEnds) {
   }
 }
 
+// These rounds never settle by themselves.
+TEST(KmeansSegColor, RoundsThatGoInACircleEnd) {
+  const Bytes colors = {0, 0, 1, 2, 2, 1, 0, 2, 1, 2, 1, 2, 2, 0, 0, 2, 1, 1,
+                        2, 1, 0, 2, 0, 2, 2, 2, 2, 2, 1, 0, 0, 2, 0, 1, 2, 2};
+  EXPECT_TRUE(model(colors, 12, 6).empty());
+  EXPECT_EQ((Bytes{0, 0, 1, 0, 2, 1, 2, 0, 1, 2, 1, 0, 2, 2, 2, 0, 2, 0}),
+            paletteOf(colors, 12, 6));
+}
+
 TEST(KmeansSegColor, RefusesBadArguments) {
   const Bytes colors(30, 5);
   Bytes palette(3 * 300, 7);

@@ -385,6 +385,49 @@ TEST(MaxFlow, WithoutMemoryForOrphansALaterSolvePushesTheRest) {
   }
 }
 
+// A root that the first path uses up, around it leaves that all lose their parent at once and find
+// another: more than one block of orphans holds.
+Graph starGraph() {
+  constexpr int kLeaves = 300, kHub = 0, kOther = 1, kDrain = 2, kFirstLeaf = 3;
+  Graph graph = makeGraph(kFirstLeaf + kLeaves, 1 + 3 * kLeaves);
+  for (int i = 0; i < kFirstLeaf + kLeaves; ++i) MaxFlowInt_AddNode(graph.get());
+  setTerminal(graph, kHub, 1, 0);
+  setTerminal(graph, kOther, 50, 0);
+  setTerminal(graph, kDrain, 0, 30);
+  // Arcs are looked at from the last to the first, so that the hub has its leaves before its drain.
+  MaxFlowInt_AddEdge(graph.get(), kHub, kDrain, 1, 0);
+  for (int leaf = kFirstLeaf; leaf < kFirstLeaf + kLeaves; ++leaf) {
+    MaxFlowInt_AddEdge(graph.get(), kHub, leaf, 3, 0);
+    MaxFlowInt_AddEdge(graph.get(), kOther, leaf, 2, 0);
+    MaxFlowInt_AddEdge(graph.get(), leaf, kDrain, 1, 0);
+  }
+  return graph;
+}
+
+TEST(MaxFlow, ManyOrphansAtOnceAreAdopted) {
+  const Graph graph = starGraph();
+  FailingMemory::reset();
+  ASSERT_NO_FATAL_FAILURE(checkSolve(*graph, MaxFlowInt_GetMaxFlow));
+  EXPECT_EQ(30, graph->flow);
+  EXPECT_GE(FailingMemory::allocations(), 3);  // the pool and two blocks
+}
+
+// In the middle of the orphans.
+TEST(MaxFlow, WithoutMemoryForMoreOrphansALaterSolvePushesTheRest) {
+  for (const bool fast : {false, true}) {
+    const Graph graph = starGraph();
+    const int64_t blocks = FailingMemory::liveBlocks();
+    FailingMemory::failOnly(3);
+    EXPECT_LE(MaxFlowInt_GetMaxFlow(graph.get()), 30);
+    EXPECT_EQ(1, FailingMemory::failures());
+    EXPECT_EQ(blocks, FailingMemory::liveBlocks());
+    FailingMemory::reset();
+    ASSERT_NO_FATAL_FAILURE(
+        checkSolve(*graph, fast ? MaxFlowInt_GetMaxFlowFast : MaxFlowInt_GetMaxFlow));
+    EXPECT_EQ(30, graph->flow);
+  }
+}
+
 TEST(MaxFlow, CreateReportsMissingMemory) {
   FailingMemory::reset();
   const int64_t blocks = FailingMemory::liveBlocks();

@@ -15,9 +15,10 @@ struct Dots {
   std::vector<int32_t> labels = std::vector<int32_t>(kSide * kSide, 0);
   std::vector<MarkedRegion> regions = {{{9, 9, 9}, kNoMark}};
 
-  Dots() {
+  explicit Dots(size_t count) {
     for (int32_t y = 1; y < kSide; y += 2) {
       for (int32_t x = 1; x < kSide; x += 2) {
+        if (regions.size() > count) return;
         labels[static_cast<size_t>(y * kSide + x)] = static_cast<int32_t>(regions.size());
         regions.push_back({{9, 9, 9}, kNoMark});
       }
@@ -53,7 +54,7 @@ std::vector<uint8_t> sidesOf(const Dots& dots) {
 
 // More than a pin is worth can flow from so many neighbours of the same colour.
 TEST(RegionGraph, CutsAnewWhereNeighboursUseAPinUp) {
-  Dots dots;
+  Dots dots(2500);
   const auto count = static_cast<int32_t>(dots.regions.size());
   RegionGraph graph;
   graph.build(dots.labels.data(), kSide, kSide, count);
@@ -76,6 +77,24 @@ TEST(RegionGraph, CutsAnewWhereNeighboursUseAPinUp) {
   expectFresh("the other way round");
   for (size_t i = 0; i < dots.regions.size(); ++i) dots.regions[i].count = kNoMark;
   expectFresh("no pins");
+}
+
+// A pin holds against these, but not against what they gave in the cut before as well.
+TEST(RegionGraph, MarksThatChangeSidesGiveTheCutOfAFreshGraph) {
+  for (const size_t dotCount : {500, 560, 700, 1060}) {
+    Dots dots(dotCount);
+    RegionGraph graph;
+    graph.build(dots.labels.data(), kSide, kSide, static_cast<int32_t>(dots.regions.size()));
+    ASSERT_TRUE(graph);
+    std::vector<uint8_t> sides(dots.regions.size());
+    for (const int32_t mark : {kBackgroundMark, kForegroundMark, kBackgroundMark}) {
+      const int32_t other = mark == kBackgroundMark ? kForegroundMark : kBackgroundMark;
+      for (MarkedRegion& region : dots.regions) region.count = other;
+      dots.regions[0].count = mark;
+      graph.cut(dots.regions.data(), {foreground, 1}, {background, 1}, sides.data());
+      EXPECT_EQ(sidesOf(dots), sides) << dotCount;
+    }
+  }
 }
 
 }  // namespace

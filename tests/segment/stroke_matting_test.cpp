@@ -131,8 +131,9 @@ Plane modelMask(const MBitmap& image, const std::vector<Marking>& markings) {
 
 std::vector<MPoint> modelOutline(const Plane& mask) {
   std::vector<MPoint> points;
-  for (const std::vector<MPoint>& chain : chainsOf(edgesOf(mask, false).edges)) {
-    if (chain.size() >= 20) points.insert(points.end(), chain.begin(), chain.end());
+  for (const ChainModel& chain : chainsOf(edgesOf(mask, false).edges)) {
+    if (chain.points.size() < 20) continue;
+    points.insert(points.end(), chain.points.begin(), chain.points.end());
   }
   return points;
 }
@@ -166,6 +167,24 @@ TEST(StrokeMatting, EveryCutIsThatOfAFreshGraph) {
       expectOutline(modelOutline(expected), cutting);
     }
   }
+}
+
+// By hand: the object has 30 by 20 pixels, so that 2 * (31 + 21) lie around it, and the way cuts
+// each corner by one, since the regions end there two pixels early.
+TEST(StrokeMatting, OutlinesComeBackToTheirStart) {
+  const Inside inBox = [](int32_t x, int32_t y) { return x >= 25 && x < 55 && y >= 20 && y < 40; };
+  Canvas canvas = paintedCanvas(80, 60, inBox, 0, 1);
+  Cutting cutting(canvas.bitmap());
+  cutting.stroke(0, kOver);
+  cutting.stroke(1, kAround);
+  ASSERT_EQ(0, cutting.process());
+  const std::vector<MPoint> outline = cutting.outline();
+  ASSERT_EQ(100u, outline.size());
+  for (size_t i = 0; i < outline.size(); ++i) {
+    EXPECT_TRUE(neighbours(outline[i], outline[(i + 1) % outline.size()])) << i;
+  }
+  EXPECT_TRUE(same({26, 19}, outline.front()));
+  EXPECT_TRUE(same({27, 19}, outline.back()));
 }
 
 TEST(StrokeMatting, BothFormatsServe) {

@@ -27,7 +27,7 @@ std::string pathOf(std::span<const MPoint> chain) {
             std::to_string(chain[i].y - chain[corner].y);
     corner = i;
   }
-  // Walks go round without stepping on their first pixel again, and may pass it by one.
+  // Walks that come round end beside their first pixel, and some miss it by one.
   if (chain.size() > 2 && near(chain.front(), chain.back(), 2)) path += "z";
   return path;
 }
