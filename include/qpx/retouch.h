@@ -18,7 +18,9 @@ QPX_BEGIN_DECLS
  * then refined at full size, which is what makes large pictures quick. With
  *   sx = (source width - 1) / (guide width - 1), sy = (source height - 1) / (guide height - 1)
  * guide pixel (x, y) stands for the source pixels that are nearest to (x * sx, y * sy), and is best
- * their mean. It should have the shape of source, or be source itself.
+ * their mean. It should have the shape of source, or be source itself. Of the source's size it may
+ * be a picture of the same with less noise: what fills the hole are the source's pixels, noise and
+ * all.
  *
  * mask is QPX_FORMAT_GREY8 of the guide's size. 255 marks what is filled, 0 what is known. Pixels
  * of any other value are kept, but nothing is copied from them: something else that should not
@@ -35,8 +37,14 @@ QPX_BEGIN_DECLS
  *
  * Returns 0; 2 for a null argument or plane, other formats, sizes that differ or are not positive,
  * a pitch too small for a row, or settings out of range; 4 for no memory. A refused call writes
- * nothing. Memory is some 21 bytes for each pixel of the guide and, where that is smaller, 1 for
- * each of the source. Reentrant. */
+ * nothing. Reentrant.
+ *
+ * Memory is some 21 bytes for each pixel of the guide, 1 for each of the source, and the equations
+ * of a patch's blend. These take 4 * side^2 * (side + 1) bytes, where side is that of a patch in
+ * pixels of the source, about (2 * radius + 1) * max(sx, sy): 40 KB for a radius of 10 and a guide
+ * of the source's size, 37 MB where the guide is 10 times smaller, 2.4 GB where it is 40 times
+ * smaller, which ends in 4 or takes very long: the time of each patch grows with side^4. Keep side
+ * below some 200 by a larger guide or a smaller radius. */
 QPX_API int32_t ReTouch(const MBitmap* source, const MBitmap* guide, const MBitmap* mask,
                         const float* settings, MBitmap* destination);
 

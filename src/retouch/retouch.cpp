@@ -114,8 +114,6 @@ class PatchFill {
     }
   }
 
-  std::span<const MPoint> filled() const { return blend_.filled(); }
-
  private:
   static int64_t squareOf(int64_t side) { return side * side; }
 
@@ -140,8 +138,8 @@ class PatchFill {
   void fill(const MRect& patch, MPoint offset) {
     const float confidence = front_.patchConfidence(patch);
     blend_.fill(guide_, patch, offset);
-    for (const MPoint& pixel : filled()) guide_.state(pixel.x, pixel.y) = kKnown;
-    for (const MPoint& pixel : filled()) front_.filled(pixel, confidence);
+    for (const MPoint& pixel : blend_.filled()) guide_.state(pixel.x, pixel.y) = kKnown;
+    for (const MPoint& pixel : blend_.filled()) front_.filled(pixel, confidence);
   }
 
   const Level& guide_;
@@ -171,17 +169,21 @@ int32_t fillWithoutPatches(const Job& job, const Level& full) {
   return QPX_OK;
 }
 
-// Guide and picture are of one size: what is filled in the guide is stored as it is.
+// Guide and picture are of one size, but not always of the same pixels: the guide may have lost its
+// noise. What comes into the picture are pixels of its own.
 int32_t runAtOneSize(const Job& job, const Guide& guide, PatchFill& patches) {
-  const Level full = packedLevel(job.destination, guide.level().mask);
+  const int64_t pixels = int64_t{job.source.width} * job.source.height;
+  const int32_t side = 2 * job.settings.radius + 1;
+  const Buffer<uint8_t> mask(pixels);
+  PatchBlend blend(side, side);
+  if (!mask || !blend) return QPX_NO_MEMORY;
+  std::memcpy(mask.get(), guide.level().mask, static_cast<size_t>(pixels));
+  const Level full = packedLevel(job.destination, mask.get());
   if (!patches.findSources()) return fillWithoutPatches(job, full);
   copyPixels(job.source, job.destination);
-  patches.run([&](const MRect&, MPoint) {
-    for (const MPoint& at : patches.filled()) {
-      const uint8_t* const from = guide.level().pixel(at.x, at.y);
-      uint8_t* const to = full.pixel(at.x, at.y);
-      for (ptrdiff_t c = 0; c < 3; ++c) to[c] = from[guide.level().channelStep * c];
-    }
+  patches.run([&](const MRect& patch, MPoint offset) {
+    blend.fill(full, patch, offset);
+    for (const MPoint& pixel : blend.filled()) full.state(pixel.x, pixel.y) = kFromFill;
   });
   return QPX_OK;
 }

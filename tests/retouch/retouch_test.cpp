@@ -228,18 +228,111 @@ TEST(ReTouch, WithoutPatchesTheHoleTakesTheColoursAround) {
   }
 }
 
+// Nothing but one colour is known, and it fills the hole wherever it is known at all. Only a guide
+// of 5 x 3 has a whole patch, and so colours of its own to give where the picture is all hole.
 TEST(ReTouch, SmallestPictures) {
+  constexpr Color kColor = {50, 60, 70}, kGone = {255, 255, 255};
   for (const int32_t width : {1, 2, 3}) {
     for (const int32_t height : {1, 2, 3}) {
       for (const int32_t guideWidth : {1, 2, 5}) {
         for (const int32_t guideHeight : {1, 3}) {
           Call call(QPX_FORMAT_BGRA32, width, height, guideWidth, guideHeight);
-          call.mask.bitmap().plane[0][0] = 255;
-          EXPECT_EQ(0, call.run(1, 0.5f));
+          markHole(call.mask, {0, 0, 1, 1});
+          const auto inFirstCell = [](int32_t pixel, int32_t size, int32_t cells) {
+            return cells == 1 || size == 1 || pixel * (cells - 1) * 2 < size - 1;
+          };
+          int32_t known = 0;
+          paint(call.source, [&](int32_t x, int32_t y) {
+            const bool hole =
+                inFirstCell(x, width, guideWidth) && inFirstCell(y, height, guideHeight);
+            known += !hole;
+            return hole ? kGone : kColor;
+          });
+          paint(call.guide, [&](int32_t x, int32_t y) { return x + y == 0 ? kGone : kColor; });
+          ASSERT_EQ(0, call.run(1, 0.5f));
+          const bool filled = known > 0 || (guideWidth == 5 && guideHeight == 3);
+          const Color expected = filled ? kColor : kGone;
+          for (int32_t y = 0; y < height; ++y) {
+            for (int32_t x = 0; x < width; ++x) {
+              const Rgba now = call.out.rgb(x, y);
+              EXPECT_TRUE(
+                  now == (Rgba{expected[2], expected[1], expected[0], static_cast<uint8_t>(x + y)}))
+                  << width << " x " << height << ", guide " << guideWidth << " x " << guideHeight
+                  << ": " << x << ", " << y;
+            }
+          }
         }
       }
     }
   }
+}
+
+// Pairs of neighbours in a row of the area that are as far apart as stripes are.
+int32_t stripesIn(const Picture& picture, const MRect& area) {
+  int32_t stripes = 0;
+  for (int32_t y = area.top; y < area.bottom; ++y) {
+    for (int32_t x = area.left + 1; x < area.right; ++x) {
+      stripes += std::abs(picture.rgb(x, y).g - picture.rgb(x - 1, y).g) > 60;
+    }
+  }
+  return stripes;
+}
+
+Color stripe(int32_t x) { return x % 4 < 2 ? Color{60, 60, 60} : Color{180, 180, 180}; }
+
+TEST(ReTouch, AGuideOfTheSameSizeDoesNotLendItsPixels) {
+  for (const uint32_t format : kFormats) {
+    Call call(format, 48, 40, 48, 40);
+    constexpr MRect kHole = {18, 14, 32, 28};
+    paint(call.source, [&](int32_t x, int32_t y) {
+      const bool inside = x >= kHole.left && x < kHole.right && y >= kHole.top && y < kHole.bottom;
+      return inside ? Color{255, 0, 255} : stripe(x);
+    });
+    paint(call.guide, [](int32_t, int32_t) { return Color{120, 120, 120}; });
+    markHole(call.mask, kHole);
+    ASSERT_EQ(0, call.run(2, 0.5f));
+    // The stripes of 14 rows change 6 or 7 times each.
+    EXPECT_GT(stripesIn(call.out, kHole), 14 * 4);
+  }
+}
+
+// Tiles of one pattern in the guide, and of another in the picture. Whole tiles lie between a hole
+// and what fits it, so that the picture's pattern goes on to the last bit.
+TEST(ReTouch, TheGuideOnlyTellsWhatFits) {
+  Random random(8);
+  std::vector<Color> patterns(2 * 7 * 5);
+  for (Color& color : patterns) color = {random.byte(), random.byte(), random.byte()};
+  const auto tile = [&](int32_t x, int32_t y) {
+    return patterns[static_cast<size_t>(y % 5 * 7 + x % 7)];
+  };
+  const auto otherTile = [&](int32_t x, int32_t y) {
+    return patterns[static_cast<size_t>(35 + y % 5 * 7 + x % 7)];
+  };
+  constexpr MRect kHole = {20, 15, 35, 27};
+  Call call(QPX_FORMAT_RGB24, 60, 44, 60, 44);
+  paint(call.guide, tile);
+  paint(call.source, [&](int32_t x, int32_t y) {
+    const bool inside = x >= kHole.left && x < kHole.right && y >= kHole.top && y < kHole.bottom;
+    return inside ? Color{255, 0, 255} : otherTile(x, y);
+  });
+  markHole(call.mask, kHole);
+  ASSERT_EQ(0, call.run(3, 0.5f));
+  EXPECT_EQ(0, meanError(call.out, otherTile, {0, 0, 60, 44}));
+}
+
+// In a flat guide all patches fit, and the first of the first window is taken: up and to the left
+// of the last one, until the corner of the picture is reached. Only there the picture has stripes;
+// they are out of reach from the hole itself.
+TEST(ReTouch, TheSearchStartsAtTheLastMatch) {
+  Call call(QPX_FORMAT_BGR24, 64, 64, 64, 64);
+  constexpr MRect kHole = {32, 32, 56, 56};
+  paint(call.source, [](int32_t x, int32_t y) {
+    return x < 12 && y < 12 ? stripe(x) : Color{120, 120, 120};
+  });
+  paint(call.guide, [](int32_t, int32_t) { return Color{120, 120, 120}; });
+  markHole(call.mask, kHole);
+  ASSERT_EQ(0, call.run(2, 0.5f));
+  EXPECT_GT(stripesIn(call.out, kHole), 50);
 }
 
 // Red is known and stays, but no patch of it comes into the hole.
