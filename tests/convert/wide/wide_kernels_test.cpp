@@ -180,6 +180,11 @@ TEST(WideKernels, UnitStepsByTheirFormulas) {
       }
       ASSERT_EQ(QPX_OK, conversion.run());
       EXPECT_TRUE(expected.sameBytes(*conversion.dst()));
+
+      Conversion chained(c.from, size, c.to, size, blocksOf4());
+      ASSERT_EQ(QPX_OK, chained.built());
+      ASSERT_EQ(QPX_OK, chained.run(ANY_ANY_Bilinear_No_Table));
+      EXPECT_TRUE(expected.sameBytes(*chained.dst())) << "not the first of the chain";
     }
   }
 }
