@@ -118,8 +118,24 @@ step_armhf() {
   run_tests armhf
 }
 
+# One fuzzer, with its output in a log of its own.
+run_fuzzer() {
+  local fuzzer=$1 name=${1##*/fuzz_} corpora
+  corpora=("build/fuzz/corpus/$name")
+  mkdir -p "${corpora[0]}"
+  if [[ -d fuzz/seeds/$name ]]; then
+    corpora+=("fuzz/seeds/$name")
+  fi
+  "$fuzzer" -seed=1 -runs=20000 -len_control=0 -max_total_time=40 -timeout=30 -rss_limit_mb=4096 \
+    -artifact_prefix="build/fuzz/$name-" "${corpora[@]}" >"build/logs/fuzz-$name.log" 2>&1 || {
+    echo "$fuzzer failed:"
+    tail -n 40 "build/logs/fuzz-$name.log"
+    return 1
+  }
+}
+
 step_fuzz() {
-  local fuzzers fuzzer name corpora
+  local fuzzers
   build fuzz
   # A request that cannot be served must come back to the library as on a device.
   export ASAN_OPTIONS=allocator_may_return_null=1
@@ -128,18 +144,10 @@ step_fuzz() {
     echo "no fuzzers were built"
     return 1
   fi
-  for fuzzer in "${fuzzers[@]}"; do
-    name=${fuzzer##*/fuzz_}
-    corpora=("build/fuzz/corpus/$name")
-    mkdir -p "${corpora[0]}"
-    if [[ -d fuzz/seeds/$name ]]; then
-      corpora+=("fuzz/seeds/$name")
-    fi
-    echo "$fuzzer"
-    "$fuzzer" -seed=1 -runs=20000 -len_control=0 -max_total_time=40 -timeout=30 -rss_limit_mb=4096 \
-      -artifact_prefix="build/fuzz/$name-" "${corpora[@]}"
-    passed 1
-  done
+  export -f run_fuzzer
+  # shellcheck disable=SC2016 # expands in the shell that is started
+  printf '%s\0' "${fuzzers[@]}" | xargs -0 -P "$jobs" -I '{}' bash -c 'run_fuzzer "$1"' - '{}'
+  passed "${#fuzzers[@]}"
 }
 
 step_tidy() {

@@ -5,7 +5,8 @@
  * those who cut pictures up themselves.
  *
  * All frames only read the record and its tables: any number of threads may convert different
- * rectangles by one record. They allocate nothing. */
+ * rectangles by one record. They allocate nothing, but for bilinear kernels of PUZUMPE_ALL
+ * (convert_wide.h). */
 #ifndef QPX_CONVERT_H_
 #define QPX_CONVERT_H_
 

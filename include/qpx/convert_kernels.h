@@ -44,9 +44,10 @@ QPX_BEGIN_DECLS
       const uint8_t *const *srcPlanes, const ConvRecord *record
 
 /* The arguments of a kernel: `firstSy` is the source row, 16.16, one step before that of the
- * rectangle's first row; steps are 16.16 source pixels a destination pixel; the shifts are the
- * subsampling of chroma less one, of the YUV side, which the record holds as well. Null arguments,
- * rectangles outside the destination and missing planes leave everything as it is. */
+ * rectangle's first row; steps are 16.16 source pixels a destination pixel, those of
+ * the record; the shifts are the subsampling of chroma less one, of the YUV side, which the record
+ * holds as well. Null arguments, other steps, rectangles outside the destination and missing planes
+ * leave everything as it is. */
 #define QPX_CONVERT_KERNEL_ARGUMENTS                                                     \
   const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes,         \
       const int32_t *srcPitch, const int32_t *dstPitch, int32_t firstSy, uint32_t stepX, \

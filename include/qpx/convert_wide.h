@@ -22,7 +22,8 @@ QPX_BEGIN_DECLS
 /* The frame. Returns 0 when a kernel below converted; 2 for a null argument; 3 when it declines: it
  * wants blocks of 4x4 (block mode 3) without orientation (or with orient 3 for bilinear NV21 to
  * 32-bit BGR), BT.601 full range on every side that is YUV, no adjustments, no dither, a rectangle
- * of whole blocks that lies in the source's limits, and memory for the bilinear kernels. */
+ * of whole blocks that lies in the destination and whose source lies in the limits, and all planes.
+ */
 QPX_API int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* srcPitch,
                             uint8_t* const* dstPlanes, const uint8_t* const* srcPlanes,
                             const ConvRecord* record);

@@ -77,7 +77,8 @@ int32_t process(const PostProcessContext& context, const Planes& planes, const M
 // Bytes from the first sample of a row to the one of a pixel; pixels may be parts of a byte.
 ptrdiff_t columnBytes(const ConvRecord& record, int32_t plane, int32_t column) {
   const ConvPlanes& format = record.srcPlane;
-  if (format.bitsPerPixel < 8) return ptrdiff_t{column} / (8 / ptrdiff_t{format.bitsPerPixel});
+  if (format.bitsPerPixel < 8)
+    return ptrdiff_t{column} / (8 / static_cast<ptrdiff_t>(format.bitsPerPixel));
   const int32_t subsampling = format.count > 1 ? record.srcSubX[plane] : 1;
   return ptrdiff_t{format.step[plane]} * (column / subsampling);
 }

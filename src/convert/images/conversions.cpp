@@ -80,6 +80,7 @@ struct YuvMove {
   }
 
   void moveLuma() const {
+    if (src.plane[0] == dst.plane[0]) return;
     const ptrdiff_t pixels = ptrdiff_t{2} * pairs();
     if (isOneRow(src, 0, pixels) && isOneRow(dst, 0, pixels)) {
       return rows.moveLuma(src.plane[0], 1, dst.plane[0], 1, pixels * height());

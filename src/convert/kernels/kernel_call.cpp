@@ -43,7 +43,8 @@ Steps stepsOf(const ConvRecord& record, const MRect& rect) {
 void runKernel(const Member& member, const Pictures& pictures, const Steps& steps,
                const ConvRecord* record) {
   if (!isComplete(pictures, record) || !takes(member, *record) ||
-      !isInDestination(*pictures.rect, *record)) {
+      !isInDestination(*pictures.rect, *record) || steps.stepX != record->stepX ||
+      steps.stepY != record->stepY) {
     return;
   }
   convert(callOf(pictures, steps, *record), member.dither);

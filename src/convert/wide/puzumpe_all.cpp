@@ -2,7 +2,10 @@
 
 #include <qpx/convert_wide.h>
 
+#include <algorithm>
+
 #include "convert/format_decoder.h"
+#include "convert/kernels/kernel_call.h"
 #include "convert/wide/wide_call.h"
 
 namespace qpx::convert::wide {
@@ -104,13 +107,26 @@ Kernel resampled(const ConvRecord& record) {
   return to == kNv21 ? PUZUMPE_BGR32toNV21_Fast_BilNear : nullptr;
 }
 
+bool hasAll(const void* const* planes, uint32_t count) {
+  return std::all_of(planes, planes + count, [](const void* plane) { return plane != nullptr; });
+}
+
+bool hasPlanes(const WideCall& call) {
+  const ConvRecord& record = *call.record;
+  return hasAll(reinterpret_cast<const void* const*>(call.srcPlanes), record.srcPlane.count) &&
+         hasAll(reinterpret_cast<const void* const*>(call.dstPlanes), record.dstPlane.count);
+}
+
 bool turnsNv21(const ConvRecord& record) {
   return record.params.orient == kTurned90 && record.bilinearY != 0 && record.src.klass == kNv21 &&
          record.dst.klass == kRgb && record.dst.colour == 32 && isBgr(record);
 }
 
 Kernel kernelFor(const MRect& rect, const ConvRecord& record) {
-  if (record.blockMode != kBlocksOf4 || !isPlain(record) || !hasWholeBlocks(rect)) return nullptr;
+  if (record.blockMode != kBlocksOf4 || !isPlain(record) || !hasWholeBlocks(rect) ||
+      !fast::isInDestination(rect, record)) {
+    return nullptr;
+  }
   if (turnsNv21(record)) return PUZUMPE_NV21toBGR32_Fast_BilNear_R90;
   if (record.params.orient != 0) return nullptr;
   if (record.bilinearY != 0) return resampled(record);
@@ -125,11 +141,10 @@ int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* s
                     uint8_t* const* dstPlanes, const uint8_t* const* srcPlanes,
                     const ConvRecord* record) {
   using namespace qpx::convert::wide;
-  if (!WideCall{rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record}.isComplete()) {
-    return QPX_BAD_PARAM;
-  }
+  const WideCall call = {rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record};
+  if (!call.isComplete()) return QPX_BAD_PARAM;
   const Kernel kernel = kernelFor(*rect, *record);
-  if (kernel == nullptr) return QPX_UNSUPPORTED;
+  if (kernel == nullptr || !hasPlanes(call)) return QPX_UNSUPPORTED;
   kernel(rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record);
   return QPX_OK;
 }

@@ -407,6 +407,26 @@ TEST(WideKernels, WhatTheFrameDeclines) {
   expectDeclined(kNv21, kSize, kBgra32, kSize, params);
 }
 
+// What leaves the destination, and what has no plane to go to, is refused by the whole chain.
+TEST(WideKernels, NothingIsWrittenOutsideThePictures) {
+  Conversion conversion(kNv21, {64, 36}, kI420, {24, 20}, blocksOf4(2));
+  ASSERT_EQ(QPX_OK, conversion.built());
+  const ConversionPicture before = *conversion.dst();
+  const auto chain = [&](const MRect& rect, uint8_t* const* dst) {
+    return ANY_ANY_Bilinear_No_Table(&rect, conversion.dst()->pitches(), conversion.src().pitches(),
+                                     dst, conversion.src().planes(), &conversion.record());
+  };
+  EXPECT_EQ(QPX_BAD_PARAM, chain({0, 0, 40, 32}, conversion.dst()->planes()));
+  EXPECT_EQ(QPX_BAD_PARAM, chain({-4, 0, 24, 20}, conversion.dst()->planes()));
+  EXPECT_EQ(QPX_OK, chain({4, 4, 4, 4}, conversion.dst()->planes()));
+  uint8_t* const noChroma[3] = {conversion.dst()->planes()[0], nullptr, nullptr};
+  const MRect whole = {0, 0, 24, 20};
+  EXPECT_EQ(QPX_UNSUPPORTED,
+            PUZUMPE_ALL(&whole, conversion.dst()->pitches(), conversion.src().pitches(), noChroma,
+                        conversion.src().planes(), &conversion.record()));
+  EXPECT_TRUE(before.sameBytes(*conversion.dst()));
+}
+
 TEST(WideKernels, NullArgumentsDoNothing) {
   const MRect rect = {0, 0, 4, 4};
   EXPECT_EQ(QPX_BAD_PARAM, PUZUMPE_ALL(&rect, nullptr, nullptr, nullptr, nullptr, nullptr));
