@@ -71,17 +71,18 @@ HWY_INLINE InkLanes choose(InkMask first, InkMask second, const ClassAmounts& of
                         hn::IfThenElse(second, lanes(of.second), lanes(of.third)));
 }
 
-// One ink's amounts, sorted into what is added, in percent, and the shares that are taken away.
+// One ink's amounts, sorted into what is added, in percent, and what is taken away, as `share` puts
+// a percentage.
 struct InkPlan {
   ClassAmounts addedMost, addedLeast, addedTone, takenMost, takenLeast, takenTone;
   int32_t addedNeutral, takenNeutral;
   bool adds;
 
-  explicit InkPlan(const int32_t* amount) {
+  InkPlan(const int32_t* amount, int32_t (*share)(int32_t)) {
     int32_t added[kColorClasses], taken[kColorClasses];
     for (int i = 0; i < kColorClasses; ++i) {
       added[i] = amount[i] > 0 ? amount[i] : 0;
-      taken[i] = amount[i] < 0 ? percentShare(-amount[i]) : 0;
+      taken[i] = amount[i] < 0 ? share(-amount[i]) : 0;
     }
     addedMost = {added[0], added[2], added[4]};
     addedLeast = {added[3], added[5], added[1]};
@@ -388,7 +389,8 @@ HWY_INLINE Bytes3 byQuarters(const Quarter& quarter) {
 
 // Of any amounts.
 void selectManyInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks& inks) {
-  const InkPlan cyan(inks.amount[0]), magenta(inks.amount[1]), yellow(inks.amount[2]);
+  const InkPlan cyan(inks.amount[0], percentShare), magenta(inks.amount[1], percentShare),
+      yellow(inks.amount[2], percentShare);
   const auto op = [&](const Bytes3& c) HWY_ATTR {
     const Numbers forR(kCapAndScale, c.a), forG(kCapAndScale, c.b), forB(kCapAndScale, c.c);
     return byQuarters([&](auto part) HWY_ATTR {

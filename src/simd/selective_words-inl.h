@@ -203,29 +203,8 @@ class RelativeChanges {
   Halves scale_ = {}, answer_ = {};
 };
 
-// One ink's percents, all of which are bytes, sorted into what is added and what is taken.
-struct BytePlan {
-  ClassAmounts addedMost, addedLeast, addedTone, takenMost, takenLeast, takenTone;
-  int32_t addedNeutral, takenNeutral;
-  bool adds;
-
-  explicit BytePlan(const int32_t* amount) {
-    int32_t added[kColorClasses], taken[kColorClasses];
-    for (int i = 0; i < kColorClasses; ++i) {
-      added[i] = amount[i] > 0 ? amount[i] : 0;
-      taken[i] = amount[i] < 0 ? -amount[i] : 0;
-    }
-    addedMost = {added[0], added[2], added[4]};
-    addedLeast = {added[3], added[5], added[1]};
-    addedTone = {added[6], added[8], 0};
-    addedNeutral = added[7];
-    takenMost = {taken[0], taken[2], taken[4]};
-    takenLeast = {taken[3], taken[5], taken[1]};
-    takenTone = {taken[6], taken[8], 0};
-    takenNeutral = taken[7];
-    adds = addedMost.any() || addedLeast.any() || addedTone.any() || addedNeutral != 0;
-  }
-};
+// Percents are bytes and stay so.
+constexpr int32_t asPercent(int32_t percent) { return percent; }
 
 // The classes of a vector's colours and their weights.
 class ClassBytes {
@@ -256,7 +235,7 @@ class ClassBytes {
     least_ = least;
   }
 
-  HWY_INLINE V8 changed(V8 channel, const BytePlan& plan) const {
+  HWY_INLINE V8 changed(V8 channel, const InkPlan& plan) const {
     RelativeChanges changes(channel);
     if (plan.adds) addInk(changes, plan);
     if (plan.takenMost.any()) {
@@ -282,7 +261,7 @@ class ClassBytes {
   }
 
  private:
-  HWY_INLINE void addInk(RelativeChanges& changes, const BytePlan& plan) const {
+  HWY_INLINE void addInk(RelativeChanges& changes, const InkPlan& plan) const {
     changes.lookUpInk();
     if (plan.addedMost.any()) {
       changes.lose(chooseBytes(redMost_, greenMost_, plan.addedMost), mostWeight_);
@@ -369,7 +348,8 @@ void selectInks(uint8_t* r, uint8_t* g, uint8_t* b, ptrdiff_t count, const Inks&
     selectManyInks(r, g, b, count, inks);
     return;
   }
-  const BytePlan cyan(inks.amount[0]), magenta(inks.amount[1]), yellow(inks.amount[2]);
+  const InkPlan cyan(inks.amount[0], asPercent), magenta(inks.amount[1], asPercent),
+      yellow(inks.amount[2], asPercent);
   const auto op = [&](const Bytes3& c) HWY_ATTR {
     const ClassBytes classes(c);
     return Bytes3{classes.changed(c.a, cyan), classes.changed(c.b, magenta),
