@@ -1,5 +1,5 @@
 // Whole-image conversions beside libyuv and OpenCV, in one thread; then in bands on the pool's
-// threads beside one thread, by the clock on the wall.
+// threads beside one thread and beside two that never sleep, by the clock on the wall.
 //
 // Peers do the same work with arithmetic of their own: full range where they have it, else video
 // range; cv::cvtColor averages chroma. Arguments are those of Google Benchmark; without any,
@@ -8,8 +8,6 @@
 #include <libyuv.h>
 #include <qpx/qpx.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -19,6 +17,7 @@
 #include <vector>
 
 #include "bench_report.h"
+#include "parts_table.h"
 #include "subjects.h"
 
 namespace qpx::bench {
@@ -196,43 +195,47 @@ void addWork(Report& report, const Work& work, const Frame& size) {
   add("mcvColorCvt", [=] { convert(*on); });
 }
 
-double secondsOf(const Body& body) {
-  const auto start = std::chrono::steady_clock::now();
-  body();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
-void printBanded(McvColorCvtContext* context, const Work& work, const Frame& size) {
-  const Pair on(work, size);
-  const uint8_t alpha = 255;
-  std::vector<double> alone, banded;
-  for (int round = 0; round < 41; ++round) {
-    alone.push_back(secondsOf([&] { convert(on); }));
-    banded.push_back(secondsOf([&] {
-      mcvColorCvtProcess_MultiThreads(context, on.src.record(), on.dst.record(), &alpha);
-    }));
+// Half of an image's rows; pairs of rows stay together.
+McvImage halfOf(const McvImage& image, int half) {
+  const int32_t middle = image.height / 4 * 2;
+  McvImage rows = image;
+  rows.height = half == 0 ? middle : image.height - middle;
+  if (half == 0) return rows;
+  for (int p = 0; p < 3; ++p) {
+    if (rows.plane[p] != nullptr) {
+      rows.plane[p] += ptrdiff_t{image.pitch[p]} * (p == 0 ? middle : middle / 2);
+    }
   }
-  const double one = median(alone), many = median(banded);
-  std::printf("  %-26s %-12s %9.3f %9.3f %9.2f\n", work.name, sizeName(size).c_str(), one * 1e3,
-              many * 1e3, one / many);
+  return rows;
+}
+
+InParts banded(McvColorCvtContext* context, const Work& work, const Frame& size) {
+  const auto on = std::make_shared<Pair>(work, size);
+  const auto bands = [=] {
+    const uint8_t alpha = 255;
+    mcvColorCvtProcess_MultiThreads(context, on->src.record(), on->dst.record(), &alpha);
+  };
+  const auto halves = [=](int half) {
+    const McvImage src = halfOf(*on->src.record(), half), dst = halfOf(*on->dst.record(), half);
+    mcvColorCvt(&src, &dst, 255);
+  };
+  return {work.name, sizeName(size), [=] { convert(*on); }, bands, halves};
 }
 
 // Wall time: what several threads are for.
-void printBandedTable() {
+void printPartsTable() {
   McvColorCvtContext* const context = mcvColorCvtInit_MultiThreads(nullptr);
   if (context == nullptr) return;
-  std::printf("\nIn bands, wall time in milliseconds\n  %-26s %-12s %9s %9s %9s\n", "work", "size",
-              "one call", "bands", "times");
-  for (const Work& work : kWorks) {
-    const McvImage src = {work.src, 0, 0, {}, {}}, dst = {work.dst, 0, 0, {}, {}};
-    if (mcvColorCvtFunc(&src, &dst) < 0) continue;
-    for (const Frame& size : {kFull, kPhoto}) printBanded(context, work, size);
+  std::vector<InParts> works;
+  addCopies(&works);
+  for (const Frame& size : {kFull, kPhoto}) {
+    for (const Work& work : kWorks) {
+      const McvImage src = {work.src, 0, 0, {}, {}}, dst = {work.dst, 0, 0, {}, {}};
+      if (mcvColorCvtFunc(&src, &dst) >= 0) works.push_back(banded(context, work, size));
+    }
   }
+  addPooledWorks(&works);
+  printParts(works);
   mcvColorCvtUnInit_MultiThreads(nullptr, context);
 }
 
@@ -247,6 +250,6 @@ int main(int argc, char** argv) {
     }
   }
   const int result = qpx::bench::run(argc, argv, report);
-  if (result == 0) qpx::bench::printBandedTable();
+  if (result == 0) qpx::bench::printPartsTable();
   return result;
 }

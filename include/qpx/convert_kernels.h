@@ -25,12 +25,14 @@
  * block mode that allows it; called by themselves they take any rectangle.
  *
  * All functions are reentrant: records are only read, and a call keeps nothing. Planes and pitches
- * are arrays of three, of which formats with one plane use the first; the planes of the source are
- * those of the picture, the planes of the destination point at the sample of the rectangle's left
- * top pixel, and its pitches are negative in pictures mirrored top-bottom. Rectangles are in the
- * frame of the source, neither turned nor mirrored, and lie in the record's destination. The host
- * owns all pixels. No format, orientation or resampling but those of a name are converted: what the
- * record says beyond that leaves the destination as it is. */
+ * are arrays of three, of which formats with one plane use the first, but for packed YUV as the
+ * destination, which uses all; the planes of the source are those of the picture, the planes of the
+ * destination point at the sample of the rectangle's left top pixel, and its pitches are negative
+ * in pictures mirrored top-bottom. Rectangles are in the frame of the source, neither turned nor
+ * mirrored, and lie in the record's destination. The host owns all pixels. No plane of the source
+ * may overlap one of the destination, in whole or in part: not luma that stays as it is, nor planes
+ * that become chroma pairs in their place. No format, orientation or resampling but those of a name
+ * are converted: what the record says beyond that leaves the destination as it is. */
 #ifndef QPX_CONVERT_KERNELS_H_
 #define QPX_CONVERT_KERNELS_H_
 
@@ -56,7 +58,7 @@ QPX_BEGIN_DECLS
 /* The arguments of kernels that check by themselves whether a conversion is theirs: the record's
  * subsampling of the three planes of both sides, or whether V stands before U in the destination's
  * chroma pairs. They return 0; 3 for what is not theirs, also by block, block mode or a colour
- * table in use; 2 for null arguments. */
+ * table in use; 2 for null arguments or planes. */
 #define QPX_CONVERT_SUBSAMPLED_ARGUMENTS                                         \
   const MRect *rect, const uint8_t *const *srcPlanes, uint8_t *const *dstPlanes, \
       const int32_t *srcPitch, const int32_t *dstPitch, const int32_t *srcSubX,  \
@@ -67,10 +69,10 @@ QPX_BEGIN_DECLS
       const int32_t *srcPitch, const int32_t *dstPitch, int32_t isNV21, const ConvRecord *record
 
 /* Frames. They return 0 when they converted, 3 when no kernel of theirs is for it, 2 for null
- * arguments. In turn: one side in 24-bit RGB; YUV to YUV without a colour table; one side in 16-bit
- * RGB; planar to planar; to YUYV, and to NV21 and NV12 what the second left; YUV or 32-bit RGB to
- * 32-bit RGB; between 32-bit RGB and YUYV, NV21 or NV12 at the same size; one side in 32-bit RGB;
- * grey to grey. */
+ * arguments or planes. In turn: one side in 24-bit RGB; YUV to YUV without a colour table; one side
+ * in 16-bit RGB; planar to planar; to YUYV, and to NV21 and NV12 what the second left; YUV or
+ * 32-bit RGB to 32-bit RGB; between 32-bit RGB and YUYV, NV21 or NV12 at the same size; one side in
+ * 32-bit RGB; grey to grey. */
 QPX_API int32_t ANY_ANY_C_FAST_R8G8B8(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t YUV2YUV_Fast(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t ANY_ANY_C_FAST_R5G6B5(QPX_CONVERT_FRAME_ARGUMENTS);
@@ -389,7 +391,10 @@ QPX_API int32_t YUVtoNVXY_Fast_NORESAMPLE_R0_4x4(QPX_CONVERT_PAIRED_ARGUMENTS);
 
 /* Quick turns of I420 for hosts, which no frame picks. As frames, but for conversions from I420 to
  * the format named (I420 where there is no other) under block mode 3 alone: with _90 for
- * orientation 3, with _270 for 5, Rotate for both, else for 0; Resample nearest. */
+ * orientation 3, with _270 for 5, Rotate for both, else for 0. They resample by name, whatever the
+ * record says of it: Resample nearest, Bilinear between four pixels, NoResample pixel for pixel,
+ * with edges repeated. Bilinear rows are held to the source rectangle, where all other kernels hold
+ * them to the clip rectangle. */
 QPX_API int32_t MCC_I420_Bilinear(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t MCC_I420_Bilinear_90(QPX_CONVERT_FRAME_ARGUMENTS);
 QPX_API int32_t MCC_I420_Bilinear_270(QPX_CONVERT_FRAME_ARGUMENTS);

@@ -5,7 +5,7 @@
  *
  * All have the shape of a frame (convert.h) and are chosen by PUZUMPE_ALL, the first of the chain.
  * A kernel called directly trusts the record: it must be one for which PUZUMPE_ALL chooses it, and
- * the rectangle must consist of whole blocks of 4x4 pixels. A null argument does nothing.
+ * the rectangle must consist of whole blocks of 4x4 pixels. A null argument or plane does nothing.
  *
  * 24 and 32-bit pixels are B, G, R in memory, the fourth byte being the record's alpha; 16-bit
  * pixels are 5-6-5 with red (RGB16) or blue (BGR16) in the highest bits.
@@ -19,11 +19,11 @@
 
 QPX_BEGIN_DECLS
 
-/* The frame. Returns 0 when a kernel below converted; 2 for a null argument; 3 when it declines: it
- * wants blocks of 4x4 (block mode 3) without orientation (or with orient 3 for bilinear NV21 to
- * 32-bit BGR), BT.601 full range on every side that is YUV, no adjustments, no dither, a rectangle
- * of whole blocks that lies in the destination and whose source lies in the limits, and all planes.
- */
+/* The frame. Returns 0 when a kernel below converted; 2 for a null argument or plane; 3 when it
+ * declines: it wants blocks of 4x4 (block mode 3) without orientation (or with orient 3 for
+ * bilinear NV21 to 32-bit BGR), BT.601 full range on every side that is YUV, no adjustments, no
+ * dither, and a rectangle of whole blocks that lies in the destination and whose source lies in the
+ * limits. */
 QPX_API int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* srcPitch,
                             uint8_t* const* dstPlanes, const uint8_t* const* srcPlanes,
                             const ConvRecord* record);

@@ -83,11 +83,12 @@ QPX_API int32_t mcvColorCvtFunc(const McvImage* src, const McvImage* dst);
  * cannot be started or memory is short; in the latter case the pool stays, out of reach. */
 QPX_API McvColorCvtContext* mcvColorCvtInit_MultiThreads(void* memContext);
 
-/* Converts an image in bands, four for each thread; the bytes are those of mcvColorCvt. `param`
- * points to the alpha of formats that get one; null stands for 255. Several threads may share a
- * context, as long as no more than 32 bands are on their way. Returns 0; -1 for a null context or
- * image and -2 for a pair of formats without a number (which is printed to standard output), and
- * what mcvColorCvt returns for images that it refuses; then nothing is written. */
+/* Converts an image in bands, four for each thread; the bytes are those of mcvColorCvt. The calling
+ * thread works on bands as the pool's threads do. `param` points to the alpha of formats that get
+ * one; null stands for 255. Several threads may share a context, as long as no more than 32 bands
+ * are on their way. Returns 0; -1 for a null context or image and -2 for a pair of formats without
+ * a number (which is printed to standard output), and what mcvColorCvt returns for images that it
+ * refuses; then nothing is written. */
 QPX_API int32_t mcvColorCvtProcess_MultiThreads(McvColorCvtContext* context, const McvImage* src,
                                                 const McvImage* dst, const uint8_t* param);
 

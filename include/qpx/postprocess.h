@@ -59,7 +59,9 @@ typedef struct PostProcessOption {
   int32_t srcTop;
   int32_t dstLeft;
   int32_t dstTop;
-  int32_t clipLeft; /* source pixels that edges repeat; all zero: those of the source rectangle */
+  int32_t clipLeft; /* source pixels that edges repeat; all zero: those of the source rectangle. No
+                       limit to what is read: positions are compared with the number of clipTop's
+                       row, so that rows above it are read as they are, where it is not 0. */
   int32_t clipTop;
   int32_t clipRight;
   int32_t clipBottom;

@@ -309,6 +309,12 @@ int32_t buildRecord(const Side& dst, const Side& src, const ConvParams& params,
   return makeTables(record) ? QPX_OK : QPX_NO_MEMORY;
 }
 
+void setUnitSteps(ConvRecord* record) {
+  record->stepX = record->stepY = record->invStepX = record->invStepY = kOne;
+  noteSteps(record);
+  computeValidWindow(record);
+}
+
 void setBlockMode(uint32_t wanted, ConvRecord* record) {
   record->blockMode = wanted;
   chooseBlockMode(record);

@@ -24,6 +24,9 @@ int32_t buildRecord(const Side& dst, const Side& src, const ConvParams& params, 
 
 void freeTables(ConvRecord* record);
 
+// Has pixels correspond one to one, whatever the sizes of both sides.
+void setUnitSteps(ConvRecord* record);
+
 // Settles which block mode a built record works in when `wanted` is asked for.
 void setBlockMode(uint32_t wanted, ConvRecord* record);
 

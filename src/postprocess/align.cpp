@@ -31,8 +31,9 @@ struct Axis {
 
   int64_t extra() const { return bilinear ? 3 : 1; }
 
-  // Frame coordinates that a span of the source comes to: from the first that lies at its low end
-  // or behind it. What the first column makes begins at the edge.
+  // Frame coordinates that a span of the source comes to. Bilinear: from the first whose position
+  // lies at its low end or behind it. Nearest: from the last that lies there or before it, so that
+  // the division is the same as at the far end. What the first column makes begins at the edge.
   Span toDestination(const Span& src) const {
     const int64_t half = bilinear ? step / 2 + 32768 : 0;
     const int64_t low = (src.low - srcOrigin) * 65536, high = (src.high - srcOrigin) * 65536;

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <array>
 
+#include "simd/clamp_byte.h"
 #include "simd/hsv_math.h"
 #include "simd/hue_rows.h"
 #include "simd/tint_math.h"
@@ -9,8 +11,6 @@ namespace plain {
 namespace {
 
 constexpr int32_t kAll = 256;
-
-uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 struct Color {
   int32_t r, g, b;

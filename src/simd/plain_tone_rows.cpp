@@ -1,12 +1,11 @@
 #include <algorithm>
 
+#include "simd/clamp_byte.h"
 #include "simd/tone_rows.h"
 
 namespace qpx::simd {
 namespace plain {
 namespace {
-
-uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 struct Color {
   uint8_t r, g, b;

@@ -1,15 +1,11 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "simd/clamp_byte.h"
 #include "simd/window_rows.h"
 
 namespace qpx::simd {
 namespace plain {
-namespace {
-
-uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
-
-}  // namespace
 
 void weighRows(const uint8_t* const* rows, const int16_t* weights, int32_t radius, uint8_t* dst,
                ptrdiff_t count) {

@@ -1,23 +1,11 @@
 #include <algorithm>
 
+#include "simd/plain_pixels.h"
 #include "simd/yuv_rows.h"
 
 namespace qpx::simd {
 namespace plain {
 namespace {
-
-uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
-
-struct Rgb {
-  int32_t r, g, b;
-};
-
-void storePixel(const Rgb& pixel, PixelOrder order, uint8_t alpha, uint8_t* dst) {
-  dst[0] = clampByte(blueFirst(order) ? pixel.b : pixel.r);
-  dst[1] = clampByte(pixel.g);
-  dst[2] = clampByte(blueFirst(order) ? pixel.r : pixel.b);
-  if (bytesOf(order) == 4) dst[3] = alpha;
-}
 
 Rgb loadPixel(const uint8_t* src, PixelOrder order) {
   return blueFirst(order) ? Rgb{src[2], src[1], src[0]} : Rgb{src[0], src[1], src[2]};

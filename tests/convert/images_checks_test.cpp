@@ -1,6 +1,7 @@
 // The dispatcher, shared planes, and hand-worked colours.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 #include <vector>
@@ -98,6 +99,24 @@ TEST(SharedPlanes, LumaMayBeTheSame) {
         EXPECT_TRUE(
             std::equal(dst.row(plane, y), dst.row(plane, y) + size.rowBytes, apart.row(plane, y)));
       }
+    }
+  }
+}
+
+// One plane of luma is left as it is, also where the two images step through it differently.
+TEST(SharedPlanes, LumaOfTwoPitchesIsNotMoved) {
+  McvPicture src(MCV_NV12, 20, 6, 4);
+  McvPicture dst(MCV_NV21, 20, 6, 5);
+  src.record().pitch[0] += 3;
+  dst.record().plane[0] = src.record().plane[0];
+  dst.record().pitch[0] = src.record().pitch[0] - 2;
+  std::vector<uint8_t> before(src.row(0, 0), src.row(0, 5));
+  ASSERT_EQ(0, mcvColorCvt(src.image(), dst.image(), 0));
+  EXPECT_TRUE(std::equal(before.begin(), before.end(), src.row(0, 0)));
+  for (int32_t y = 0; y < 3; ++y) {
+    for (int32_t x = 0; x < 10; ++x) {
+      ASSERT_EQ(src.row(1, y)[2 * x], dst.row(1, y)[2 * x + 1]);
+      ASSERT_EQ(src.row(1, y)[2 * x + 1], dst.row(1, y)[2 * x]);
     }
   }
 }

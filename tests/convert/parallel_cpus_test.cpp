@@ -3,9 +3,12 @@
 #include <sys/stat.h>
 
 #include <string>
+#include <vector>
 
+#include "convert/images_picture.h"
 #include "convert/parallel/cpus.h"
 #include "convert/parallel/pool.h"
+#include "convert/parallel_failures.h"
 #include "platform/temporary_folder.h"
 
 namespace qpx::testing {
@@ -91,6 +94,50 @@ TEST_F(Cpus, ThatCannotBeReadEndTheAttempt) {
   mcvTryFireCpu(pool_);
   EXPECT_EQ("1\n0\n", read(2));
   EXPECT_EQ(0, pool_->cpuState[0]);
+}
+
+// What was woken before stays so, the rest is not tried.
+TEST_F(Cpus, ThatCannotBeWrittenEndTheAttempt) {
+  write("00010");
+  g_configured = 5;
+  g_online = 1;
+  failWritesFrom(2);
+  mcvTryFireCpu(pool_);
+  EXPECT_EQ((std::vector{path("cpu0"), path("cpu1")}), openedForWriting());
+  failWritesFrom(0);
+  EXPECT_EQ("10\n0\n1\n0\n", read(5));
+  EXPECT_EQ(1, pool_->cpuFired);
+  EXPECT_EQ(0, pool_->cpuState[0]);
+  EXPECT_EQ(1, pool_->cpuState[3]);
+}
+
+TEST_F(Cpus, ThatCannotBeRestoredEndTheAttempt) {
+  write("1010");
+  g_online = 2;
+  mcvTryFireCpu(pool_);
+  write("1111");
+  failWritesFrom(3);
+  mcvTryRestoreCpu(pool_);
+  EXPECT_EQ((std::vector{path("cpu0"), path("cpu1"), path("cpu2")}), openedForWriting());
+  failWritesFrom(0);
+  EXPECT_EQ("101\n1\n", read(4));
+  EXPECT_EQ(0, pool_->cpuFired);
+}
+
+// Once for a context, and never for a conversion.
+TEST_F(Cpus, AreWokenWhenAContextIsStarted) {
+  write("1000");
+  g_online = 1;
+  failWritesFrom(0);
+  McvColorCvtContext* const context = mcvColorCvtInit_MultiThreads(nullptr);
+  ASSERT_NE(nullptr, context);
+  EXPECT_EQ(3u, openedForWriting().size());
+  const McvPicture src(MCV_NV21, 6, 40, 1), dst(MCV_I420, 6, 40, 2);
+  EXPECT_EQ(0, mcvColorCvtProcess_MultiThreads(context, src.image(), dst.image(), nullptr));
+  EXPECT_EQ(3u, openedForWriting().size());
+  EXPECT_EQ(0, mcvColorCvtUnInit_MultiThreads(nullptr, context));
+  EXPECT_EQ(7u, openedForWriting().size());
+  EXPECT_EQ("1000", read(4));
 }
 
 TEST_F(Cpus, OfAnUnknownNumber) {

@@ -212,6 +212,40 @@ TEST_F(Record, CropsTheSourceToFit) {
   expectSrc(5 + 100, 6, 102, 100);
 }
 
+// Turned, 60 x 40 is 40 wide and 60 high: of 300 x 100 the middle 66 columns, at 100 / 60.
+TEST_F(Record, CropsATurnedSource) {
+  params_.fit = 2;
+  for (const uint32_t orient : {1u, 3u, 5u, 7u}) {
+    params_.orient = orient;
+    mustBuild({kBgr, 300, 100}, {kBgr, 60, 40});
+    expectSrc(117, 0, 66, 100);
+    expectDst(0, 0, 60, 40);
+    expectSteps(109226, 109226);
+  }
+  // Of 100 x 300 the middle 150 rows, at 100 / 40.
+  mustBuild({kBgr, 100, 300}, {kBgr, 60, 40});
+  expectSrc(0, 75, 100, 150);
+  expectSteps(163840, 163840);
+}
+
+// As blocks of four; the mode stays, for it still resamples.
+TEST_F(Record, FitsBilinearBlocksOfFour) {
+  params_.interp = 2;
+  params_.blockMode = 4;
+  params_.fit = 1;
+  mustBuild({kI420, 300, 100}, {kI420, 200, 200});
+  expectDst(0, 68, 200, 64);
+  EXPECT_EQ(4u, record_.blockMode);
+  params_.fit = 2;
+  mustBuild({kI420, 302, 100}, {kI420, 200, 200});
+  expectSrc(100, 0, 102, 100);
+  expectSteps(32768, 32768);
+  EXPECT_EQ(4u, record_.blockMode);
+  mustBuild({kI420, 302, 100}, {kI420, 100, 100});
+  EXPECT_EQ(1u, record_.isUnit);
+  EXPECT_EQ(3u, record_.blockMode);
+}
+
 TEST_F(Record, FitsNothingWhereStepsAgree) {
   params_.fit = 3;
   params_.blockMode = 3;

@@ -2,6 +2,7 @@
 #include <qpx/convert.h>
 
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "convert/conversion_model.h"
@@ -259,6 +260,32 @@ TEST(SlowPath, DithersByHand) {
   for (int32_t x = 0; x < 8; ++x) {
     EXPECT_EQ(steps[x], dst[2 * x] & 31) << x;
     EXPECT_EQ(steps[x], dst[2 * x + 1] >> 3) << x;
+  }
+}
+
+// The same eight pixels, four in a row: the second row goes on with what the first left.
+TEST(SlowPath, DithersOverRowEndsByHand) {
+  Conversion c = {0x64001000, QPX_FORMAT_RGB565, 4, 2, 4, 2, {}};
+  c.params.dither = 1;
+  for (const uint32_t orient : {0u, 1u}) {
+    c.params.orient = orient;
+    std::tie(c.dstWidth, c.dstHeight) = orient == 0 ? std::tuple(4, 2) : std::tuple(2, 4);
+    const Converter converter(c);
+    const uint8_t src[8] = {3, 3, 3, 3, 3, 3, 3, 3};
+    constexpr int32_t kSteps[2][4] = {{0, 1, 0, 0}, {1, 0, 1, 0}};
+    for (const ConvFrameFunction frame : {ANY_ANY_C_SLOW, ANY_ANY_Bilinear_No_Table}) {
+      uint8_t dst[16] = {};
+      const int32_t pitch = 2 * c.dstWidth;
+      convert::Planes planes = {{src}, {4}, {dst}, {pitch}};
+      ASSERT_EQ(QPX_OK, convert::convertRect(converter.record, planes, c.rect(), frame));
+      for (int32_t y = 0; y < 2; ++y) {
+        for (int32_t x = 0; x < 4; ++x) {
+          const int32_t at = orient == 0 ? pitch * y + 2 * x : pitch * x + 2 * y;
+          EXPECT_EQ(kSteps[y][x], dst[at] & 31) << x << ", " << y << ", " << orient;
+          EXPECT_EQ(kSteps[y][x], dst[at + 1] >> 3) << x << ", " << y << ", " << orient;
+        }
+      }
+    }
   }
 }
 

@@ -178,6 +178,33 @@ TEST(ColourLut, ByHand) {
   EXPECT_EQ(16, lut[256]);
 }
 
+// Entries beside which the next slope would show, and the last ones.
+TEST(ColourLut, SlopesByHand) {
+  const Built narrow(0x50001811, 0x50000811);
+  const auto* lut = narrow.tables<uint8_t>();
+  EXPECT_EQ(202, lut[218]);        // 16 + 218 * 56066 / 65536 = 202.4999, 56067: 202.503
+  EXPECT_EQ(20, lut[256 + 4]);     // 16 + 4 * 0.875 = 19.5, rounded up
+  EXPECT_EQ(239, lut[256 + 255]);  // 16 + 223.125
+  // The constant is added: what brightness takes off shows the last entry.
+  const Built wide(0x50000811, 0x50001811, adjusted(-100, 0, 0));
+  lut = wide.tables<uint8_t>();
+  EXPECT_EQ(217, lut[255]);        // -100 + 18.703 + 255 * 1.16895 = 216.78
+  EXPECT_EQ(0, lut[69]);           // -0.64
+  EXPECT_EQ(1, lut[70]);           // 0.53
+  EXPECT_EQ(255, lut[256 + 255]);  // -18.286 + 255 * 1.1429 = 273.2
+  EXPECT_EQ(254, lut[256 + 238]);  // 253.72
+  EXPECT_EQ(0, lut[256]);
+  // Twice the contrast about 128: slope 112132, base 1048576 - 7340032.
+  const Built contrast(0x50001811, 0x50000811, adjusted(0, 64, 0));
+  lut = contrast.tables<uint8_t>();
+  EXPECT_EQ(0, lut[56]);    // -0.18
+  EXPECT_EQ(75, lut[100]);  // 75.1
+  EXPECT_EQ(255, lut[255]);
+  const Built flat(0x50001811, 0x50000811, adjusted(0, -128, 0));
+  lut = flat.tables<uint8_t>();
+  for (int32_t i = 0; i < 512; ++i) ASSERT_EQ(128, lut[i]) << i;
+}
+
 TEST(ColourLut, OfOneRangeLeavesBothCodesAtVideo) {
   const Built built(0x50001811, 0x50003811, adjusted(1, 0, 0));
   EXPECT_EQ(0x10001u, built.record.src.colour);

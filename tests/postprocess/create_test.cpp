@@ -114,6 +114,37 @@ TEST(PostProcessCreate, DithersCodesOfSixteenBitsAlone) {
   EXPECT_EQ(0, std::memcmp(&before, &option, sizeof option));
 }
 
+// Whatever is wrong with the arguments comes before memory.
+TEST(PostProcessCreate, RefusesArgumentsBeforeItAsksForMemory) {
+  FailingMemory::reset();
+  FailingMemory::failFrom(1);
+  PostProcessOption split = {}, below = {}, clip = {}, fit = {};
+  split.alignMode = 256;
+  below.srcLeft = -1;
+  clip.clipRight = 4;
+  fit.fitMode = 1;
+  const PostProcessImage good = imageOf(QPX_FORMAT_I420, 64, 64);
+  EXPECT_EQ(QPX_NO_MEMORY, createWith(good, good, split));
+  EXPECT_EQ(2, FailingMemory::allocations() + FailingMemory::failures());
+  FailingMemory::failFrom(1);
+  EXPECT_EQ(QPX_BAD_PARAM, createWith(imageOf(QPX_FORMAT_I420, 0, 64), good, split));
+  EXPECT_EQ(QPX_BAD_PARAM, createWith(good, imageOf(QPX_FORMAT_I420, 64, 0), split));
+  EXPECT_EQ(QPX_BAD_PARAM, createWith(good, good, below));
+  EXPECT_EQ(QPX_BAD_PARAM, createWith(good, good, clip));
+  EXPECT_EQ(QPX_BAD_PARAM,
+            createWith(imageOf(QPX_FORMAT_I420, 1000, 1), imageOf(QPX_FORMAT_BGR24, 10, 10), fit));
+  EXPECT_EQ(QPX_BAD_PARAM,
+            createWith(imageOf(QPX_FORMAT_I420, 70000, 64), imageOf(QPX_FORMAT_BGR24, 1, 64)));
+  EXPECT_EQ(QPX_UNSUPPORTED, createWith(imageOf(0x12345678, 64, 64), good));
+  EXPECT_EQ(QPX_UNSUPPORTED, createWith(good, imageOf(0x70010000, 64, 64)));
+  EXPECT_EQ(QPX_UNSUPPORTED, createWith(good, imageOf(QPX_FORMAT_PALETTE8, 64, 64)));
+  PostProcessImage bare = imageOf(QPX_FORMAT_PALETTE8, 64, 64);
+  bare.palette = nullptr;
+  EXPECT_EQ(QPX_BAD_PARAM, createWith(bare, good));
+  EXPECT_EQ(0, FailingMemory::allocations());
+  FailingMemory::reset();
+}
+
 TEST(PostProcessCreate, SurvivesFailingAllocations) {
   FailingMemory::reset();
   PostProcessOption option = {};

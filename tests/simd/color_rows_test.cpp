@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "simd/row_cases.h"
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
@@ -13,19 +13,13 @@ namespace {
 class ColorRowsTest : public TargetTest {};
 QPX_FOR_EACH_TARGET(ColorRowsTest);
 
-std::vector<uint8_t> noisy(size_t count, uint32_t seed) {
-  std::vector<uint8_t> bytes(count);
-  for (size_t i = 0; i < count; ++i) bytes[i] = noise(static_cast<uint32_t>(i), seed);
-  return bytes;
-}
-
 // Blocks end with their last entry, so that the address sanitizer sees reads behind them.
 TEST_P(ColorRowsTest, NearestIsThePlainOne) {
   for (size_t count = 0; count <= 70; ++count) {
     for (const size_t entries : {size_t{0}, size_t{1}, size_t{5}, size_t{64}}) {
       std::vector<uint8_t> c[3];
-      for (uint32_t k = 0; k < 3; ++k) c[k] = noisy(count, k);
-      std::vector<uint8_t> palette = noisy(3 * entries, 9);
+      for (uint32_t k = 0; k < 3; ++k) c[k] = noisyBytes(static_cast<ptrdiff_t>(count), k);
+      std::vector<uint8_t> palette = noisyBytes(static_cast<ptrdiff_t>(3 * entries), 9);
       if (entries == 5) palette.assign(15, count % 2 == 0 ? 0 : 255);
       std::vector<int32_t> expected(count, 195075), actual(count, 195075);
       const auto run = [&](const ColorRows& rows, std::vector<int32_t>& to) {

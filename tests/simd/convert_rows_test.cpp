@@ -7,17 +7,13 @@
 #include <functional>
 #include <vector>
 
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
 namespace {
 
 constexpr ptrdiff_t kMost = 150;
-
-uint32_t next(uint64_t& state) {
-  state = state * 6364136223846793005u + 1442695040888963407u;
-  return static_cast<uint32_t>(state >> 32);
-}
 
 // Noise with full and empty bytes among it.
 std::vector<uint8_t> noise(size_t size, uint64_t seed) {

@@ -4,19 +4,11 @@
 #include <vector>
 
 #include "simd/convert_rows.h"
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-  std::mt19937 random(seed);
-  Bytes bytes(size);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  return bytes;
-}
 
 // Tables as YuvToRgb says that they are made.
 class Tables {
@@ -79,25 +71,15 @@ std::vector<Tables> tablesOfAllKinds() {
 class ConvertYuvRowsTest : public TargetTest {};
 QPX_FOR_EACH_TARGET(ConvertYuvRowsTest);
 
-template <typename Convert>
-void expectSameForms(ptrdiff_t bytes, const Convert& convert) {
-  const Bytes noise = randomBytes(static_cast<size_t>(bytes) + 1, 5);
-  Bytes plain = noise, vector = noise;
-  convert(plainForm<ConvertRows>(), plain.data());
-  convert(vectorForm<ConvertRows>(), vector.data());
-  ASSERT_EQ(plain, vector);
-  ASSERT_EQ(noise.back(), plain.back());
-}
-
 void expectSamePixels(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables) {
   for (const bool redFirst : {false, true}) {
-    expectSameForms(3 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
+    expectSameForms<ConvertRows>(3 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
       rows.yuvToRgb24(row, pixels, tables, redFirst, dst);
     });
-    expectSameForms(4 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
+    expectSameForms<ConvertRows>(4 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
       rows.yuvToRgb32(row, pixels, tables, redFirst, 99, dst);
     });
-    expectSameForms(2 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
+    expectSameForms<ConvertRows>(2 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
       rows.yuvToRgb16(row, pixels, tables, redFirst, dst);
     });
   }
@@ -129,7 +111,7 @@ TEST_P(ConvertYuvRowsTest, AllPairs) {
                          {noise.data(), low.data(), high.data(), false}};
   for (const Tables& tables : tablesOfAllKinds()) {
     for (const YuvRow& row : rows) {
-      expectSameForms(4 * kCount, [&](const ConvertRows& forms, uint8_t* dst) {
+      expectSameForms<ConvertRows>(4 * kCount, [&](const ConvertRows& forms, uint8_t* dst) {
         forms.yuvToRgb32(row, kCount, tables.tables, false, 255, dst);
       });
     }

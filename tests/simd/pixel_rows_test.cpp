@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "simd/row_cases.h"
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
@@ -16,13 +16,6 @@ class PixelRowsTest : public TargetTest {
   const PixelRows& vectorPixels() const { return vectorForm<PixelRows>(); }
 };
 QPX_FOR_EACH_TARGET(PixelRowsTest);
-
-// Blocks end with their last byte, so that the address sanitizer sees what lies behind.
-std::vector<uint8_t> noisyBytes(ptrdiff_t count, uint32_t seed) {
-  std::vector<uint8_t> bytes(static_cast<size_t>(count));
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = noise(static_cast<uint32_t>(i), seed);
-  return bytes;
-}
 
 struct NamedMove {
   decltype(PixelRows::swapRgb24) PixelRows::*row;

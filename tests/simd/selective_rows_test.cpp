@@ -7,20 +7,12 @@
 #include <vector>
 
 #include "simd/complexion_rows.h"
+#include "simd/row_bytes.h"
 #include "simd/selective_math.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-  std::mt19937 random(seed);
-  Bytes bytes(size);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  return bytes;
-}
 
 constexpr ptrdiff_t kLengths[] = {0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 100};
 

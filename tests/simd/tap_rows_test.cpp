@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
@@ -12,11 +13,6 @@ namespace {
 
 constexpr ptrdiff_t kMost = 131;
 constexpr uint32_t kGuard = 0x5AA55AA5;
-
-uint32_t next(uint64_t& state) {
-  state = state * 6364136223846793005u + 1442695040888963407u;
-  return static_cast<uint32_t>(state >> 32);
-}
 
 // Bytes of all values, with full and empty ones among them: they make the largest steps.
 uint64_t pairOf(uint64_t& state) {

@@ -2,22 +2,11 @@
 // chroma, lengths, shapes of rows and orders of pixels.
 #include "simd/wide_rows.h"
 
-#include <random>
-#include <vector>
-
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-  std::mt19937 random(seed);
-  Bytes bytes(size);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  return bytes;
-}
 
 constexpr FoldedWeights kSix = {90, 11485, 46, 22, 8669, 113, 14516, 6};
 constexpr FoldedWeights kSeven = {179, 22906, 91, 44, 17403, 227, 28968, 7};
@@ -25,17 +14,6 @@ constexpr ptrdiff_t kPairs[] = {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 34,
 
 class WideRowsTest : public TargetTest {};
 QPX_FOR_EACH_TARGET(WideRowsTest);
-
-// Runs `convert` in both forms on buffers of noise one byte longer than it may write.
-template <typename Convert>
-void expectSameForms(ptrdiff_t bytes, const Convert& convert) {
-  const Bytes noise = randomBytes(static_cast<size_t>(bytes) + 1, 5);
-  Bytes plain = noise, vector = noise;
-  convert(plainForm<WideRows>(), plain.data());
-  convert(vectorForm<WideRows>(), vector.data());
-  ASSERT_EQ(plain, vector);
-  ASSERT_EQ(noise.back(), plain.back());
-}
 
 TEST_P(WideRowsTest, ShapesAndOrdersOfEveryLength) {
   const Bytes noise = randomBytes(4096, 1);
@@ -49,18 +27,19 @@ TEST_P(WideRowsTest, ShapesAndOrdersOfEveryLength) {
     for (const YuvSource& src : shapes) {
       for (const PixelOrder order :
            {PixelOrder::rgb24, PixelOrder::bgr24, PixelOrder::rgba32, PixelOrder::bgra32}) {
-        expectSameForms(2 * pairs * bytesOf(order), [&](const WideRows& rows, uint8_t* dst) {
-          rows.toPixelsFolded(src, kSix, order, 99, dst, pairs);
-        });
+        expectSameForms<WideRows>(2 * pairs * bytesOf(order),
+                                  [&](const WideRows& rows, uint8_t* dst) {
+                                    rows.toPixelsFolded(src, kSix, order, 99, dst, pairs);
+                                  });
       }
-      expectSameForms(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
+      expectSameForms<WideRows>(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
         rows.toPixelsFine(src, 99, dst, pairs);
       });
     }
-    expectSameForms(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
+    expectSameForms<WideRows>(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
       rows.toPixelsFullChroma(shapes[0], kSeven, 99, dst, 2 * pairs);
     });
-    expectSameForms(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
+    expectSameForms<WideRows>(8 * pairs, [&](const WideRows& rows, uint8_t* dst) {
       rows.toPixelsFullChroma(shapes[0], kSix, 99, dst, 2 * pairs);
     });
   }
@@ -75,14 +54,14 @@ TEST_P(WideRowsTest, AllChroma) {
   }
   const YuvSource src = {y.data(), u.data(), v.data(), 1, 1};
   for (const FoldedWeights& weights : {kSix, kSeven}) {
-    expectSameForms(4 * 131072, [&](const WideRows& rows, uint8_t* dst) {
+    expectSameForms<WideRows>(4 * 131072, [&](const WideRows& rows, uint8_t* dst) {
       rows.toPixelsFolded(src, weights, PixelOrder::bgra32, 255, dst, 65536);
     });
-    expectSameForms(4 * 65536, [&](const WideRows& rows, uint8_t* dst) {
+    expectSameForms<WideRows>(4 * 65536, [&](const WideRows& rows, uint8_t* dst) {
       rows.toPixelsFullChroma(src, weights, 255, dst, 65536);
     });
   }
-  expectSameForms(4 * 131072, [&](const WideRows& rows, uint8_t* dst) {
+  expectSameForms<WideRows>(4 * 131072, [&](const WideRows& rows, uint8_t* dst) {
     rows.toPixelsFine(src, 255, dst, 65536);
   });
 }

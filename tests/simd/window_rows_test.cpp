@@ -7,19 +7,11 @@
 #include <random>
 #include <vector>
 
+#include "simd/row_bytes.h"
 #include "simd/target_test.h"
 
 namespace qpx::simd {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-  std::mt19937 random(seed);
-  Bytes bytes(size);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  return bytes;
-}
 
 // Weights of a window that add up to 2^15; the outermost take what is left over.
 std::vector<int16_t> weightsOf(int32_t radius, uint32_t seed) {

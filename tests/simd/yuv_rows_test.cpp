@@ -6,6 +6,7 @@
 #include <array>
 #include <vector>
 
+#include "simd/row_bytes.h"
 #include "simd/row_cases.h"
 #include "simd/target_test.h"
 
@@ -99,12 +100,6 @@ class Row {
   std::array<size_t, 3> sizes_ = {};
   std::array<std::vector<uint8_t>, 3> blocks_;
 };
-
-std::vector<uint8_t> noisyBytes(ptrdiff_t count, uint32_t seed) {
-  std::vector<uint8_t> bytes(static_cast<size_t>(count));
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = noise(static_cast<uint32_t>(i), seed);
-  return bytes;
-}
 
 // Every length up to three of the longest vectors, then some that are longer.
 std::vector<ptrdiff_t> lengths() {

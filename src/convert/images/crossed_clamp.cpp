@@ -1,6 +1,7 @@
 // NV21 to RGBA8888 with red and blue clamped crosswise.
 #include "convert/images/conversions.h"
 #include "convert/images/image_layout.h"
+#include "simd/clamp_byte.h"
 
 namespace qpx {
 namespace {
@@ -11,10 +12,6 @@ uint8_t clampCrossed(int32_t value, int32_t other) {
   return static_cast<uint8_t>(value > 255 ? 255 : value);
 }
 
-uint8_t clampByte(int32_t value) {
-  return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
-}
-
 void convertRow(const simd::YuvSource& src, uint8_t alpha, uint8_t* dst, int32_t pairs) {
   for (ptrdiff_t i = 0; i < ptrdiff_t{2} * pairs; ++i, dst += 4) {
     const int32_t y = src.y[i];
@@ -23,7 +20,7 @@ void convertRow(const simd::YuvSource& src, uint8_t alpha, uint8_t* dst, int32_t
     const int32_t red = y + ((45 * v) >> 5);
     const int32_t blue = y + ((57 * u) >> 5);
     dst[0] = clampCrossed(red, blue);
-    dst[1] = clampByte(y - (((24 * v - v) >> 5) + ((11 * u) >> 5)));
+    dst[1] = simd::clampByte(y - (((24 * v - v) >> 5) + ((11 * u) >> 5)));
     dst[2] = clampCrossed(blue, red);
     dst[3] = alpha;
   }

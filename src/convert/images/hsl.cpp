@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "convert/images/conversions.h"
+#include "simd/clamp_byte.h"
 
 namespace qpx {
 namespace {
@@ -24,8 +25,6 @@ constexpr std::array<uint16_t, 256> makeReciprocals() {
 }
 constexpr std::array<uint16_t, 256> kReciprocals = makeReciprocals();
 
-uint8_t clampByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
-
 // The place on the hue circle where the sector begins, and how far the hue is from there.
 struct Sector {
   int32_t base, distance;
@@ -40,7 +39,7 @@ Sector sectorOf(const Rgb& p) {
 uint8_t saturationOf(int32_t delta, int32_t sum, int32_t lightness) {
   const int32_t range = lightness > 127 ? 510 - sum : sum;
   const int32_t reciprocal = kReciprocals[static_cast<size_t>(range)];
-  return clampByte((reciprocal * (delta * 255 + (range >> 1))) >> 16);
+  return simd::clampByte((reciprocal * (delta * 255 + (range >> 1))) >> 16);
 }
 
 void storeHsl(const Rgb& p, uint8_t* dst) {
@@ -55,7 +54,7 @@ void storeHsl(const Rgb& p, uint8_t* dst) {
   const Sector sector = sectorOf(p);
   const int32_t reciprocal = kReciprocals[static_cast<size_t>(delta)];
   const int32_t turn = (reciprocal * ((delta >> 1) + sector.distance * 42)) >> 16;
-  dst[0] = clampByte(sector.base - turn);
+  dst[0] = simd::clampByte(sector.base - turn);
   dst[1] = saturationOf(delta, sum, lightness);
 }
 
@@ -87,9 +86,9 @@ struct Bgr565 {
 // The usual matrix with 14 fractional bits, rounded to nearest.
 Rgb rgbOf(int32_t y, int32_t u, int32_t v) {
   constexpr int32_t kHalf = 1 << 13;
-  return {clampByte(y + ((0x59CB * v + kHalf) >> 14)),
-          clampByte(y + ((-0x2DB2 * v - 0x1604 * u + kHalf) >> 14)),
-          clampByte(y + ((0x7179 * u + kHalf) >> 14))};
+  return {simd::clampByte(y + ((0x59CB * v + kHalf) >> 14)),
+          simd::clampByte(y + ((-0x2DB2 * v - 0x1604 * u + kHalf) >> 14)),
+          simd::clampByte(y + ((0x7179 * u + kHalf) >> 14))};
 }
 
 int32_t check(const uint8_t* src, const uint8_t* dst, int32_t height, int32_t width) {

@@ -24,6 +24,7 @@ struct Call {
   uint32_t stepX;
   uint32_t stepY;
   const ConvRecord* record;
+  bool keepsRowsInSource = false;  // rows are held to the source rectangle, not to the clip
 };
 
 }  // namespace qpx::convert::fast

@@ -23,32 +23,38 @@ uint32_t kindOf(FormatSet from, FormatSet to) {
   return (to & kInRgb) != 0 ? 1 : 0;
 }
 
-void convertDithered(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells,
+bool convertDithered(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells,
                      bool byCells) {
   DitherSink sink;
-  if (!sink.open(call, from, to)) return;
+  if (!sink.open(call, from, to)) return false;
   if (byCells) {
     sink.convertCells(call);
   } else {
     walkRows(call, cells, &sink);
   }
+  return true;
 }
 
-void convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+bool convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
   RgbSink sink;
-  if (!sink.open(call, from, to) || (from == to && sink.copyPixels(Positions(call)))) return;
+  if (!sink.open(call, from, to)) return false;
+  if (from == to && sink.copyPixels(Positions(call))) return true;
   walk(call, cells, runLength(*call.record), &sink);
+  return true;
 }
 
-void convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
+bool convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
   GroupSink sink;
-  if (sink.open(call, from, cells)) walk(call, cells, runLength(*call.record), &sink);
+  if (!sink.open(call, from, cells)) return false;
+  walk(call, cells, runLength(*call.record), &sink);
+  return true;
 }
 
-void convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+bool convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
   PlanarSink sink;
-  if (!sink.open(call, from, to, cells) || sink.copyPlanes(Positions(call))) return;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!sink.open(call, from, to, cells)) return false;
+  if (!sink.copyPlanes(Positions(call))) walk(call, cells, runLength(*call.record), &sink);
+  return true;
 }
 
 bool dithers(const ConvRecord& record, FormatSet from, FormatSet to, Dither dither) {
@@ -63,20 +69,19 @@ bool canConvert(const ConvRecord& record) {
   return from != 0 && to != 0 && record.convKind == kindOf(from, to) && hasTables(record);
 }
 
-void convert(const Call& call, Dither dither) {
+bool convert(const Call& call, Dither dither) {
   const ConvRecord& record = *call.record;
-  if (!canConvert(record)) return;
+  if (!canConvert(record)) return false;
   const FormatSet from = sourceFormat(record), to = destinationFormat(record);
   const CellGrid cells = cellsOf(record, call.rect, record.dst.klass == kYuyv);
   if (dithers(record, from, to, dither)) {
-    convertDithered(call, from, to, cells, dither == Dither::cells);
-  } else if ((to & kInRgb) != 0) {
-    convertToRgb(call, from, to, cells);
-  } else if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {
-    convertToGroups(call, from, cells);
-  } else {
-    convertToPlanes(call, from, to, cells);
+    return convertDithered(call, from, to, cells, dither == Dither::cells);
   }
+  if ((to & kInRgb) != 0) return convertToRgb(call, from, to, cells);
+  if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {
+    return convertToGroups(call, from, cells);
+  }
+  return convertToPlanes(call, from, to, cells);
 }
 
 }  // namespace qpx::convert::fast

@@ -18,9 +18,9 @@ enum class Dither {
   pixels,  // row by row, from RGB as well
 };
 
-// Converts the rectangle. Does nothing if a plane is missing, or if the record's formats or tables
-// do not make up a conversion that is known here.
-void convert(const Call& call, Dither dither = Dither::byRecord);
+// Converts the rectangle. False, with nothing done, if a plane is missing, or if the record's
+// formats or tables do not make up a conversion that is known here.
+bool convert(const Call& call, Dither dither = Dither::byRecord);
 
 // Whether it would.
 bool canConvert(const ConvRecord& record);

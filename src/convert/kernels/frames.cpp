@@ -6,6 +6,7 @@
 
 #include "convert/format_decoder.h"
 #include "convert/kernels/kernel_call.h"
+#include "convert/record.h"
 
 namespace qpx::convert::fast {
 namespace {
@@ -77,23 +78,35 @@ int32_t tryPaired(const Pictures& pictures, const ConvRecord& record) {
   return QPX_UNSUPPORTED;
 }
 
-// Of the family whose only callers are hosts: blocks of 4x4 in one orientation, from I420.
+// Of the family whose only callers are hosts: blocks of 4x4 in one orientation, from I420,
+// resampled by name.
 struct TurnedMember {
   FormatSet to;
   SamplingSet sampling;
   OrientSet orients;
 };
 
+ConvRecord resampledAs(SamplingSet sampling, const ConvRecord& record) {
+  ConvRecord changed = record;
+  if (sampling == kUnit) setUnitSteps(&changed);
+  changed.bilinearY = sampling == kBilinear && changed.isUnit == 0 ? 1 : 0;
+  return changed;
+}
+
 int32_t runTurned(const TurnedMember& member, const Pictures& pictures, const ConvRecord* record) {
   if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
+  const MRect& rect = *pictures.rect;
+  const ConvRecord changed = resampledAs(member.sampling, *record);
   const Member whole = {kInI420,        member.to, Order::any,  member.sampling,
                         member.orients, 1,         Dither::none};
-  if (record->blockMode != 3 || !takes(whole, *record) ||
-      !isInDestination(*pictures.rect, *record)) {
+  if (record->blockMode != 3 || !takes(whole, changed) || !isInDestination(rect, changed)) {
     return QPX_UNSUPPORTED;
   }
-  runKernel(whole, pictures, stepsOf(*record, *pictures.rect), record);
-  return QPX_OK;
+  const Steps steps = stepsOf(changed, rect);
+  const bool done =
+      convert({rect, pictures.srcPlanes, pictures.dstPlanes, pictures.srcPitch, pictures.dstPitch,
+               steps.firstSy, steps.stepX, steps.stepY, &changed, member.sampling == kBilinear});
+  return done ? QPX_OK : QPX_UNSUPPORTED;
 }
 
 }  // namespace
@@ -212,9 +225,9 @@ int32_t convertByRows(QPX_CONVERT_FRAME_ARGUMENTS) {
   if (!fast::isComplete(pictures, record)) return QPX_BAD_PARAM;
   if (!fast::canConvert(*record) || !fast::isInDestination(*rect, *record)) return QPX_UNSUPPORTED;
   const fast::Steps steps = fast::stepsOf(*record, *rect);
-  fast::convert({*rect, srcPlanes, dstPlanes, srcPitch, dstPitch, steps.firstSy, steps.stepX,
-                 steps.stepY, record});
-  return QPX_OK;
+  const bool done = fast::convert({*rect, srcPlanes, dstPlanes, srcPitch, dstPitch, steps.firstSy,
+                                   steps.stepX, steps.stepY, record});
+  return done ? QPX_OK : QPX_UNSUPPORTED;
 }
 
 }  // namespace qpx::convert

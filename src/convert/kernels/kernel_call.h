@@ -16,6 +16,7 @@ struct Pictures {
   const int32_t* dstPitch;
 };
 
+// Whether no argument is null, nor any plane that the record's formats have.
 bool isComplete(const Pictures& pictures, const ConvRecord* record);
 
 // Whether the rectangle, not empty, lies in the destination.
@@ -30,8 +31,9 @@ struct Steps {
 // What the record says of them.
 Steps stepsOf(const ConvRecord& record, const MRect& rect);
 
-// A kernel by its name: writes nothing where the record's conversion is not the name's.
-void runKernel(const Member& member, const Pictures& pictures, const Steps& steps,
+// A kernel by its name: false, with nothing written, where the record's conversion is not the
+// name's.
+bool runKernel(const Member& member, const Pictures& pictures, const Steps& steps,
                const ConvRecord* record);
 
 // The subsampling of both sides' planes, as some kernels are handed it.

@@ -32,20 +32,26 @@ Positions::Positions(const Call& call)
       shiftX_(record_.srcOrgX - record_.dstOrgX),
       shiftY_(record_.srcOrgY - record_.dstOrgY),
       top_(call.rect.top),
+      leastSy_(record_.clipT),
+      firstRow_(record_.clipT),
+      lastRow_(record_.clipB - 1),
       firstSy_(widened(call.firstSy, record_, top_)),
       stepX_(call.stepX),
       stepY_(call.stepY) {
   direct_ = stepX_ == kOne && stepY_ == kOne && isInside(call.rect, record_, shiftX_, shiftY_);
+  if (!call.keepsRowsInSource) return;
+  firstRow_ = record_.srcOrgY;
+  lastRow_ = firstRow_ + static_cast<int32_t>(record_.src.height) - 1;
+  leastSy_ = int64_t{firstRow_} * kOne;
 }
 
-// As sourceRow.
+// As sourceRow, where rows are held to the clip.
 SourcePair Positions::row(int32_t y) const {
   if (direct_) return {y + shiftY_, y + shiftY_, 0};
   const int64_t sy = firstSy_ + int64_t{stepY_} * (int64_t{y} - top_ + 1);
-  if (sy < record_.clipT) return {record_.clipT, record_.clipT, 0};
-  const int32_t last = record_.clipB - 1;
+  if (sy < leastSy_) return {firstRow_, firstRow_, 0};
   const auto row = static_cast<int32_t>(sy >> 16);
-  if (row >= last) return {last, last, 0};
+  if (row >= lastRow_) return {lastRow_, lastRow_, 0};
   const int32_t fraction = bilinear_ ? static_cast<int32_t>(sy & 0xFFFF) : 0;
   return {row, fraction != 0 ? row + 1 : row, fraction};
 }

@@ -34,6 +34,9 @@ class Positions {
   int32_t shiftX_;
   int32_t shiftY_;
   int32_t top_;
+  int64_t leastSy_;  // of positions that are not held to the first row
+  int32_t firstRow_;
+  int32_t lastRow_;
   int64_t firstSy_;
   uint32_t stepX_;
   uint32_t stepY_;

@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <iterator>
 #include <new>
+#include <span>
 
 #include "convert/images/conversions.h"
 #include "convert/images/image_layout.h"
 #include "convert/parallel/pool.h"
+#include "convert/parallel/tasks.h"
 
 namespace qpx {
 namespace {
@@ -139,15 +141,10 @@ void splitRows(int32_t height, int32_t bandCount, McvBand* bands) {
 }
 
 void runBands(const McvColorCvtContext& context, McvTaskFunc convert, McvBand* bands) {
-  int32_t ids[kPlaces];
-  for (int32_t i = 0; i < context.bandCount; ++i) {
-    ids[i] = mcvAddTask(context.engine, convert, &bands[i]);
-    // Other callers' bands may fill the queue.
-    if (ids[i] < 0) convert(&bands[i]);
-  }
-  for (int32_t i = 0; i < context.bandCount; ++i) {
-    if (ids[i] >= 0) mcvWaitTask(context.engine, ids[i]);
-  }
+  McvTask tasks[kPlaces];
+  const auto count = static_cast<size_t>(context.bandCount);
+  for (size_t i = 0; i < count; ++i) tasks[i] = {convert, &bands[i], kPoolFull};
+  runTogether(context.engine, std::span(tasks).first(count));
 }
 
 // A pool that is gone must not be asked about processors.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pthread.h>
+#include <sched.h>
 
 namespace qpx {
 
@@ -13,6 +14,13 @@ class Lock {
   Lock& operator=(const Lock&) = delete;
 
   void wait(pthread_cond_t* condition) { pthread_cond_wait(condition, mutex_); }
+
+  // Lets others have the lock and the processor for a moment.
+  void yield() {
+    pthread_mutex_unlock(mutex_);
+    sched_yield();
+    pthread_mutex_lock(mutex_);
+  }
 
  private:
   pthread_mutex_t* mutex_;

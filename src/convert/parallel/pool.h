@@ -56,14 +56,16 @@ struct McvParallel {
   int32_t cpuFired;                  // mcvTryFireCpu changed something
   int32_t cpuState[qpx::kMostCpus];  // 1 online, 0 offline, when mcvTryFireCpu looked
   int32_t nextId;
+  int32_t idle;  // threads that still look for tasks before they sleep; with queueLock
 };
 
 namespace qpx {
 
-// Hosts of 32 bits know the sizes, which differ only by the system's locks.
+// Hosts of 32 bits know the sizes, which differ only by the system's locks, of all up to `idle`.
 static_assert(sizeof(void*) != 4 || sizeof(McvWorker) == 12);
-static_assert(sizeof(void*) != 4 || sizeof(McvParallel) == 944 + 2 * sizeof(pthread_mutex_t) +
-                                                               2 * sizeof(pthread_cond_t));
+static_assert(sizeof(void*) != 4 || offsetof(McvParallel, idle) == 944 +
+                                                                       2 * sizeof(pthread_mutex_t) +
+                                                                       2 * sizeof(pthread_cond_t));
 
 // Whether a pool is there and nobody stops it. Any pointer may be asked about.
 bool isRunning(McvParallel* engine);

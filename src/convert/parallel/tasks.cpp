@@ -1,7 +1,9 @@
 // Tasks from the queue to the ring of ids that are done.
 #include "convert/parallel/tasks.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <ctime>
 
 #include "convert/parallel/lock.h"
 #include "convert/parallel/pool.h"
@@ -9,14 +11,86 @@
 namespace qpx {
 namespace {
 
+// How long threads look before they sleep. To sleep and be woken again takes about as long, and in
+// a run of conversions the next one follows sooner.
+constexpr int64_t kPatience = 50'000;
+
+int64_t nanoseconds() {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+// With the lock held, as all up to takeTask.
+template <typename Condition>
+bool becomesTrue(Lock* lock, const Condition& condition) {
+  for (const int64_t end = nanoseconds() + kPatience; !condition(); lock->yield()) {
+    if (nanoseconds() >= end) return false;
+  }
+  return true;
+}
+
+int32_t placeOfTask(const McvParallel& engine, int32_t index) {
+  return (engine.taskHead + index) % kPlaces;
+}
+
+bool putTask(McvParallel* engine, McvTask* task) {
+  if (engine->taskCount == kPlaces) return false;
+  task->id = engine->nextId;
+  engine->nextId = task->id == kLastId ? 0 : task->id + 1;
+  engine->tasks[placeOfTask(*engine, engine->taskCount)] = *task;
+  ++engine->taskCount;
+  return true;
+}
+
+// False if a thread has taken it.
+bool takeBack(McvParallel* engine, int32_t id) {
+  int32_t index = 0;
+  while (index < engine->taskCount && engine->tasks[placeOfTask(*engine, index)].id != id) ++index;
+  if (index == engine->taskCount) return false;
+  --engine->taskCount;
+  for (; index < engine->taskCount; ++index) {
+    engine->tasks[placeOfTask(*engine, index)] = engine->tasks[placeOfTask(*engine, index + 1)];
+  }
+  return true;
+}
+
+void awaitTask(McvParallel* engine, Lock* lock) {
+  const auto isNeeded = [engine] { return engine->taskCount != 0 || engine->quit != 0; };
+  ++engine->idle;
+  becomesTrue(lock, isNeeded);
+  --engine->idle;
+  while (!isNeeded()) lock->wait(&engine->taskReady);
+}
+
 bool takeTask(McvParallel* engine, McvTask* task) {
   Lock lock(&engine->queueLock);
-  while (engine->taskCount == 0 && engine->quit == 0) lock.wait(&engine->taskReady);
+  awaitTask(engine, &lock);
   if (engine->quit != 0) return false;
   *task = engine->tasks[engine->taskHead];
-  engine->taskHead = (engine->taskHead + 1) % kPlaces;
+  engine->taskHead = placeOfTask(*engine, 1);
   --engine->taskCount;
   return true;
+}
+
+// Threads that `tasks` are worth waking for: those that have a processor beside that of the caller.
+// More would only take turns with it.
+int32_t wantedThreads(const McvParallel& engine, int32_t tasks) {
+  const int32_t processors = engine.cpuFired != 0 ? engine.cpuConfigured : engine.cpuOnline;
+  return std::min(tasks, std::max(processors - 1, 1)) - engine.idle;
+}
+
+// How many found a place; the others have no id.
+size_t addAll(McvParallel* engine, std::span<McvTask> tasks) {
+  size_t added = 0;
+  int32_t threads = 0;
+  {
+    const Lock lock(&engine->queueLock);
+    while (added < tasks.size() && putTask(engine, &tasks[added])) ++added;
+    threads = wantedThreads(*engine, static_cast<int32_t>(added));
+  }
+  for (; threads > 0; --threads) pthread_cond_signal(&engine->taskReady);
+  return added;
 }
 
 void append(McvParallel* engine, int32_t id) {
@@ -55,6 +129,12 @@ bool removeDone(McvParallel* engine, int32_t id) {
   return false;
 }
 
+void awaitDone(McvParallel* engine, int32_t id) {
+  Lock lock(&engine->doneLock);
+  if (becomesTrue(&lock, [=] { return removeDone(engine, id); })) return;
+  while (!removeDone(engine, id)) lock.wait(&engine->taskDone);
+}
+
 }  // namespace
 
 void* runTasks(void* worker) {
@@ -67,28 +147,35 @@ void* runTasks(void* worker) {
   return nullptr;
 }
 
+void runTogether(McvParallel* engine, std::span<McvTask> tasks) {
+  const size_t added = addAll(engine, tasks);
+  const auto isMine = [&](size_t index) {
+    if (index >= added) return true;
+    const Lock lock(&engine->queueLock);
+    return takeBack(engine, tasks[index].id);
+  };
+  size_t others = tasks.size();
+  for (; others > 0 && isMine(others - 1); --others) tasks[others - 1].func(tasks[others - 1].arg);
+  for (const McvTask& task : tasks.first(others)) awaitDone(engine, task.id);
+}
+
 }  // namespace qpx
 
 using namespace qpx;
 
 int32_t mcvAddTask(McvParallel* engine, McvTaskFunc func, void* arg) {
   if (engine == nullptr || func == nullptr) return kPoolNull;
-  int32_t id = 0;
+  McvTask task = {func, arg, kPoolFull};
   {
     const Lock lock(&engine->queueLock);
-    if (engine->taskCount == kPlaces) return kPoolFull;
-    id = engine->nextId;
-    engine->nextId = id == kLastId ? 0 : id + 1;
-    engine->tasks[(engine->taskHead + engine->taskCount) % kPlaces] = {func, arg, id};
-    ++engine->taskCount;
+    if (!putTask(engine, &task)) return kPoolFull;
   }
   pthread_cond_broadcast(&engine->taskReady);
-  return id;
+  return task.id;
 }
 
 int32_t mcvWaitTask(McvParallel* engine, int32_t id) {
   if (engine == nullptr) return kPoolNull;
-  Lock lock(&engine->doneLock);
-  while (!removeDone(engine, id)) lock.wait(&engine->taskDone);
+  awaitDone(engine, id);
   return kPoolDone;
 }

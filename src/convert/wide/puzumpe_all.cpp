@@ -2,8 +2,6 @@
 
 #include <qpx/convert_wide.h>
 
-#include <algorithm>
-
 #include "convert/format_decoder.h"
 #include "convert/kernels/kernel_call.h"
 #include "convert/wide/wide_call.h"
@@ -107,16 +105,6 @@ Kernel resampled(const ConvRecord& record) {
   return to == kNv21 ? PUZUMPE_BGR32toNV21_Fast_BilNear : nullptr;
 }
 
-bool hasAll(const void* const* planes, uint32_t count) {
-  return std::all_of(planes, planes + count, [](const void* plane) { return plane != nullptr; });
-}
-
-bool hasPlanes(const WideCall& call) {
-  const ConvRecord& record = *call.record;
-  return hasAll(reinterpret_cast<const void* const*>(call.srcPlanes), record.srcPlane.count) &&
-         hasAll(reinterpret_cast<const void* const*>(call.dstPlanes), record.dstPlane.count);
-}
-
 bool turnsNv21(const ConvRecord& record) {
   return record.params.orient == kTurned90 && record.bilinearY != 0 && record.src.klass == kNv21 &&
          record.dst.klass == kRgb && record.dst.colour == 32 && isBgr(record);
@@ -144,7 +132,7 @@ int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* s
   const WideCall call = {rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record};
   if (!call.isComplete()) return QPX_BAD_PARAM;
   const Kernel kernel = kernelFor(*rect, *record);
-  if (kernel == nullptr || !hasPlanes(call)) return QPX_UNSUPPORTED;
+  if (kernel == nullptr) return QPX_UNSUPPORTED;
   kernel(rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record);
   return QPX_OK;
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "convert/format_decoder.h"
+#include "convert/kernels/kernel_call.h"
 #include "engine/address.h"
 #include "simd/yuv_rows.h"
 
@@ -21,8 +22,7 @@ struct WideCall {
   const ConvRecord* record;
 
   bool isComplete() const {
-    return rect != nullptr && dstPitch != nullptr && srcPitch != nullptr && dstPlanes != nullptr &&
-           srcPlanes != nullptr && record != nullptr;
+    return fast::isComplete({rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
   }
 
   int32_t width() const { return rect->right - rect->left; }

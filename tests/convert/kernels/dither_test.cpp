@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "convert/kernels/kernel_run.h"
 
@@ -113,6 +114,31 @@ TEST(ConvertDither, RowsPassTheirCarriesOn) {
                 wordAt(dst, x, y))
           << x << ", " << y;
     }
+  }
+}
+
+// In whole blocks of four the frame takes the kernel that follows the record, not one that drops
+// it.
+TEST(ConvertDither, TheFrameKeepsItInBlocksOfFour) {
+  for (const auto& [width, height] : {std::pair{kWidth, 8}, {36, 20}, {34, 6}}) {
+    Conversion c = sameSize(QPX_FORMAT_I420 | 0x1000, QPX_FORMAT_RGB565, width, height, 0);
+    c.params.blockMode = 3;
+    const Converter converter(c);
+    const ConversionPicture src(c.from, width, height, 38);
+    ConversionPicture dst(c.to, width, height, 39), chained = dst;
+    const ConvFrameFunction frame = ANY_ANY_C_FAST_R5G6B5, chain = ANY_ANY_Bilinear_No_Table;
+    ASSERT_EQ(QPX_OK, converter.run(src, c.rect(), frame, &dst));
+    ASSERT_EQ(QPX_OK, converter.run(src, c.rect(), chain, &chained));
+    Walk walk;
+    for (int32_t y = 0; y < height; ++y) {
+      for (int32_t x = 0; x < width; ++x) {
+        ASSERT_EQ(walk.fromYuv(converter.record, byteAt(src, 0, x, y), byteAt(src, 1, x / 2, y / 2),
+                               byteAt(src, 2, x / 2, y / 2)),
+                  wordAt(dst, x, y))
+            << x << ", " << y;
+      }
+    }
+    EXPECT_TRUE(dst.sameBytes(chained));
   }
 }
 

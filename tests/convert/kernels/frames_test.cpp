@@ -151,20 +151,5 @@ TEST(ConvertFrames, KernelsBetweenYuvWantNoColourTableAndTheRecordsOwnLayout) {
   EXPECT_EQ(3, Converter(c).run(src, c.rect(), YUVtoNV21Fast_NORESAMPLE_R0_1x1, &dst));
 }
 
-// Block mode, orientation and formats are all that the quick turns look at.
-TEST(ConvertFrames, QuickTurnsWantBlocksOfFour) {
-  Random random(4);
-  for (const uint32_t mode : {1u, 2u, 3u}) {
-    Conversion c = anyConversion(QPX_FORMAT_I420, QPX_FORMAT_NV12, 'n', 3, 4, random);
-    c.params.blockMode = mode;
-    const Converter converter(c);
-    const ConversionPicture src(c.from, c.params.srcX + c.srcWidth, c.params.srcY + c.srcHeight, 5);
-    ConversionPicture dst(c.to, c.params.dstX + c.dstWidth, c.params.dstY + c.dstHeight, 6);
-    EXPECT_EQ(mode == 3 ? 0 : 3, converter.run(src, c.rect(), MCC_I420_NV12_Resample_90, &dst));
-    EXPECT_EQ(3, converter.run(src, c.rect(), MCC_I420_NV12_Resample_270, &dst));
-    EXPECT_EQ(3, converter.run(src, c.rect(), MCC_I420_Bilinear_90, &dst));
-  }
-}
-
 }  // namespace
 }  // namespace qpx::testing
