@@ -7,6 +7,7 @@
 #include "effect_argument.h"
 #include "engine_pass.h"
 #include "image_files.h"
+#include "picture_frame.h"
 #include "pixel_format.h"
 #include "run_tool.h"
 
@@ -134,13 +135,13 @@ TEST_F(ApplyTest, RowsSplitAmongThreadsGiveTheSamePicture) {
     const Image image = randomImage(17, 31, 3, 23);
     std::copy(image.samples.begin(), image.samples.end(), picture.row(0));
     const tool::PixelFormat& pixels = tool::pixelFormatByName(format);
-    tool::Frame in(pixels, 17, 31), one(pixels, 17, 31), many(pixels, 17, 31);
-    toFrame(picture, in);
+    const tool::Frame in = tool::frameOf(picture, pixels, 1);
+    tool::Frame one(pixels, 17, 31), many(pixels, 17, 31);
     one.copyFrom(in);
     many.copyFrom(in);
     tool::Progress progress("", 1);
-    EXPECT_EQ(tool::EnginePass(chain, in, one, 0).run(0, 1, 1, progress), QPX_OK);
-    EXPECT_EQ(tool::EnginePass(chain, in, many, 0).run(3, 4, 1, progress), QPX_OK);
+    EXPECT_EQ(tool::EnginePass(chain, 0).run(in, one, 0, 1, 1, progress), QPX_OK);
+    EXPECT_EQ(tool::EnginePass(chain, 0).run(in, many, 3, 4, 1, progress), QPX_OK);
     EXPECT_TRUE(std::equal(one.data(), one.data() + one.bytes(), many.data())) << format;
     EXPECT_FALSE(std::equal(one.data(), one.data() + one.bytes(), in.data())) << format;
   }

@@ -295,7 +295,8 @@ TEST_F(ConvertTest, BrokenStreamsAreRefused) {
       {"YUV4MPEG2 W2147483647 H2147483647\n", "512 megapixels"},
       {"YUV4MPEG2 W65536 H65536\n", "512 megapixels"},
       {"YUV4MPEG2 W2 H2 C420p10\n", "'C420p10'"},
-      {"YUV4MPEG2 W2 H2 C411\n", "8-bit"},
+      {"YUV4MPEG2 W2 H2 C420p10\n", "8-bit"},
+      {"YUV4MPEG2 W2 H2 C420 C410\n", "8-bit"},
       {"YUV4MPEG2 W2 H2 F25\n", "'F25'"},
       {"YUV4MPEG2 W2 H2 Ix\n", "'Ix'"},
       {"YUV4MPEG2 W2 H2 A1\n", "'A1'"},
@@ -340,7 +341,8 @@ TEST_F(ConvertTest, WrongCallsAreRefused) {
   refused({"a.png", "b.y4m", "--to", "nv21"}, ".y4m stream");
   EXPECT_TRUE(failedWith(convert({"none.png", "b.png"}), 1, "none.png: cannot be read"));
   write("text", "Dear all,\n");
-  EXPECT_TRUE(failedWith(convert({"text", "b.png"}), 1, "text: is neither"));
+  EXPECT_TRUE(
+      failedWith(convert({"text", "b.png"}), 1, "text: is no picture (JPEG, PNG) and no YUV"));
   EXPECT_EQ(files(), "a.png text");
 }
 

@@ -146,6 +146,68 @@ TEST_F(FailureTest, WrongCallsSayWhatWouldBeRight) {
   EXPECT_EQ(files(), "in.png");
 }
 
+TEST_F(FailureTest, UnknownOptionsAreNamedBeforeAnythingElse) {
+  EXPECT_TRUE(failedWith(run({"--foo"}), 2, "unknown option --foo: see 'qpx --help'"));
+  EXPECT_TRUE(failedWith(run({"apply", "--foo"}), 2, "unknown option --foo: see 'qpx apply"));
+  EXPECT_TRUE(failedWith(run({"convert", "in.png", "o.png", "--form", "nv21"}), 2,
+                         "unknown option --form (did you mean --from?)"));
+  EXPECT_TRUE(failedWith(run({"etc", "encode", "in.png", "o.pkm", "--qualty=fast"}), 2,
+                         "(did you mean --quality?): see 'qpx etc encode --help'"));
+}
+
+TEST_F(FailureTest, NumbersAreFiniteAndWholeWhereTheyCount) {
+  const auto refused = [&](std::vector<std::string> call, const std::string& text) {
+    EXPECT_TRUE(failedWith(run(call), 2, text)) << call.back();
+  };
+  for (const char* value : {"nan", "inf", "-inf", "1e400", "", " 1", "1 ", "two"}) {
+    refused({"apply", "Fx1800", "in.png", "o.png", "--strength", value}, "from 0 to 100, not");
+    refused({"etc", "merge", "a.pkm", "b.pkm", "c.pkm", "--alpha", value}, "from 0 to 1, not");
+    refused({"retouch", "in.png", "o.png", "--mask", "in.png", "--weight", value}, "0 to 1, not");
+    refused({"retouch", "in.png", "o.png", "--mask", "in.png", "--scale", value}, "1 to 64, not");
+  }
+  refused({"sample", "o.png", "--quality", "1.5"}, "a whole number from 1 to 100, not '1.5'");
+  refused({"sample", "o.png", "--seed", "-1"}, "a whole number from 0 to 4294967295, not '-1'");
+  refused({"motion-blur", "in.png", "o.png", "--length", "9999999999999"}, "not '9999999999999'");
+  // A zero in front is no other base.
+  EXPECT_TRUE(succeeded(run({"sample", "a.png", "--size", "64x48", "--seed", "010"})));
+  EXPECT_TRUE(succeeded(run({"sample", "b.png", "--size", "64x48", "--seed", "10"})));
+  EXPECT_TRUE(read("a.png") == read("b.png"));
+}
+
+TEST_F(FailureTest, WhatIsWrongWithASecondFileIsSaidOfThatFile) {
+  for (const std::string command : {"retouch", "motion-blur"}) {
+    const ToolRun missing = run({command, "in.png", "o.png", "--mask", "none.png"});
+    EXPECT_TRUE(failedWith(missing, 1, "qpx: none.png: cannot be read")) << command;
+  }
+}
+
+TEST_F(FailureTest, PlacesThatCannotBeWrittenAreFoundOutBeforeTheWork) {
+  write("mask.png",
+        pngFile(makeImage(20, 20, 1, [](int x, int, int) { return x == 9 ? 255 : 0; })));
+  const std::vector<std::vector<std::string>> calls = {
+      {"retouch", "in.png", "no/o.png", "--mask", "mask.png"},
+      {"sheet", "in.png", "no/o.png", "--effects", "Sepia"},
+      {"cutout", "in.png", "no/o.png", "-f", "2,2 9,9", "-b", "15,2 15,15"},
+      {"cutout", "in.png", "o.png", "-f", "2,2", "-b", "15,2", "--mask", "no/m.png"},
+      {"cutout", "in.png", "o.png", "-f", "2,2", "-b", "15,2", "--outline", "no/o.svg"}};
+  for (const auto& call : calls) {
+    EXPECT_TRUE(failedWith(run(call), 1, "cannot be written")) << call.front();
+    EXPECT_EQ(files(), "in.png mask.png") << call.back();
+  }
+}
+
+TEST_F(FailureTest, NamesSayWhatIsInTheFile) {
+  write("a.pkm", "PKM 10 and more");
+  write("a.y4m", "YUV4MPEG2 W2 H2\n");
+  EXPECT_TRUE(failedWith(run({"etc", "encode", "in.png", "o.png"}), 2, "name it .pkm"));
+  EXPECT_TRUE(failedWith(run({"etc", "crop", "a.pkm", "o.jpg", "--rect", "0,0,4,4"}), 2, ".pkm"));
+  EXPECT_TRUE(failedWith(run({"cutout", "in.png", "o.bmp", "-f", "2,2", "-b", "9,9"}), 2, ".png"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "a.pkm", "o.png"}), 1, "'qpx etc decode'"));
+  EXPECT_TRUE(failedWith(run({"rotate", "a.y4m", "o.png", "--degrees", "5"}), 1, "'qpx convert'"));
+  EXPECT_TRUE(failedWith(apply({"Fx1800", "in.png", "o.y4m"}), 1, "'qpx convert' makes one"));
+  EXPECT_TRUE(failedWith(run({"convert", "in.png", "o.bmp"}), 2, "--to must say"));
+}
+
 TEST_F(FailureTest, WrongCallsWithAFolder) {
   EXPECT_TRUE(
       failedWith(apply({"Fx1800", "--out-dir", "d"}), 2, "at least one effect and one input"));

@@ -2,10 +2,14 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "errors.h"
+#include "frame_source.h"
 #include "image_files.h"
+#include "input_file.h"
 #include "run_tool.h"
 
 namespace qpx::test {
@@ -79,6 +83,55 @@ TEST_F(FramePipeTest, MixedEffectsGoByWayOfRgb) {
   ASSERT_EQ(none.out.size(), 48u);
   EXPECT_NEAR(static_cast<uint8_t>(none.out[5]), 0x60, 1);
   EXPECT_NEAR(static_cast<uint8_t>(none.out[40]), 0x80, 1);
+}
+
+TEST_F(FramePipeTest, ThreadsChangeNeitherFramesNorTheirOrder) {
+  std::string frames;
+  for (int i = 0; i < 40 * 24; ++i) frames += static_cast<char>(i * 7 + i / 24);
+  const auto gothic = [&](const std::string& threads) {
+    return run({"apply", "Gothic", "-", "-", "--from", "nv21", "--in-size", "4x4", "--threads",
+                threads},
+               frames)
+        .out;
+  };
+  const std::string one = gothic("1");
+  EXPECT_EQ(one.size(), frames.size());
+  EXPECT_EQ(gothic("3"), one);
+  EXPECT_EQ(gothic("64"), one);
+}
+
+// A frame must not wait for the next one: a camera sends them when it has them.
+TEST_F(FramePipeTest, EachFrameIsWrittenAsSoonAsItIsDone) {
+  for (const std::string threads : {"1", "3"}) {
+    const std::string out = shell(
+        "mkfifo in out; $QPX apply Fx1800 in - --from grey --in-size 2x1 --threads " + threads +
+        " > out & exec 3<>in; exec 4<out; printf ab >&3; head -c 2 <&4 >a; printf cd >&3; "
+        "head -c 2 <&4 >b; exec 3>&-; wait; cat a b; rm in out a b");
+    EXPECT_EQ(out, negative("abcd")) << threads;
+  }
+}
+
+TEST_F(FramePipeTest, NoFrameIsMadeOfWhatAHeaderClaims) {
+  write("in.y4m", "YUV4MPEG2 W20000 H20000 C444\nFRAME\n" + std::string(70, 'x'));
+  tool::InputFile file(path("in.y4m"));
+  tool::FrameSource source(file, tool::Range::bt601, false);
+  EXPECT_EQ(source.frames(), 0);
+  std::optional<tool::Frame> frame;
+  EXPECT_THROW(source.next(frame), tool::RunError);
+  EXPECT_FALSE(frame);
+}
+
+TEST_F(FramePipeTest, LargeFirstFramesComeInPieces) {
+  std::string frames;
+  for (int i = 0; i < 2 * 1300 * 900 * 3; ++i) frames += static_cast<char>(i * 31 + (i >> 12));
+  write("in.raw", frames);
+  tool::InputFile file(path("in.raw"));
+  tool::FrameSource source(file, {&tool::pixelFormatByName("rgb24"), 1300, 900});
+  EXPECT_EQ(source.frames(), 2);
+  std::optional<tool::Frame> frame;
+  std::string read;
+  while (source.next(frame)) read.append(frame->data(), frame->data() + frame->bytes());
+  EXPECT_TRUE(read == frames);
 }
 
 TEST_F(FramePipeTest, CutStreamsKeepTheirWholeFrames) {

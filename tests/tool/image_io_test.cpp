@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "image_file.h"
 #include "image_files.h"
 #include "run_tool.h"
 
@@ -39,6 +40,23 @@ TEST_F(ImageIoTest, RgbPngComesThroughUnchanged) {
   EXPECT_EQ(result.width, 37);
   EXPECT_EQ(result.height, 23);
   EXPECT_EQ(result.samples, image.samples);
+}
+
+TEST_F(ImageIoTest, OneChannelIsWrittenAsGrey) {
+  tool::Picture grey(5, 3, 1);
+  for (int i = 0; i < 15; ++i) grey.row(0)[i] = static_cast<uint8_t>(i * 17);
+  grey.icc = std::vector<uint8_t>(200, 1);
+  for (const tool::FileKind kind : {tool::FileKind::png, tool::FileKind::jpeg}) {
+    tool::writePicture(grey, path("grey"), kind, 100);
+    const Image image = readImage(read("grey"));
+    ASSERT_EQ(image.width, 5);
+    EXPECT_EQ(image.icc, "");
+    for (int i = 0; i < 15; ++i) {
+      EXPECT_NEAR(image.at(i % 5, i / 5)[0], i * 17, 3) << i;
+    }
+  }
+  tool::writePicture(grey, path("grey.png"), tool::FileKind::png, 100);
+  EXPECT_EQ(read("grey.png")[25], 0) << "the colour type of grey";
 }
 
 TEST_F(ImageIoTest, AlphaIsKept) {

@@ -1,164 +1,43 @@
+// Names of pixel formats and frames of them.
 #include "pixel_format.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
+#include <set>
 #include <string>
 
 #include "errors.h"
-#include "image_files.h"
+#include "run_tool.h"
 
 namespace qpx::tool {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-Picture pictureOf(int32_t width, int32_t height, int channels, const Bytes& samples) {
-  Picture picture(width, height, channels);
-  std::copy(samples.begin(), samples.end(), picture.row(0));
-  return picture;
-}
-
-Bytes frameBytes(const char* format, const Picture& picture) {
-  Frame frame(pixelFormatByName(format), picture.width(), picture.height());
-  toFrame(picture, frame);
-  return {frame.data(), frame.data() + frame.bytes()};
-}
-
-Bytes backAgain(const char* format, const Picture& picture) {
-  Frame frame(pixelFormatByName(format), picture.width(), picture.height());
-  toFrame(picture, frame);
-  Picture result = copyOf(picture);
-  std::fill_n(result.row(0), result.pitch() * result.height(), uint8_t{77});
-  fromFrame(frame, result);
-  return {result.row(0), result.row(0) + result.pitch() * result.height()};
-}
-
-// One pixel, red 200, green 100, blue 50.
-const Picture& orange() {
-  static const Picture picture = pictureOf(1, 1, 3, {200, 100, 50});
-  return picture;
-}
-
-TEST(PixelFormat, PacksEightBitFieldsInTheOrderOfTheName) {
-  EXPECT_EQ(frameBytes("bgr24", orange()), (Bytes{50, 100, 200}));
-  EXPECT_EQ(frameBytes("rgb24", orange()), (Bytes{200, 100, 50}));
-  EXPECT_EQ(frameBytes("bgrx32", orange()), (Bytes{50, 100, 200, 255}));
-  EXPECT_EQ(frameBytes("rgbx32", orange()), (Bytes{200, 100, 50, 255}));
-  const Picture clear = pictureOf(1, 1, 4, {200, 100, 50, 7});
-  EXPECT_EQ(frameBytes("bgra32", clear), (Bytes{50, 100, 200, 7}));
-  EXPECT_EQ(frameBytes("rgba32", clear), (Bytes{200, 100, 50, 7}));
-}
-
-// 200, 100, 50 become 24, 12, 6 of 31 (24.3, 12.2, 6.1); 25 of 63 (24.7); 12, 6, 3 of 15
-// (11.8, 5.9, 2.9); 49, 25, 12 of 63 (49.4, 24.7, 12.4).
-TEST(PixelFormat, PacksNarrowFieldsRoundedIntoLittleEndianWords) {
-  EXPECT_EQ(frameBytes("rgb565", orange()), (Bytes{0x26, 0xC3}));  // 24<<11 | 25<<5 | 6
-  EXPECT_EQ(frameBytes("bgr565", orange()), (Bytes{0x38, 0x33}));  // 6<<11 | 25<<5 | 24
-  EXPECT_EQ(frameBytes("rgb555", orange()), (Bytes{0x86, 0x61}));  // 24<<10 | 12<<5 | 6
-  EXPECT_EQ(frameBytes("bgr555", orange()), (Bytes{0x98, 0x19}));  // 6<<10 | 12<<5 | 24
-  EXPECT_EQ(frameBytes("rgb444", orange()), (Bytes{0x63, 0x0C}));
-  EXPECT_EQ(frameBytes("bgr444", orange()), (Bytes{0x6C, 0x03}));
-  EXPECT_EQ(frameBytes("bgr666", orange()), (Bytes{0x4C, 0x16, 0x03}));  // 49<<12 | 25<<6 | 12
-  EXPECT_EQ(frameBytes("rgb666", orange()), (Bytes{0x71, 0xC6, 0x00}));  // 12<<12 | 25<<6 | 49
-}
-
-// Y = 59.8 + 58.7 + 5.7 = 124.2; U = 128 + (50 - 124.2) / 1.772 = 86.13;
-// V = 128 + (200 - 124.2) / 1.402 = 182.07.
-TEST(PixelFormat, ConvertsToFullRangeYuv) {
-  EXPECT_EQ(frameBytes("grey", orange()), (Bytes{124}));
-  EXPECT_EQ(frameBytes("i444", orange()), (Bytes{124, 86, 182}));
-  EXPECT_EQ(frameBytes("i420", orange()), (Bytes{124, 86, 182}));
-  EXPECT_EQ(frameBytes("nv21", orange()), (Bytes{124, 182, 86}));
-  EXPECT_EQ(frameBytes("nv12", orange()), (Bytes{124, 86, 182}));
-}
-
-TEST(PixelFormat, RepeatsTheLastLumaWhereAPackedPairHasOnePixel) {
-  EXPECT_EQ(frameBytes("yuyv", orange()), (Bytes{124, 86, 124, 182}));
-  EXPECT_EQ(frameBytes("yvyu", orange()), (Bytes{124, 182, 124, 86}));
-  EXPECT_EQ(frameBytes("uyvy", orange()), (Bytes{86, 124, 182, 124}));
-  EXPECT_EQ(frameBytes("vyuy", orange()), (Bytes{182, 124, 86, 124}));
-}
-
-TEST(PixelFormat, ReachesTheEndsOfTheRange) {
-  EXPECT_EQ(frameBytes("i444", pictureOf(1, 1, 3, {0, 0, 0})), (Bytes{0, 128, 128}));
-  EXPECT_EQ(frameBytes("i444", pictureOf(1, 1, 3, {255, 255, 255})), (Bytes{255, 128, 128}));
-  // U of pure blue is 255.5, which no byte holds.
-  EXPECT_EQ(frameBytes("i444", pictureOf(1, 1, 3, {0, 0, 255})), (Bytes{29, 255, 107}));
-}
-
-// A 3x3 picture, black but for one white pixel at (2, 2) and one pure red at (0, 0).
-Picture corners() {
-  Bytes samples(27, 0);
-  samples[0] = 255;
-  std::fill_n(samples.begin() + 24, 3, uint8_t{255});
-  return pictureOf(3, 3, 3, samples);
-}
-
-// Red alone: U = 128 - 0.168736 * 255 = 84.97, V = 128 + 127.5 = 255.5. The first 2x2 block holds a
-// quarter of it: U = 117.24, V = 159.88; the pair of the first row a half: U = 106.49, V = 191.75.
-TEST(PixelFormat, AveragesChromaOverThePixelsOfTheBlockInThePicture) {
-  const Bytes luma = {76, 0, 0, 0, 0, 0, 0, 0, 255};
-  const auto with = [&](Bytes chroma) {
-    chroma.insert(chroma.begin(), luma.begin(), luma.end());
-    return chroma;
-  };
-  EXPECT_EQ(frameBytes("i420", corners()), with({117, 128, 128, 128, 160, 128, 128, 128}));
-  EXPECT_EQ(frameBytes("nv21", corners()), with({160, 117, 128, 128, 128, 128, 128, 128}));
-  EXPECT_EQ(frameBytes("nv12", corners()), with({117, 160, 128, 128, 128, 128, 128, 128}));
-  EXPECT_EQ(frameBytes("i422", corners()),
-            with({106, 128, 128, 128, 128, 128, 192, 128, 128, 128, 128, 128}));
-  EXPECT_EQ(frameBytes("i440", corners()),
-            with({106, 128, 128, 128, 128, 128, 192, 128, 128, 128, 128, 128}));
-}
-
-TEST(PixelFormat, ComesBackWithinTheStatedError) {
-  const std::map<std::string, int> limits = {
-      {"bgr24", 0},  {"rgb24", 0},  {"bgra32", 0}, {"rgba32", 0}, {"bgrx32", 0},
-      {"rgbx32", 0}, {"rgb565", 4}, {"bgr565", 4}, {"rgb666", 2}, {"bgr666", 2},
-      {"rgb555", 4}, {"bgr555", 4}, {"rgb444", 8}, {"bgr444", 8}, {"i444", 1}};
-  const test::Image image = test::randomImage(61, 47, 3, 5);
-  const Picture picture = pictureOf(61, 47, 3, image.samples);
-  for (const auto& [format, limit] : limits) {
-    const Bytes back = backAgain(format.c_str(), picture);
-    int worst = 0;
-    for (size_t i = 0; i < back.size(); ++i) {
-      worst = std::max(worst, std::abs(back[i] - image.samples[i]));
-    }
-    EXPECT_LE(worst, limit) << format;
-  }
-}
-
-TEST(PixelFormat, BlocksOfOneColourLoseNothingToSubsampling) {
-  const test::Image image = test::makeImage(
-      8, 6, 3, [](int x, int y, int c) { return x / 2 * 40 + y / 2 * 20 + c * 15; });
+// 5x3 pixels: chroma columns and rows are rounded up.
+TEST(PixelFormat, FramesHaveTheBytesOfTheirLayout) {
+  const std::map<std::string, size_t> expected = {
+      {"bgr24", 45},  {"rgb24", 45},  {"bgra32", 60}, {"rgba32", 60}, {"bgrx32", 60},
+      {"rgbx32", 60}, {"rgb565", 30}, {"bgr565", 30}, {"rgb666", 45}, {"bgr666", 45},
+      {"rgb555", 30}, {"bgr555", 30}, {"rgb444", 30}, {"bgr444", 30}, {"grey", 15},
+      {"i420", 27},   {"i422", 33},   {"i440", 35},   {"i444", 45},   {"i411", 27},
+      {"i410", 19},   {"yv12", 27},   {"yv16", 33},   {"yv24", 45},   {"nv21", 27},
+      {"nv12", 27},   {"nv61", 33},   {"nv16", 33},   {"yuyv", 36},   {"yvyu", 36},
+      {"uyvy", 36},   {"vyuy", 36},   {"yuv24", 45},  {"iyu2", 45},   {"yuvx32", 60}};
+  ASSERT_EQ(pixelFormats().size(), expected.size());
   for (const PixelFormat& format : pixelFormats()) {
-    if (format.layout == Layout::packedRgb || format.layout == Layout::grey) continue;
-    const Bytes back = backAgain(format.name, pictureOf(8, 6, 3, image.samples));
-    for (size_t i = 0; i < back.size(); ++i) {
-      ASSERT_LE(std::abs(back[i] - image.samples[i]), 1) << format.name << " " << i;
-    }
+    EXPECT_EQ(Frame(format, 5, 3).bytes(), expected.at(format.name)) << format.name;
+    EXPECT_EQ(Frame::bytesOf(format, 5, 3), expected.at(format.name)) << format.name;
   }
 }
 
-TEST(PixelFormat, RgbAndGreyChangeNothingAfterTheFirstTurn) {
-  const test::Image image = test::randomImage(9, 7, 3, 6);
+TEST(PixelFormat, NamesAndCodesStandForOneFormat) {
+  std::set<std::string> names;
+  std::set<uint32_t> codes;
   for (const PixelFormat& format : pixelFormats()) {
-    if (format.layout != Layout::packedRgb && format.layout != Layout::grey) continue;
-    const Bytes once = backAgain(format.name, pictureOf(9, 7, 3, image.samples));
-    EXPECT_EQ(backAgain(format.name, pictureOf(9, 7, 3, once)), once) << format.name;
+    EXPECT_TRUE(names.insert(format.name).second) << format.name;
+    EXPECT_TRUE(codes.insert(format.code).second) << format.name;
   }
-}
-
-TEST(PixelFormat, KeepsThePicturesAlphaWhereTheFormatHasNone) {
-  const Picture clear = pictureOf(1, 1, 4, {10, 20, 30, 40});
-  Picture result = pictureOf(1, 1, 4, {0, 0, 0, 40});
-  Frame frame(pixelFormatByName("bgrx32"), 1, 1);
-  toFrame(clear, frame);
-  fromFrame(frame, result);
-  EXPECT_EQ(Bytes(result.row(0), result.row(0) + 4), (Bytes{10, 20, 30, 40}));
 }
 
 TEST(PixelFormat, PlanesAtARowAddressItsChromaBlock) {
@@ -170,6 +49,17 @@ TEST(PixelFormat, PlanesAtARowAddressItsChromaBlock) {
   EXPECT_EQ(planes.pitch[1], 6);
 }
 
+TEST(PixelFormat, TheEngineSeesPlanesOfVBehindThoseOfU) {
+  const Frame frame(pixelFormatByName("yv12"), 4, 4);
+  EXPECT_EQ(frame.bitmap().plane[1] - frame.data(), 16);
+  EXPECT_EQ(frame.bitmap().plane[2] - frame.data(), 20);
+  const MBitmap engines = frame.engineBitmap();
+  EXPECT_EQ(engines.format, uint32_t{QPX_FORMAT_I420});
+  EXPECT_EQ(engines.plane[1] - frame.data(), 20);
+  EXPECT_EQ(engines.plane[2] - frame.data(), 16);
+  EXPECT_EQ(frame.planesAt(2).plane[1] - frame.data(), 22);
+}
+
 TEST(PixelFormat, RefusesAnUnknownNameAndSaysWhatThereIs) {
   EXPECT_STREQ(pixelFormatByName("NV21").name, "nv21");
   try {
@@ -178,6 +68,99 @@ TEST(PixelFormat, RefusesAnUnknownNameAndSaysWhatThereIs) {
   } catch (const UsageError& error) {
     EXPECT_NE(std::string(error.what()).find("nv21"), std::string::npos);
   }
+}
+
+using Bytes = std::string;
+
+Bytes planes(std::initializer_list<std::initializer_list<int>> samples) {
+  Bytes bytes;
+  for (const auto& plane : samples) {
+    for (const int sample : plane) bytes += static_cast<char>(sample);
+  }
+  return bytes;
+}
+
+class FrameLayoutTest : public test::ToolTest {
+ protected:
+  Bytes convert(const Bytes& frame, const std::string& from, const std::string& size,
+                const std::string& to) const {
+    const test::ToolRun result =
+        run({"convert", "-", "-", "--from", from, "--in-size", size, "--to", to}, frame);
+    EXPECT_TRUE(test::succeeded(result)) << from << " to " << to;
+    return result.out;
+  }
+};
+
+struct Layouts {
+  const char* format;
+  const char* size;
+  Bytes frame;
+  const char* planar;  // the same samples in a format of planes Y, U and V
+  Bytes inPlanes;
+};
+
+TEST_F(FrameLayoutTest, SamplesLieWhereTheFormatSays) {
+  const std::vector<Layouts> all = {
+      {"yv12", "4x2", planes({{1, 2, 3, 4, 5, 6, 7, 8}, {91, 92}, {51, 52}}), "i420",
+       planes({{1, 2, 3, 4, 5, 6, 7, 8}, {51, 52}, {91, 92}})},
+      {"yv16", "2x2", planes({{1, 2, 3, 4}, {91, 92}, {51, 52}}), "i422",
+       planes({{1, 2, 3, 4}, {51, 52}, {91, 92}})},
+      {"yv24", "2x1", planes({{1, 2}, {91, 92}, {51, 52}}), "i444",
+       planes({{1, 2}, {51, 52}, {91, 92}})},
+      {"nv16", "2x2", planes({{1, 2, 3, 4}, {51, 91, 52, 92}}), "i422",
+       planes({{1, 2, 3, 4}, {51, 52}, {91, 92}})},
+      {"nv61", "2x2", planes({{1, 2, 3, 4}, {91, 51, 92, 52}}), "i422",
+       planes({{1, 2, 3, 4}, {51, 52}, {91, 92}})},
+      {"i411", "5x1", planes({{1, 2, 3, 4, 5}, {51, 52}, {91, 92}}), "i444",
+       planes({{1, 2, 3, 4, 5}, {51, 51, 51, 51, 52}, {91, 91, 91, 91, 92}})},
+      {"i410", "5x1", planes({{1, 2, 3, 4, 5}, {51, 52}, {91, 92}}), "i444",
+       planes({{1, 2, 3, 4, 5}, {51, 51, 51, 51, 52}, {91, 91, 91, 91, 92}})},
+      {"i410", "1x5", planes({{1, 2, 3, 4, 5}, {51, 52}, {91, 92}}), "i444",
+       planes({{1, 2, 3, 4, 5}, {51, 51, 51, 51, 52}, {91, 91, 91, 91, 92}})},
+      {"yuv24", "2x1", planes({{1, 51, 91, 2, 52, 92}}), "i444",
+       planes({{1, 2}, {51, 52}, {91, 92}})},
+      {"iyu2", "2x1", planes({{51, 1, 91, 52, 2, 92}}), "i444",
+       planes({{1, 2}, {51, 52}, {91, 92}})},
+      {"yuvx32", "2x1", planes({{1, 51, 91, 255, 2, 52, 92, 255}}), "i444",
+       planes({{1, 2}, {51, 52}, {91, 92}})},
+  };
+  for (const Layouts& layouts : all) {
+    EXPECT_EQ(convert(layouts.frame, layouts.format, layouts.size, layouts.planar),
+              layouts.inPlanes)
+        << layouts.format;
+    EXPECT_EQ(convert(layouts.inPlanes, layouts.planar, layouts.size, layouts.format),
+              layouts.frame)
+        << layouts.format;
+  }
+}
+
+TEST_F(FrameLayoutTest, EffectsFindTheChromaOfEveryFormat) {
+  // Grey takes the colour out of what lies where U and V should.
+  const Bytes i420 = planes({{16, 60, 120, 200}, {30}, {220}});
+  for (const PixelFormat& format : pixelFormats()) {
+    if (format.layout == Layout::packedRgb) continue;
+    const Bytes frame = convert(i420, "i420", "2x2", format.name);
+    const test::ToolRun grey =
+        run({"apply", "Fx1700", "-", "-", "--from", format.name, "--in-size", "2x2"}, frame);
+    ASSERT_TRUE(test::succeeded(grey)) << format.name;
+    const Bytes rgb = convert(grey.out, format.name, "2x2", "rgb24");
+    for (size_t i = 0; i < rgb.size(); i += 3) {
+      EXPECT_NEAR(static_cast<uint8_t>(rgb[i]), static_cast<uint8_t>(rgb[i + 2]), 2) << format.name;
+    }
+    EXPECT_LT(static_cast<uint8_t>(rgb[0]) + 60, static_cast<uint8_t>(rgb[9])) << format.name;
+  }
+}
+
+TEST_F(FrameLayoutTest, EffectsSeePlanesOfVAsSuch) {
+  const Bytes i420 = planes({{16, 60, 120, 200}, {30}, {220}});
+  const Bytes yv12 = planes({{16, 60, 120, 200}, {220}, {30}});
+  const auto gothic = [&](const char* format, const Bytes& frame) {
+    return run({"apply", "Gothic", "-", "-", "--from", format, "--in-size", "2x2"}, frame).out;
+  };
+  Bytes expected = gothic("i420", i420);
+  ASSERT_EQ(expected.size(), 6u);
+  std::swap(expected[4], expected[5]);
+  EXPECT_EQ(gothic("yv12", yv12), expected);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Where standard error is no terminal nothing is drawn, but steps are counted all the same.
 #include "progress.h"
 
+#include <algorithm>
 #include <string>
 
 #include "engine_pass.h"
@@ -33,6 +34,27 @@ TEST_F(ProgressTest, LineFitsTheTerminal) {
     EXPECT_LE(size, static_cast<size_t>(columns));
     EXPECT_GE(size + 1, std::min<size_t>(static_cast<size_t>(columns), 138)) << columns;
   }
+}
+
+TEST_F(ProgressTest, FramesAreCountedWithTheirRate) {
+  using tool::framesLine;
+  EXPECT_EQ(framesLine(90, 0, 3, "standard input", 80, false),
+            "90 frames, 30.0 a second  standard input");
+  EXPECT_EQ(framesLine(0, 0, 1, "a.y4m", 80, false), "0 frames  a.y4m");
+  EXPECT_EQ(framesLine(1, 0, 4, "a.y4m", 80, false), "1 frame, 0.2 a second  a.y4m");
+  EXPECT_EQ(framesLine(30, 300, 1, "a.y4m", 90, false),
+            "[###" + std::string(27, '.') + "]  10% 30 of 300 frames, 30.0 a second  a.y4m");
+  for (int columns = 0; columns < 100; ++columns) {
+    EXPECT_LE(framesLine(5, 0, 1, "a", columns, false).size(), static_cast<size_t>(columns));
+  }
+}
+
+TEST_F(ProgressTest, CountingFramesBeginsAnew) {
+  Progress progress("", 500);
+  progress.advance(250);
+  progress.countFrames(0);
+  progress.advance();
+  EXPECT_EQ(progress.done(), 1);
 }
 
 TEST_F(ProgressTest, RowsAddUpToAllStepsOfAShare) {
@@ -69,9 +91,9 @@ TEST_F(ProgressTest, NarrowBandsAdvanceToo) {
   const std::vector<tool::EffectCall> chain = {tool::parseEffect("Fx1800")};
   const tool::PixelFormat& format = tool::pixelFormatByName("bgr24");
   tool::Frame in(format, 4, 1501), out(format, 4, 1501);
-  tool::toFrame(tool::Picture(4, 1501, 3), in);
+  std::fill_n(in.data(), in.bytes(), uint8_t{9});
   Progress progress("", 500);
-  EXPECT_EQ(tool::EnginePass(chain, in, out, 0).run(1, 1, 500, progress), 0);
+  EXPECT_EQ(tool::EnginePass(chain, 0).run(in, out, 1, 1, 500, progress), 0);
   EXPECT_EQ(progress.done(), 500);
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,10 +18,12 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "frame_effects.h"
+#include "frame_pipeline.h"
 #include "frame_sink.h"
 #include "frame_source.h"
 #include "image_file.h"
 #include "input_file.h"
+#include "output_file.h"
 #include "parallel.h"
 #include "progress.h"
 #include "text.h"
@@ -49,39 +52,60 @@ void runPicture(const Job& job, const Plan& plan, const RunOptions& options, int
   const FileKind kind = job.kind.value_or(picture.kind);
   const std::string problem = sizeProblem(kind, picture.width(), picture.height());
   if (!problem.empty()) throw RunError(displayName(job.out, false) + ": " + problem);
+  refuseUnwritable(job.out);
   picture =
       named(job, [&] { return applyEffects(std::move(picture), plan.chain, options, progress); });
   writePicture(picture, job.out, kind, quality, {progress, kWriteSteps});
   say(displayName(job.out, false) + ": written");
 }
 
-void writeFrame(const Job& job, const FrameSource& source, const Frame& result,
-                std::optional<FrameSink>& sink) {
-  if (!sink) {
-    std::optional<Y4mHeader> header = source.header();
-    if (header) {
-      header->width = result.width();
-      header->height = result.height();
-    }
-    sink.emplace(job.out, std::move(header));
+class EffectLane : public FrameLane {
+ public:
+  EffectLane(const Job& job, const FrameShape& shape, const std::vector<EffectCall>& chain,
+             const RunOptions& options)
+      : job_(job),
+        effects_(
+            named(job, [&] { return std::make_unique<FrameEffects>(shape, chain, options); })) {}
+
+  const Frame& run(const Frame& frame) override {
+    return *named(job_, [&] { return &effects_->run(frame, unseen_); });
   }
-  sink->write(result, source.parameters());
+
+ private:
+  const Job& job_;
+  std::unique_ptr<FrameEffects> effects_;
+  Progress unseen_;  // frames are counted when they are written
+};
+
+std::optional<Y4mHeader> headerOf(const FrameSource& source, const Frame& result) {
+  std::optional<Y4mHeader> header = source.header();
+  if (header) {
+    header->width = result.width();
+    header->height = result.height();
+  }
+  return header;
 }
 
 // Whole frames in front of one that fails are written.
 void runFrames(const Job& job, const Plan& plan, const RunOptions& options, FrameSource& source,
-               Progress& progress) {
+               const std::function<void()>& advance) {
   const FrameShape& shape = source.shape();
   say(displayName(job.in, true) + ": frames of " + shape.format->name + ", " +
-      std::to_string(shape.width) + "x" + std::to_string(shape.height));
+      std::to_string(shape.width) + "x" + std::to_string(shape.height) +
+      ", at once: " + std::to_string(options.threads));
+  RunOptions laneOptions = options;
+  laneOptions.threads = 1;
   std::optional<FrameSink> sink;
   try {
-    const auto effects =
-        named(job, [&] { return std::make_unique<FrameEffects>(shape, plan.chain, options); });
-    while (named(job, [&] { return source.next(); })) {
-      const Frame* result = named(job, [&] { return &effects->run(source.frame(), progress); });
-      writeFrame(job, source, *result, sink);
-    }
+    runFramePipeline(
+        [&](std::optional<Frame>& frame) { return named(job, [&] { return source.next(frame); }); },
+        options.threads,
+        [&] { return std::make_unique<EffectLane>(job, shape, plan.chain, laneOptions); },
+        [&](const Frame& result, const std::string& parameters) {
+          if (!sink) sink.emplace(job.out, headerOf(source, result));
+          sink->write(result, parameters);
+          advance();
+        });
   } catch (...) {
     if (sink) sink->finish();
     throw;
@@ -95,13 +119,17 @@ void runStream(const Job& job, const Plan& plan, const RunOptions& options, Inpu
     throw RunError(displayName(job.in, true) +
                    ": frames stay frames under apply: 'qpx convert' makes pictures of them");
   }
-  // How many frames there are is known to nobody, so that the bar would say nothing.
-  if (plan.jobs.size() == 1) progress.stop();
   const auto source = named(job, [&] {
     return plan.frames ? std::make_unique<FrameSource>(file, *plan.frames)
                        : std::make_unique<FrameSource>(file, plan.range, false);
   });
-  runFrames(job, plan, options, *source, progress);
+  if (plan.jobs.size() == 1) {
+    progress.countFrames(source->frames());
+    runFrames(job, plan, options, *source, [&] { progress.advance(); });
+  } else {
+    runFrames(job, plan, options, *source, [] {});
+    progress.advance(kPictureSteps);
+  }
 }
 
 void runJob(const Job& job, const Plan& plan, const RunOptions& options, int quality,
@@ -112,8 +140,9 @@ void runJob(const Job& job, const Plan& plan, const RunOptions& options, int qua
     return;
   }
   if (job.stream) {
-    throw RunError(displayName(job.in, true) + ": is no YUV4MPEG2 stream: raw frames need --from " +
-                   "and --in-size");
+    throw RunError(displayName(job.in, true) +
+                   ": is no YUV4MPEG2 stream: 'qpx convert' makes one of " +
+                   "pictures, and raw frames need --from and --in-size");
   }
   Picture picture = named(job, [&] {
     return decodePicture(file->readAll(), {progress, kReadSteps});
@@ -208,12 +237,12 @@ be mixed with their source by --strength or --mask.
 
 Frames are taken too: a YUV4MPEG2 stream (.y4m), or raw ones that --from and
 --in-size describe. They leave in the format they came in, in which the effects
-run where they can, or else by way of RGB. Where a frame is cut off, the whole
+run where they can, or else by way of another. Where a frame is cut off, the whole
 ones before it are written.
 
 Without --format the effects run in bgr24, or in bgra32 for a picture with
-alpha, or in the first format that all of them take. YUV and grey are reached
-by full-range BT.601, chroma being averaged over its block.
+alpha, or in the first format that all of them take. Pictures become YUV and grey
+of the full range of BT.601, as 'qpx convert --range bt601-full' makes it.
 
 Examples:
   qpx apply Fx1300:brightness=20,contrast=10 photo.jpg brighter.jpg
@@ -234,7 +263,7 @@ void addFileOptions(CLI::App& command, ApplyArguments& arguments) {
   command.add_option("--to", arguments.to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command.add_option("--quality", arguments.quality, "Quality of JPEG output (default 95, 4:4:4)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
 }
 
 void addFrameOptions(CLI::App& command, ApplyArguments& arguments) {
@@ -253,9 +282,9 @@ void addFrameOptions(CLI::App& command, ApplyArguments& arguments) {
 void addEffectOptions(CLI::App& command, ApplyArguments& arguments) {
   command.add_option("--format", arguments.format, "Pixel format that the effects run in")
       ->check(notEmpty())
-      ->type_name(joined(pixelFormatNames(), "|"));
+      ->type_name("FORMAT");
   command.add_option("--strength", arguments.strength, "Percent of the effect over the source")
-      ->check(CLI::Range(0, 100));
+      ->transform(wholeNumber(0, 100));
   command
       .add_option("--mask", arguments.mask,
                   "Picture whose light or opaque parts get the effect; any size")
@@ -272,12 +301,12 @@ void addEffectOptions(CLI::App& command, ApplyArguments& arguments) {
 
 void addRunOptions(CLI::App& command, ApplyArguments& arguments) {
   command.add_option("--band", arguments.band, "Rows for each call of the engine (0: all at once)")
-      ->check(CLI::Range(0, 1 << 30));
+      ->transform(wholeNumber(0, 1 << 30));
   command
       .add_option("--threads", arguments.threads,
-                  "Pictures at once, or rows of one picture where the effects allow it (default: "
-                  "one for each processor)")
-      ->check(CLI::Range(1, 256));
+                  "Pictures or frames at once, or rows of one picture where the effects allow it "
+                  "(default: one for each processor)")
+      ->transform(wholeNumber(1, 256));
   command.add_flag("--plain", arguments.plain, "Use the plain forms of all vector code");
   command.add_flag("--verbose", arguments.verbose, "Print the library's log and what is done");
 }
@@ -291,7 +320,7 @@ void addApplyCommand(CLI::App& app) {
   addFrameOptions(*command, *arguments);
   addEffectOptions(*command, *arguments);
   addRunOptions(*command, *arguments);
-  command->footer(kFooter);
+  command->footer(std::string(kFooter) + "\n\n" + formatHelp());
   command->callback([arguments] { apply(*arguments); });
 }
 

@@ -14,6 +14,7 @@ namespace qpx::tool {
 Picture decodeJpeg(std::span<const uint8_t> file, ProgressShare& share);
 Picture decodePng(std::span<const uint8_t> file, ProgressShare& share);
 
+// One channel becomes a grey file, which has no profile.
 void encodeJpeg(const Picture& picture, int quality, OutputFile& out, ProgressShare& share);
 void encodePng(const Picture& picture, OutputFile& out, ProgressShare& share);
 

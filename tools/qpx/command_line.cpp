@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
+#include <span>
 #include <string_view>
 
 #include "errors.h"
+#include "pixel_format.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -13,6 +16,24 @@ namespace {
 
 // A single dash is standard input or output.
 bool looksLikeOption(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
+
+// The parser would rather miss what is required than name an option that it does not know.
+void checkOptions(const CLI::App& level, const std::string& call,
+                  std::span<const std::string> words) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : level.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  const auto nameOf = [](const std::string& word) { return word.substr(0, word.find('=')); };
+  const auto unknown = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
+    return word.size() > 2 && word.starts_with("--") &&
+           std::find(names.begin(), names.end(), nameOf(word)) == names.end();
+  });
+  if (unknown == words.end()) return;
+  const std::string name = nameOf(*unknown);
+  throw UsageError("unknown option " + name + suggestion(name, names) + fileHint({*unknown}) +
+                   ": see '" + call + " --help'");
+}
 
 }  // namespace
 
@@ -30,15 +51,18 @@ std::vector<std::string> wordsOf(int argc, const char* const* argv) {
   return words;
 }
 
-void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words) {
+void checkWords(const CLI::App& app, const std::vector<std::string>& words) {
   const CLI::App* level = &app;
   std::string call = "qpx";
-  for (const std::string& word : words) {
+  for (size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
     std::vector<std::string> names;
     for (const CLI::App* command : level->get_subcommands(nullptr)) {
       names.push_back(command->get_name());
     }
-    if (names.empty() || looksLikeOption(word)) return;
+    if (names.empty() || looksLikeOption(word)) {
+      return checkOptions(*level, call, std::span(words).subspan(i));
+    }
     if (std::find(names.begin(), names.end(), word) == names.end()) {
       std::string message = "unknown command '" + word + "'" + suggestion(word, names);
       message.append(": use one of ").append(joined(names, ", "));
@@ -58,6 +82,42 @@ std::string fileHint(const std::vector<std::string>& words) {
     }
   }
   return {};
+}
+
+CLI::Validator wholeNumber(int64_t low, int64_t high) {
+  const std::string range = std::to_string(low) + " to " + std::to_string(high);
+  return {[=](std::string& text) {
+            const std::optional<int64_t> value = parseInteger(text);
+            if (!value || *value < low || *value > high) {
+              return "give a whole number from " + range + ", not '" + text + "'";
+            }
+            text = std::to_string(*value);
+            return std::string();
+          },
+          range};
+}
+
+CLI::Validator number(double low, double high) {
+  const std::string range = numberText(low) + " to " + numberText(high);
+  return {[=](std::string& text) {
+            const std::optional<double> value = parseReal(text);
+            const bool inside = value && *value >= low && *value <= high;
+            return inside ? std::string() : "give a number from " + range + ", not '" + text + "'";
+          },
+          range};
+}
+
+std::string formatHelp() {
+  constexpr size_t kColumns = 78;
+  std::string text, line = "Pixel formats:";
+  for (const std::string& name : pixelFormatNames()) {
+    if (line.size() + 1 + name.size() > kColumns) {
+      text += line + "\n";
+      line = " ";
+    }
+    line += " " + name;
+  }
+  return text + line;
 }
 
 CLI::Validator notEmpty() {

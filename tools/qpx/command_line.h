@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -11,12 +12,20 @@ namespace qpx::tool {
 // get "./" before them, so that no part of the parser can take them for options.
 std::vector<std::string> wordsOf(int argc, const char* const* argv);
 
-// Throws UsageError where a word should be a subcommand, or one of its own, and is none.
-void checkSubcommand(const CLI::App& app, const std::vector<std::string>& words);
+// Throws UsageError where a word should be a subcommand, or one of its own, and is none, and for an
+// option that the subcommand does not have.
+void checkWords(const CLI::App& app, const std::vector<std::string>& words);
 
 // Advice for a call that the parser refuses: a word that looks like an option and is a file. Empty
 // where there is no such word.
 std::string fileHint(const std::vector<std::string>& words);
+
+// A number within the two, written in full: neither "nan" nor "inf", and nothing behind it.
+CLI::Validator wholeNumber(int64_t low, int64_t high);
+CLI::Validator number(double low, double high);
+
+// The names of all pixel formats, in lines for a help text.
+std::string formatHelp();
 
 // For options and names that mean nothing when they are empty.
 CLI::Validator notEmpty();

@@ -1,9 +1,11 @@
 #include "conversion.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <new>
+#include <span>
 
 #include "errors.h"
 #include "parallel.h"
@@ -18,6 +20,13 @@ constexpr int32_t kStripUnit = 16;
 
 // Exchange of X and Y, in the words of PostProcessOption.
 constexpr uint32_t kExchanges = 1;
+
+constexpr uint32_t kYuvx32 = 0x70000009;
+
+// Pixels of four bytes of which the last is no colour.
+bool hasSpareByte(const PixelFormat& format) {
+  return format.code >> 24 == 0x37 || format.code >> 24 == 0x17 || format.code == kYuvx32;
+}
 
 bool isRgb(const FrameShape& shape) { return shape.format->layout == Layout::packedRgb; }
 
@@ -50,54 +59,79 @@ MRect paddedRect(const FrameShape& from, const FrameShape& to, bool exchanges) {
   return {left, top, left + across, top + down};
 }
 
-// Rows of a plane hold so many bytes of samples.
-void fillPlane(const MBitmap& image, int plane, uint8_t value) {
-  const bool subsampled = plane > 0;
-  const bool semiPlanar = image.format >> 28 == 7;
-  const int32_t down = !subsampled  ? 1
-                       : semiPlanar ? 2
-                                    : static_cast<int32_t>(image.format & 15) + 1;
+void fillPlane(const MBitmap& image, const PixelFormat& format, int plane, uint8_t value) {
+  const int32_t down = plane == 0 ? 1 : chromaDown(format);
   const int32_t rows = (image.height + down - 1) / down;
   uint8_t* first = image.plane[plane];
-  if (semiPlanar && subsampled) first = std::min(image.plane[1], image.plane[2]);
+  if (plane > 0 && format.layout == Layout::semiPlanar) {
+    first = std::min(image.plane[1], image.plane[2]);
+  }
   for (int32_t y = 0; y < rows; ++y) {
     std::memset(first + ptrdiff_t{image.pitch[plane]} * y, value,
                 static_cast<size_t>(image.pitch[plane]));
   }
 }
 
-void fillPackedYuv(const MBitmap& image, uint8_t luma) {
-  const bool chromaFirst = (image.format & 0x400) != 0;
+// Every pixel of a one-plane format, or every pair, gets the same bytes.
+void repeatBytes(const MBitmap& image, std::span<const uint8_t> bytes) {
   for (int32_t y = 0; y < image.height; ++y) {
     uint8_t* row = image.plane[0] + ptrdiff_t{image.pitch[0]} * y;
-    for (int32_t i = 0; i < image.pitch[0]; ++i) row[i] = (i % 2 != 0) == chromaFirst ? luma : 128;
+    for (int32_t i = 0; i < image.pitch[0]; ++i) {
+      row[i] = bytes[static_cast<size_t>(i) % bytes.size()];
+    }
   }
 }
 
-// Pixels of four bytes have their alpha last, at 255 also where they are black.
-void fillRgb(const MBitmap& image, uint8_t alpha) {
-  fillPlane(image, 0, 0);
-  if (image.format >> 24 != 0x37 && image.format >> 24 != 0x17) return;
+void fillPacked(const MBitmap& image, const PixelFormat& format, uint8_t luma) {
+  const bool chromaFirst = (format.code & 0x400) != 0;
+  if (format.layout == Layout::packed422) {
+    const std::array<uint8_t, 4> pair = {luma, 128, luma, 128};
+    return repeatBytes(image, std::span(pair).subspan(chromaFirst ? 1 : 0, 2));
+  }
+  const std::array<uint8_t, 5> pixel = {128, luma, 128, 128, 255};
+  if (hasSpareByte(format)) return repeatBytes(image, std::span(pixel).subspan(1));
+  repeatBytes(image, std::span(pixel).subspan(chromaFirst ? 0 : 1, 3));
+}
+
+void fillRgb(const MBitmap& image, const PixelFormat& format) {
+  fillPlane(image, format, 0, 0);
+  if (!hasSpareByte(format)) return;
   for (int32_t y = 0; y < image.height; ++y) {
     uint8_t* row = image.plane[0] + ptrdiff_t{image.pitch[0]} * y;
-    for (int32_t x = 0; x < image.width; ++x) row[x * 4 + 3] = alpha;
+    for (int32_t x = 0; x < image.width; ++x) row[x * 4 + 3] = 255;
   }
 }
 
 void fillBlack(const MBitmap& image, const FrameShape& shape) {
+  const PixelFormat& format = *shape.format;
   const uint8_t luma = isFull(shape.range) ? 0 : 16;
-  switch (shape.format->layout) {
+  switch (format.layout) {
     case Layout::packedRgb:
-      return fillRgb(image, 255);
+      return fillRgb(image, format);
     case Layout::packed422:
-      return fillPackedYuv(image, luma);
+    case Layout::packed444:
+      return fillPacked(image, format, luma);
     case Layout::grey:
-      return fillPlane(image, 0, luma);
+      return fillPlane(image, format, 0, luma);
     case Layout::planar:
     case Layout::semiPlanar:
-      fillPlane(image, 0, luma);
-      fillPlane(image, 1, 128);
-      if (shape.format->layout == Layout::planar) fillPlane(image, 2, 128);
+      fillPlane(image, format, 0, luma);
+      fillPlane(image, format, 1, 128);
+      if (format.layout == Layout::planar) fillPlane(image, format, 2, 128);
+  }
+}
+
+// The library leaves the low bits of samples that come from narrow fields at 0. With the top bits
+// again in their place white is white.
+void widenSamples(const Frame& frame, const PixelFormat& narrow) {
+  const std::array<uint32_t, 3> bits = {(narrow.code >> 8 & 15) + 1, (narrow.code >> 4 & 15) + 1,
+                                        (narrow.code & 15) + 1};
+  const MBitmap& image = frame.bitmap();
+  for (int32_t y = 0; y < image.height; ++y) {
+    uint8_t* row = image.plane[0] + ptrdiff_t{image.pitch[0]} * y;
+    for (int32_t x = 0; x < image.width; ++x, row += 3) {
+      for (size_t c = 0; c < 3; ++c) row[c] = static_cast<uint8_t>(row[c] | row[c] >> bits[c]);
+    }
   }
 }
 
@@ -137,23 +171,43 @@ std::string sizeText(const FrameShape& shape) {
                  " (code " + std::to_string(code) + "): choose another size or format");
 }
 
-bool needsYuvFirst(const FrameShape& from, const ConversionOptions& options) {
-  return isRgb(from) && options.adjusts();
+// What a conversion goes by way of: RGB is adjusted as YUV, and widened before it becomes anything
+// else. Without a format: of nothing.
+FrameShape shapeBetween(const FrameShape& from, const FrameShape& to,
+                        const ConversionOptions& options) {
+  FrameShape between = {nullptr, from.width, from.height, Range::bt601Full};
+  if (!isRgb(from)) return between;
+  if (options.adjusts()) {
+    between.format = &pixelFormatByName("i444");
+  } else if (options.widens && narrowestField(*from.format) < 8 && from.format != to.format) {
+    between.format = &pixelFormatByName("rgb24");
+  }
+  return between;
 }
 
 }  // namespace
+
+int worthwhileThreads(int32_t width, int32_t height, int most) {
+  constexpr int64_t kWorthwhilePixels = 1 << 18;
+  return static_cast<int>(
+      std::clamp<int64_t>(int64_t{width} * height / kWorthwhilePixels, 1, most));
+}
 
 bool isFull(Range range) { return range == Range::bt601Full || range == Range::bt709Full; }
 
 Conversion::Conversion(const FrameShape& from, const FrameShape& to,
                        const ConversionOptions& options)
     : to_(to), inside_{0, 0, to.width, to.height}, threads_(options.threads) {
-  FrameShape source = from;
-  if (needsYuvFirst(from, options)) {
-    source = {&pixelFormatByName("i444"), from.width, from.height, Range::bt601Full};
-    ConversionOptions plain;
-    plain.threads = options.threads;
-    first_ = std::make_unique<Conversion>(from, source, plain);
+  FrameShape source = shapeBetween(from, to, options);
+  if (source.format) {
+    between_.emplace(*source.format, source.width, source.height);
+    ConversionOptions first;
+    first.threads = options.threads;
+    first.widens = !isRgb(source);
+    if (isRgb(source)) narrow_ = from.format;
+    first_ = std::make_unique<Conversion>(from, source, first);
+  } else {
+    source = from;
   }
   if (options.fit == Fit::pad) {
     inside_ = paddedRect(source, to, (options.orientation & kExchanges) != 0);
@@ -168,21 +222,26 @@ Conversion::Conversion(const FrameShape& from, const FrameShape& to,
   const int32_t code = MPPCreate(&src, &dst, &option, &context);
   if (code != QPX_OK) fail(code, from, to);
   context_.reset(context);
-  if (first_) between_.emplace(*source.format, source.width, source.height);
 }
+
+Conversion::Conversion(const FrameShape& from, const FrameShape& to, int threads)
+    : Conversion(from, to, [threads] {
+        ConversionOptions plain;
+        plain.threads = threads;
+        return plain;
+      }()) {}
 
 void Conversion::run(const MBitmap& from, const MBitmap& to) {
   if (!first_) return convert(from, to);
   first_->run(from, between_->bitmap());
+  if (narrow_) widenSamples(*between_, *narrow_);
   convert(between_->bitmap(), to);
 }
 
 void Conversion::convert(const MBitmap& from, const MBitmap& to) const {
   const bool padded =
       inside_.right - inside_.left < to_.width || inside_.bottom - inside_.top < to_.height;
-  if (padded || to_.format->code >> 24 == 0x37 || to_.format->code >> 24 == 0x17) {
-    fillBlack(to, to_);
-  }
+  if (padded || hasSpareByte(*to_.format)) fillBlack(to, to_);
   const int32_t units = (to_.height + kStripUnit - 1) / kStripUnit;
   const int strips = wholeCalls_ ? 1 : std::clamp(threads_, 1, units);
   std::atomic<int32_t> worst{QPX_OK};

@@ -33,6 +33,7 @@ struct ConversionOptions {
   uint32_t orientation = 0;  // as PostProcessOption has it
   bool bilinear = false;
   bool dither = false;
+  bool widens = true;  // samples of narrow RGB fields, to the whole range
   int brightness = 0;
   int contrast = 0;
   int saturation = 0;
@@ -41,16 +42,23 @@ struct ConversionOptions {
   bool adjusts() const { return brightness != 0 || contrast != 0 || saturation != 0; }
 };
 
+// Up to `most`: a thread of its own does not pay for a small frame.
+int worthwhileThreads(int32_t width, int32_t height, int most);
+
 class Conversion {
  public:
   // Throws RunError for what cannot be converted.
   Conversion(const FrameShape& from, const FrameShape& to, const ConversionOptions& options);
 
+  // The same without any wishes.
+  Conversion(const FrameShape& from, const FrameShape& to, int threads);
+
   const FrameShape& target() const { return to_; }
 
   // Formats and sizes of the records are those of the shapes. A fourth byte that the source does
   // not have becomes 255; what a padded picture leaves free becomes black; a pair of packed 4:2:2
-  // that has one pixel gets its luma twice.
+  // that has one pixel gets its luma twice; samples of narrow RGB fields have their top bits
+  // repeated in the low ones, so that white is white.
   void run(const MBitmap& from, const MBitmap& to);
 
  private:
@@ -66,9 +74,10 @@ class Conversion {
   int threads_ = 1;
   bool wholeCalls_ = false;
   Context context_;
-  // RGB is adjusted as YUV, made by a conversion of its own.
+  // What it goes by way of, made by a conversion of its own.
   std::unique_ptr<Conversion> first_;
   std::optional<Frame> between_;
+  const PixelFormat* narrow_ = nullptr;  // the format whose samples are then widened
 };
 
 }  // namespace qpx::tool

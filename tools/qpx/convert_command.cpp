@@ -18,29 +18,17 @@
 #include "frame_source.h"
 #include "image_file.h"
 #include "input_file.h"
-#include "one_picture.h"
 #include "parallel.h"
+#include "picture_frame.h"
+#include "progress.h"
 #include "text.h"
 
 namespace qpx::tool {
 
 namespace {
 
-FrameShape shapeOf(const Picture& picture) {
-  return {&pixelFormatByName(picture.hasAlpha() ? "rgba32" : "rgb24"), picture.width(),
-          picture.height(), Range::bt601};
-}
-
 bool isPictureFormat(const PixelFormat& format) {
   return format.code == QPX_FORMAT_RGB24 || format.code == QPX_FORMAT_RGBA32;
-}
-
-// A thread of its own does not pay for a small frame.
-int threadsFor(int wanted, const FrameShape& target) {
-  constexpr int64_t kWorthwhilePixels = 1 << 18;
-  if (wanted > 0) return wanted;
-  const int64_t pixels = int64_t{target.width} * target.height;
-  return static_cast<int>(std::clamp<int64_t>(pixels / kWorthwhilePixels, 1, defaultThreads()));
 }
 
 void sayConversion(const FrameShape& from, const FrameShape& to, int threads) {
@@ -95,17 +83,13 @@ class PictureTarget : public Target {
     if (origin) takeMetadata(*origin);
     if (isPictureFormat(*shape.format)) return;
     frame_.emplace(*shape.format, shape.width, shape.height);
-    if (shape.format->layout != Layout::packedRgb) back_.emplace(shape, shapeOf(picture_), plain_);
+    back_.emplace(shape, shapeOf(picture_), 1);
   }
 
   const MBitmap& frame() const override { return frame_ ? frame_->bitmap() : bitmap_; }
 
   void write(const std::string&) override {
-    if (back_) {
-      back_->run(frame_->bitmap(), bitmap_);
-    } else if (frame_) {
-      fromFrame(*frame_, picture_);
-    }
+    if (back_) back_->run(frame_->bitmap(), bitmap_);
   }
 
   void finish() override { writePicture(picture_, arguments_.out, kind_, arguments_.quality); }
@@ -123,7 +107,6 @@ class PictureTarget : public Target {
   FileKind kind_;
   Picture picture_;
   MBitmap bitmap_;
-  ConversionOptions plain_;
   std::optional<Frame> frame_;
   std::optional<Conversion> back_;
 };
@@ -155,7 +138,15 @@ class ConvertRun {
       });
       runFrames(*source);
     } else {
-      runPicture(named(arguments_.in, [&] { return decodePicture(file->readAll()); }));
+      runPicture(named(arguments_.in, [&] {
+        const std::vector<uint8_t> bytes = file->readAll();
+        if (bytes.empty()) throw RunError("is empty: use a picture or a stream");
+        if (!isPicture(bytes)) {
+          throw RunError("is no picture (JPEG, PNG) and no YUV4MPEG2 stream: raw frames need " +
+                         std::string("--from and --in-size"));
+        }
+        return decodePicture(bytes);
+      }));
     }
   }
 
@@ -164,7 +155,9 @@ class ConvertRun {
             const Picture* origin) {
     shape_ = targetFor(plan_, source, streamed);
     ConversionOptions options = plan_.options;
-    options.threads = threadsFor(arguments_.threads, shape_);
+    options.threads = arguments_.threads > 0
+                          ? arguments_.threads
+                          : worthwhileThreads(shape_.width, shape_.height, defaultThreads());
     sayConversion(source, shape_, options.threads);
     named(arguments_.in, [&] { conversion_.emplace(source, shape_, options); });
     if (plan_.picture) {
@@ -181,19 +174,30 @@ class ConvertRun {
   }
 
   void runFrames(FrameSource& source) {
-    open(source.shape(), true, source.header(), nullptr);
-    const bool keepsFields = keepsGeometry(plan_, source.shape(), shape_);
+    Progress progress(displayName(arguments_.in, true), 0);
+    progress.countFrames(source.frames());
+    std::optional<Frame> frame;
     try {
-      for (int64_t i = 0; named(arguments_.in, [&] { return source.next(); }); ++i) {
-        if (i > 0) refuseSecondFrame();
-        named(arguments_.in, [&] { conversion_->run(source.frame().bitmap(), target_->frame()); });
-        target_->write(keepsFields ? source.parameters() : std::string());
+      while (const std::optional<std::string> parameters =
+                 named(arguments_.in, [&] { return source.next(frame); })) {
+        takeFrame(source, *frame, *parameters);
+        progress.advance();
       }
     } catch (...) {
-      target_->keepWhatIsThere();
+      if (target_) target_->keepWhatIsThere();
       throw;
     }
     target_->finish();
+  }
+
+  void takeFrame(const FrameSource& source, const Frame& frame, const std::string& parameters) {
+    if (target_) {
+      refuseSecondFrame();
+    } else {
+      open(source.shape(), true, source.header(), nullptr);
+    }
+    named(arguments_.in, [&] { conversion_->run(frame.bitmap(), target_->frame()); });
+    target_->write(keepsGeometry(plan_, source.shape(), shape_) ? parameters : std::string());
   }
 
   void refuseSecondFrame() const {
@@ -232,7 +236,7 @@ constexpr const char* kFooter =
     R"(IN is a JPEG or PNG picture, a YUV4MPEG2 stream (.y4m), or raw frames, which
 --from and --in-size describe: planes without gaps, one frame behind the other.
 OUT is a picture or a stream when its name says so; a stream too when IN is one
-and the format fits (i420, i422, i444, grey); else raw frames. '-' is standard
+and the format fits (i420, i422, i444, i411, grey); else raw frames. '-' is standard
 input and output. A frame that is cut off ends the run with an error, and the
 whole frames before it are there.
 
@@ -262,7 +266,7 @@ void addSides(CLI::App& command, ConvertArguments& arguments) {
       .add_option("--to", arguments.to,
                   "Pixel format of the output; png or jpeg for a picture whatever its name")
       ->check(notEmpty())
-      ->type_name(joined(pixelFormatNames(), "|") + "|png|jpeg");
+      ->type_name("FORMAT");
   command.add_option("--from", arguments.from, "Pixel format of raw frames in IN")
       ->check(notEmpty())
       ->type_name("FORMAT");
@@ -271,7 +275,7 @@ void addSides(CLI::App& command, ConvertArguments& arguments) {
       ->type_name("WxH");
   command.add_flag("--raw", arguments.raw, "Write frames without the headers of a stream");
   command.add_option("--quality", arguments.quality, "Quality of JPEG output (default 95, 4:4:4)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
 }
 
 void addGeometry(CLI::App& command, ConvertArguments& arguments) {
@@ -295,7 +299,7 @@ void addColours(CLI::App& command, ConvertArguments& arguments) {
   for (const auto& [name, value] : {std::pair{"--brightness", &arguments.brightness},
                                     {"--contrast", &arguments.contrast},
                                     {"--saturation", &arguments.saturation}}) {
-    command.add_option(name, *value, "-128 to 128 (default 0)")->check(CLI::Range(-128, 128));
+    command.add_option(name, *value, "-128 to 128 (default 0)")->transform(wholeNumber(-128, 128));
   }
   command.add_flag("--dither", arguments.dither, "Spread the rounding of 16-bit RGB");
 }
@@ -312,9 +316,9 @@ void addConvertCommand(CLI::App& app) {
   command
       ->add_option("--threads", arguments->threads,
                    "Strips of one frame at once (default: one for each processor)")
-      ->check(CLI::Range(1, 256));
+      ->transform(wholeNumber(1, 256));
   command->add_flag("--verbose", arguments->verbose, "Print the library's log and what is done");
-  command->footer(kFooter);
+  command->footer(std::string(kFooter) + "\n\n" + formatHelp());
   command->callback([arguments] { convert(*arguments); });
 }
 

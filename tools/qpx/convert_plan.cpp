@@ -45,7 +45,7 @@ void takeOutput(const ConvertArguments& arguments, ConvertPlan& plan) {
     throw UsageError(arguments.out + ": a picture is no raw frame: leave --raw out");
   }
   if (plan.stream && plan.format && !fitsY4m(*plan.format)) {
-    throw UsageError(std::string("a .y4m stream holds i420, i422, i444 or grey, not ") +
+    throw UsageError(std::string("a .y4m stream holds i420, i422, i444, i411 or grey, not ") +
                      plan.format->name + ": use another --to, or --raw");
   }
   if (!arguments.size.empty()) plan.size = parseSize(arguments.size);
@@ -107,7 +107,8 @@ FrameShape targetFor(const ConvertPlan& plan, const FrameShape& source, bool str
   } else if (plan.stream && !fitsY4m(*source.format)) {
     target.format = &pixelFormatByName("i420");
   } else if (!streamed) {
-    throw UsageError("--to must say the format of raw frames, such as --to nv21");
+    throw UsageError("OUT is no name of a picture (.jpg, .png) or stream (.y4m): --to must say " +
+                     std::string("the format of raw frames, such as --to nv21"));
   }
   const bool toRgb = target.format->layout == Layout::packedRgb;
   if (!fromRgb && !toRgb && is709(source.range) != is709(target.range)) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -18,6 +19,7 @@
 #include "one_picture.h"
 #include "outline_svg.h"
 #include "output_file.h"
+#include "picture_frame.h"
 #include "soft_edge.h"
 #include "strokes.h"
 
@@ -129,17 +131,6 @@ Cut cutBy(const StrokeSet& strokes, const Picture& picture) {
   return matting.cut();
 }
 
-// Files hold colours.
-void writeMask(const Picture& mask, const std::string& path) {
-  Picture colors(mask.width(), mask.height(), 3);
-  for (int32_t y = 0; y < mask.height(); ++y) {
-    for (int32_t x = 0; x < mask.width(); ++x) {
-      std::fill_n(colors.row(y) + 3 * ptrdiff_t{x}, 3, mask.row(y)[x]);
-    }
-  }
-  writePicture(colors, path, FileKind::png, 0);
-}
-
 void writeText(const std::string& text, const std::string& path) {
   OutputFile out(path);
   out.write(reinterpret_cast<const uint8_t*>(text.data()), text.size());
@@ -147,9 +138,10 @@ void writeText(const std::string& text, const std::string& path) {
 }
 
 void checkOutputs(const CutoutArguments& arguments) {
-  const auto isJpeg = [](const std::string& path) { return kindByName(path) == FileKind::jpeg; };
   for (const std::string& path : {arguments.files.out, arguments.mask}) {
-    if (isJpeg(path)) throw UsageError(path + ": is written as a PNG: name it .png");
+    const bool unnamed = path == "-" || std::filesystem::path(path).extension().empty();
+    if (unnamed || kindByName(path) == FileKind::png) continue;
+    throw UsageError(path + ": is written as a PNG: name it .png");
   }
   const std::string* const outputs[] = {&arguments.files.out, &arguments.mask, &arguments.outline};
   for (size_t i = 0; i < 3; ++i) {
@@ -171,6 +163,10 @@ void cutout(const CutoutArguments& arguments) {
   changePicture(arguments.files, [&](const Picture& picture, Progress& progress) {
     ProgressShare share(progress, kEffectSteps);
     share.expect(2);
+    // All outputs are there in the end, or none.
+    for (const std::string& path : {arguments.mask, arguments.outline}) {
+      if (!path.empty()) refuseUnwritable(path);
+    }
     cut = cutBy(strokes, picture);
     share.advance();
     const int32_t reach =
@@ -179,7 +175,7 @@ void cutout(const CutoutArguments& arguments) {
     share.advance();
     return result;
   });
-  if (!arguments.mask.empty()) writeMask(cut.mask, arguments.mask);
+  if (!arguments.mask.empty()) writePicture(cut.mask, arguments.mask, FileKind::png, 0);
   if (!arguments.outline.empty()) writeText(cut.outline, arguments.outline);
 }
 
@@ -217,7 +213,7 @@ void addCutoutCommand(CLI::App& app) {
   command
       ->add_option("--feather", arguments->feather,
                    "Pixels that the edge is soft to each side (default: by size; 0: hard)")
-      ->check(CLI::Range(0, 20));
+      ->transform(wholeNumber(0, 20));
   command->add_option("--mask", arguments->mask, "Write the hard mask to this PNG")
       ->check(notEmpty())
       ->type_name("FILE");

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
+#include <iterator>
 #include <numbers>
 #include <span>
 #include <utility>
@@ -13,6 +13,7 @@
 #include "console.h"
 #include "engine_pass.h"
 #include "errors.h"
+#include "picture_frame.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -139,91 +140,10 @@ std::string namesOf(Chain chain) {
                           : " pixels: try other parameters"));
 }
 
-// What the groups of a chain have in common.
-class ChainRun {
- public:
-  ChainRun(const RunOptions& options, Frame in, Progress& progress)
-      : options_(options),
-        progress_(progress),
-        in_(std::move(in)),
-        out_(in_.format(), in_.width(), in_.height()) {}
-
-  void run(Chain chain, const Picture* mask) {
-    mask_ = mask;
-    const auto steps = kEffectSteps / static_cast<int64_t>(chain.size());
-    while (!chain.empty()) {
-      const auto end = std::find_if(chain.begin(), chain.end(), runsAlone);
-      const auto alone = static_cast<size_t>(end - chain.begin());
-      const Chain group = chain.first(alone == 0 ? 1 : alone);
-      runGroup(group, steps * static_cast<int64_t>(group.size()));
-      chain = chain.subspan(group.size());
-    }
-  }
-
-  Frame takeResult() { return std::move(in_); }
-
- private:
-  static Picture scaledToFit(const Picture& from, const Frame& to) {
-    if (from.width() == to.width() && from.height() == to.height()) return copyOf(from);
-    return scaled(from, to.width(), to.height());
-  }
-
-  static bool sameSize(const Frame& a, const Frame& b) {
-    return a.width() == b.width() && a.height() == b.height();
-  }
-
-  // The second picture always has the size of what the group starts from.
-  void fitSecond() {
-    if (!options_.second || (second_ && sameSize(*second_, in_))) return;
-    second_.emplace(in_.format(), in_.width(), in_.height());
-    toFrame(scaledToFit(*options_.second, in_), *second_);
-  }
-
-  void fitOutput(Chain group) {
-    const bool turned = turns(group.front());
-    const Size size = turned ? turnedSize(group.front(), in_) : Size{in_.width(), in_.height()};
-    if (out_.width() != size.width || out_.height() != size.height) {
-      out_ = Frame(in_.format(), size.width, size.height);
-    }
-    // What an effect leaves as it is should be the picture, not what the memory held before.
-    if (!turned) out_.copyFrom(in_);
-  }
-
-  void runGroup(Chain group, int64_t steps) {
-    int32_t code = runEngine(group, steps);
-    if (code == QPX_UNSUPPORTED && group.size() > 1) {
-      // Outside packed RGB the engine keeps no rows between stages.
-      say(namesOf(group) + ": not in one engine, running one after the other");
-      for (size_t i = 0; i < group.size(); ++i) {
-        runGroup(group.subspan(i, 1), steps / static_cast<int64_t>(group.size()));
-      }
-      return;
-    }
-    if (code != QPX_OK) {
-      fail(group, code, in_, !second_ && std::any_of(group.begin(), group.end(), mayTakeOverlay));
-    }
-    std::swap(in_, out_);
-  }
-
-  int32_t runEngine(Chain group, int64_t steps) {
-    fitSecond();
-    fitOutput(group);
-    EnginePass pass(group, in_, out_, options_.level);
-    if (second_) pass.setOverlay(*second_);
-    if (takesSecond(group.front())) pass.setSecond(second_ ? &*second_ : nullptr, mask_);
-    const int threads = threadsFor(group, options_, in_);
-    say(namesOf(group) + " in " + in_.format().name + ", " + std::to_string(in_.width()) + "x" +
-        std::to_string(in_.height()) + ", threads: " + std::to_string(threads));
-    return pass.run(options_.band, threads, steps, progress_);
-  }
-
-  const RunOptions& options_;
-  Progress& progress_;
-  Frame in_;
-  Frame out_;
-  std::optional<Frame> second_;
-  const Picture* mask_ = nullptr;
-};
+Picture scaledToFit(const Picture& from, const Frame& to) {
+  if (from.width() == to.width() && from.height() == to.height()) return copyOf(from);
+  return scaled(from, to.width(), to.height());
+}
 
 }  // namespace
 
@@ -266,40 +186,133 @@ std::vector<std::string> effectsInOneThread(const std::vector<EffectCall>& chain
   return names;
 }
 
+Picture fittedMask(const Picture& picture, int32_t width, int32_t height) {
+  Picture mask = maskOf(picture);
+  if (mask.width() == width && mask.height() == height) return mask;
+  return scaled(mask, width, height);
+}
+
+bool takesMask(const std::vector<EffectCall>& chain) {
+  return std::any_of(chain.begin(), chain.end(), takesSecond);
+}
+
+// Effects that one engine runs.
+class EffectChain::Step {
+ public:
+  Step(Chain group, const RunOptions& options, const Picture* mask)
+      : group_(group), options_(options), mask_(mask), pass_(group, options.level) {}
+
+  Chain group() const { return group_; }
+
+  Size outputSize(const Frame& from) const {
+    return turns(group_.front()) ? turnedSize(group_.front(), from)
+                                 : Size{from.width(), from.height()};
+  }
+
+  bool missesOverlay() const {
+    return !second_ && std::any_of(group_.begin(), group_.end(), mayTakeOverlay);
+  }
+
+  int32_t run(const Frame& from, Frame& to, int64_t steps, Progress& progress) {
+    if (!begun_) begin(from);
+    // What an effect leaves as it is should be the picture, not what the memory held before.
+    if (!turns(group_.front())) to.copyFrom(from);
+    return pass_.run(from, to, options_.band, threads_, steps, progress);
+  }
+
+ private:
+  // The second picture always has the size of what the step starts from.
+  void begin(const Frame& from) {
+    threads_ = threadsFor(group_, options_, from);
+    if (options_.second) {
+      second_.emplace(frameOf(scaledToFit(*options_.second, from), from.format(), threads_));
+      pass_.setOverlay(*second_);
+    }
+    if (takesSecond(group_.front())) pass_.setSecond(second_ ? &*second_ : nullptr, mask_);
+    say(namesOf(group_) + " in " + from.format().name + ", " + std::to_string(from.width()) + "x" +
+        std::to_string(from.height()) + ", threads: " + std::to_string(threads_));
+    begun_ = true;
+  }
+
+  Chain group_;
+  const RunOptions& options_;
+  const Picture* mask_;
+  EnginePass pass_;
+  std::optional<Frame> second_;
+  int threads_ = 1;
+  bool begun_ = false;
+};
+
+EffectChain::EffectChain(const std::vector<EffectCall>& chain, const RunOptions& options,
+                         const Picture* mask)
+    : options_(options), mask_(mask), effects_(static_cast<int64_t>(chain.size())) {
+  for (Chain rest = chain; !rest.empty();) {
+    const auto end = std::find_if(rest.begin(), rest.end(), runsAlone);
+    const auto together = std::max<size_t>(1, static_cast<size_t>(end - rest.begin()));
+    steps_.push_back(std::make_unique<Step>(rest.first(together), options, mask));
+    rest = rest.subspan(together);
+  }
+}
+
+EffectChain::~EffectChain() = default;
+
+void EffectChain::splitStep(size_t index) {
+  const Chain group = steps_[index]->group();
+  say(namesOf(group) + ": not in one engine, running one after the other");
+  std::vector<std::unique_ptr<Step>> single;
+  for (size_t i = 0; i < group.size(); ++i) {
+    single.push_back(std::make_unique<Step>(group.subspan(i, 1), options_, mask_));
+  }
+  const auto place = steps_.erase(steps_.begin() + static_cast<ptrdiff_t>(index));
+  steps_.insert(place, std::make_move_iterator(single.begin()),
+                std::make_move_iterator(single.end()));
+}
+
+Frame& EffectChain::outputFor(size_t index, const Frame& from) {
+  const Size size = steps_[index]->outputSize(from);
+  std::optional<Frame>& output = outputs_[index % 2];
+  if (!output || output->width() != size.width || output->height() != size.height) {
+    output.reset();
+    output.emplace(from.format(), size.width, size.height);
+  }
+  return *output;
+}
+
+Frame& EffectChain::run(const Frame& picture, Progress& progress) {
+  const Frame* from = &picture;
+  for (size_t i = 0; i < steps_.size();) {
+    const Chain group = steps_[i]->group();
+    const int64_t steps = kEffectSteps / effects_ * static_cast<int64_t>(group.size());
+    const int32_t code = steps_[i]->run(*from, outputFor(i, *from), steps, progress);
+    if (code == QPX_UNSUPPORTED && group.size() > 1) {
+      // Outside packed RGB the engine keeps no rows between stages.
+      splitStep(i);
+      continue;
+    }
+    if (code != QPX_OK) fail(group, code, *from, steps_[i]->missesOverlay());
+    from = &*outputs_[i++ % 2];
+  }
+  return *outputs_[(steps_.size() - 1) % 2];
+}
+
 Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
                      const RunOptions& options, Progress& progress) {
   const PixelFormat& format = formatFor(chain, options, picture.hasAlpha());
+  const int threads = worthwhileThreads(picture.width(), picture.height(), options.threads);
   Picture mask;
-  if (options.mask) {
-    mask = maskOf(*options.mask);
-    if (mask.width() != picture.width() || mask.height() != picture.height()) {
-      mask = scaled(mask, picture.width(), picture.height());
-    }
-  }
-  const bool engineMasks = std::any_of(chain.begin(), chain.end(), takesSecond);
-  const Picture* mixMask = options.mask && !engineMasks ? &mask : nullptr;
+  if (options.mask) mask = fittedMask(*options.mask, picture.width(), picture.height());
+  const Picture* mixMask = options.mask && !takesMask(chain) ? &mask : nullptr;
   Picture source;
   if (options.strength < 100 || mixMask) source = copyOf(picture);
-  Frame frame(format, picture.width(), picture.height());
-  toFrame(picture, frame);
-  ChainRun run(options, std::move(frame), progress);
-  run.run(chain, options.mask ? &mask : nullptr);
-  const Frame result = run.takeResult();
+  const Frame frame = frameOf(picture, format, threads);
+  EffectChain effects(chain, options, options.mask ? &mask : nullptr);
+  const Frame& result = effects.run(frame, progress);
   if (result.width() != picture.width() || result.height() != picture.height()) {
     picture = emptyLike(picture, result.width(), result.height());
   }
-  fromFrame(result, picture);
+  takeColors(result, picture, threads);
   if (source.width() > 0) mixWithSource(picture, source, options.strength, mixMask);
   return picture;
-}
-
-Frame applyEffects(const Frame& frame, const std::vector<EffectCall>& chain,
-                   const RunOptions& options, Progress& progress) {
-  Frame in(frame.format(), frame.width(), frame.height());
-  in.copyFrom(frame);
-  ChainRun run(options, std::move(in), progress);
-  run.run(chain, nullptr);
-  return run.takeResult();
 }
 
 }  // namespace qpx::tool

@@ -1,7 +1,10 @@
 // Drives the engine: a chain of effects over one picture.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,13 +47,41 @@ const PixelFormat& formatFor(const std::vector<EffectCall>& chain, const RunOpti
 // The effects of a chain whose rows cannot be split among threads, by name.
 std::vector<std::string> effectsInOneThread(const std::vector<EffectCall>& chain);
 
+// One channel of the size that says where the effect shows.
+Picture fittedMask(const Picture& picture, int32_t width, int32_t height);
+
+// Whether the engine itself takes the mask.
+bool takesMask(const std::vector<EffectCall>& chain);
+
+// A chain over pictures of one format and size, one after the other. Engines and their textures are
+// made for the first and kept for the others.
+class EffectChain {
+ public:
+  // `mask` is for effects that take it themselves; it and the other arguments outlive the chain.
+  EffectChain(const std::vector<EffectCall>& chain, const RunOptions& options, const Picture* mask);
+  ~EffectChain();
+  EffectChain(const EffectChain&) = delete;
+  EffectChain& operator=(const EffectChain&) = delete;
+
+  // The result has the format of the picture, and its size but where an effect turns it. It stays
+  // until the next call. Throws RunError.
+  Frame& run(const Frame& picture, Progress& progress);
+
+ private:
+  class Step;
+
+  void splitStep(size_t index);
+  Frame& outputFor(size_t index, const Frame& from);
+
+  const RunOptions& options_;
+  const Picture* mask_;
+  int64_t effects_;
+  std::vector<std::unique_ptr<Step>> steps_;
+  std::array<std::optional<Frame>, 2> outputs_;  // of steps, by turns
+};
+
 // Throws RunError. Exif data and profile stay.
 Picture applyEffects(Picture picture, const std::vector<EffectCall>& chain,
                      const RunOptions& options, Progress& progress);
-
-// The same over a frame in its own format, which all effects take. Nothing is mixed with the
-// source.
-Frame applyEffects(const Frame& frame, const std::vector<EffectCall>& chain,
-                   const RunOptions& options, Progress& progress);
 
 }  // namespace qpx::tool

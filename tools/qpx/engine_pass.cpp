@@ -5,31 +5,31 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
-#include <thread>
+#include <utility>
 
 #include "errors.h"
+#include "parallel.h"
 
 namespace qpx::tool {
 
 namespace {
 
-// Blocks of every chroma layout are at most two rows high: threads must not share one.
-constexpr int32_t kRowUnit = 2;
+// Blocks of every chroma layout are at most four rows high: threads must not share one.
+constexpr int32_t kRowUnit = 4;
 
 }  // namespace
 
-// An engine for the pass, destroyed with the scope.
 class EnginePass::Handle {
  public:
-  explicit Handle(const EnginePass& pass) {
-    const MBitmap *in = &pass.in_.bitmap(), *out = &pass.out_.bitmap();
+  Handle(const EnginePass& pass, const Work& work) {
+    const MBitmap in = work.in.engineBitmap(), out = work.out.engineBitmap();
     if (!pass.merging_) {
-      code_ = QPXCreate(out, in, &pass.list_, &engine_);
+      code_ = QPXCreate(&out, &in, &pass.list_, &engine_);
       return;
     }
-    const MBitmap* second = pass.second_ ? &pass.second_->bitmap() : nullptr;
-    const MBitmap* mask = pass.mask_.plane[0] ? &pass.mask_ : nullptr;
-    code_ = QPXCreateIn(out, in, second, mask, &pass.list_, &engine_);
+    const MBitmap second = pass.second_ ? pass.second_->engineBitmap() : MBitmap{};
+    code_ = QPXCreateIn(&out, &in, pass.second_ ? &second : nullptr,
+                        pass.mask_.plane[0] ? &pass.mask_ : nullptr, &pass.list_, &engine_);
   }
   ~Handle() { QPXDestroy(engine_); }
   Handle(const Handle&) = delete;
@@ -43,8 +43,7 @@ class EnginePass::Handle {
   int32_t code_ = QPX_OK;
 };
 
-EnginePass::EnginePass(std::span<const EffectCall> chain, const Frame& in, Frame& out, int level)
-    : chain_(chain), in_(in), out_(out) {
+EnginePass::EnginePass(std::span<const EffectCall> chain, int level) : chain_(chain) {
   for (const EffectCall& call : chain) records_.push_back(call.record());
   for (size_t i = 0; i < chain.size(); ++i) {
     items_.push_back({chain[i].effect->id, records_[i].empty() ? nullptr : records_[i].data(),
@@ -53,12 +52,15 @@ EnginePass::EnginePass(std::span<const EffectCall> chain, const Frame& in, Frame
   list_ = {items_.data(), static_cast<uint32_t>(items_.size()), level};
 }
 
+EnginePass::~EnginePass() = default;
+
 void EnginePass::setOverlay(const Frame& overlay) {
+  overlay_ = overlay.engineBitmap();
   for (std::vector<uint8_t>& record : records_) {
     if (record.size() != sizeof(QPXFilterRecord)) continue;
     QPXFilterRecord filter{};
     std::memcpy(&filter, record.data(), sizeof filter);
-    filter.overlayImage = &overlay.bitmap();
+    filter.overlayImage = &overlay_;
     filter.overlayRect = {0, 0, overlay.width(), overlay.height()};
     std::memcpy(record.data(), &filter, sizeof filter);
   }
@@ -76,8 +78,8 @@ void EnginePass::setSecond(const Frame* second, const Picture* mask) {
   mask_.plane[0] = const_cast<uint8_t*>(mask->row(0));
 }
 
-int32_t EnginePass::feed(QPXEngine* engine, int32_t finished, MRect& rect) {
-  const QPXPlaneSet from = in_.planesAt(rect.top), to = out_.planesAt(finished);
+int32_t EnginePass::feed(QPXEngine* engine, const Work& work, int32_t finished, MRect& rect) const {
+  const QPXPlaneSet from = work.in.planesAt(rect.top), to = work.out.planesAt(finished);
   if (!merging_) return QPXProcess(engine, &to, &from, &rect);
   const QPXPlaneSet second = second_ ? second_->planesAt(rect.top) : QPXPlaneSet{};
   QPXPlaneSet mask{};
@@ -93,37 +95,38 @@ int32_t EnginePass::feed(QPXEngine* engine, int32_t finished, MRect& rect) {
 }
 
 // A rotation makes its whole output, which has a size of its own, out of the whole input.
-int32_t EnginePass::runRotation(QPXEngine* engine, int64_t steps, Progress& progress) {
-  MRect whole = {0, 0, out_.width(), out_.height()}, needed{};
+int32_t EnginePass::runRotation(QPXEngine* engine, const Work& work) const {
+  MRect whole = {0, 0, work.out.width(), work.out.height()}, needed{};
   int32_t code = QPXCalcRect(engine, &whole, &needed);
-  MRect rect = {0, 0, in_.width(), in_.height()};
-  if (code == QPX_OK) code = feed(engine, 0, rect);
-  progress.advance(steps);
+  MRect rect = {0, 0, work.in.width(), work.in.height()};
+  if (code == QPX_OK) code = feed(engine, work, 0, rect);
+  work.progress.advance(work.steps);
   return code;
 }
 
 // The engine holds rows back where an effect looks at neighbours. What it finishes goes behind what
 // was finished before, and the last band brings the rest.
-int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t steps,
-                            Progress& progress) {
-  const Handle handle(*this);
-  if (handle.code() != QPX_OK) return handle.code();
-  if (chain_.front().effect->marginRule == QPX_MARGIN_ROTATION) {
-    return runRotation(handle.engine(), steps, progress);
-  }
+int32_t EnginePass::runRows(std::unique_ptr<Handle>& handle, const Work& work, int32_t top,
+                            int32_t bottom) const {
+  if (!handle) handle = std::make_unique<Handle>(*this, work);
+  if (handle->code() != QPX_OK) return handle->code();
+  QPXEngine* engine = handle->engine();
+  if (chain_.front().effect->marginRule == QPX_MARGIN_ROTATION) return runRotation(engine, work);
   const auto wantsOneCall = [](const EffectCall& call) {
     return (call.effect->flags & QPX_EFFECT_ONE_CALL) != 0;
   };
-  if (std::any_of(chain_.begin(), chain_.end(), wantsOneCall)) band = bottom;
+  const bool oneCall = std::any_of(chain_.begin(), chain_.end(), wantsOneCall);
+  const int32_t band = oneCall ? bottom : work.band, height = work.in.height();
+  QPXCalcRectReset(engine);  // the rows of the picture before are no neighbours of these
   int32_t finished = top;
   for (int32_t y = top; y < bottom;) {
     const int32_t end = bottom - y > band ? y + band : bottom;
-    MRect rect = {0, y, in_.width(), end};
-    const int32_t code = feed(handle.engine(), finished, rect);
+    MRect rect = {0, y, work.in.width(), end};
+    const int32_t code = feed(engine, work, finished, rect);
     if (code != QPX_OK) return code;
     if (rect.top < rect.bottom) finished = rect.bottom;
     // As a difference, so that narrow bands are not all rounded to nothing.
-    progress.advance(steps * end / in_.height() - steps * y / in_.height());
+    work.progress.advance(work.steps * end / height - work.steps * y / height);
     y = end;
   }
   if (finished == bottom) return QPX_OK;
@@ -131,29 +134,31 @@ int32_t EnginePass::runRows(int32_t top, int32_t bottom, int32_t band, int64_t s
                  std::to_string(bottom) + ": try without --band");
 }
 
-int32_t EnginePass::run(int32_t band, int threads, int64_t steps, Progress& progress) {
-  const int32_t height = in_.height();
-  if (band <= 0) band = height;
+int32_t EnginePass::run(const Frame& in, Frame& out, int32_t band, int threads, int64_t steps,
+                        Progress& progress) {
+  const int32_t height = in.height();
+  const Work work = {in, out, band <= 0 ? height : band, steps, progress};
   const int32_t units = (height + kRowUnit - 1) / kRowUnit;
   threads = std::clamp(threads, 1, units);
-  if (threads == 1) return runRows(0, height, band, steps, progress);
-  std::atomic<int32_t> worst{QPX_OK};
-  std::vector<std::jthread> workers;
-  for (int i = 0; i < threads; ++i) {
-    const auto top = static_cast<int32_t>(int64_t{units} * i / threads) * kRowUnit;
-    const auto next = static_cast<int32_t>(int64_t{units} * (i + 1) / threads) * kRowUnit;
-    workers.emplace_back([this, &worst, &progress, top, next, height, band, steps] {
-      try {
-        const int32_t code = runRows(top, std::min(next, height), band, steps, progress);
-        if (code != QPX_OK) worst = code;
-      } catch (const std::bad_alloc&) {
-        worst = QPX_NO_MEMORY;
-      } catch (const std::exception&) {
-        worst = QPX_BAD_PARAM;  // an exception must not leave a thread
-      }
-    });
+  if (handles_.size() < static_cast<size_t>(threads)) {
+    handles_.resize(static_cast<size_t>(threads));
   }
-  workers.clear();  // joins
+  if (threads == 1) return runRows(handles_.front(), work, 0, height);
+  std::atomic<int32_t> worst{QPX_OK};
+  forEachInThreads(static_cast<size_t>(threads), threads, [&](size_t i) {
+    const auto edge = [&](size_t strip) {
+      const int64_t unit = int64_t{units} * static_cast<int64_t>(strip) / threads;
+      return std::min(static_cast<int32_t>(unit) * kRowUnit, height);
+    };
+    try {
+      const int32_t code = runRows(handles_[i], work, edge(i), edge(i + 1));
+      if (code != QPX_OK) worst = code;
+    } catch (const std::bad_alloc&) {
+      worst = QPX_NO_MEMORY;
+    } catch (const std::exception&) {
+      worst = QPX_BAD_PARAM;  // an exception must not leave a thread
+    }
+  });
   return worst;
 }
 

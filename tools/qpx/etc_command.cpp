@@ -128,7 +128,13 @@ MBitmap recordOf(Picture& picture) {
           {picture.row(0), nullptr, nullptr}};
 }
 
+void refusePictureName(const std::string& out) {
+  if (out == "-" || !kindByName(out)) return;
+  throw UsageError(out + ": is written as a PKM file: name it .pkm");
+}
+
 void encode(const EtcArguments& arguments) {
+  refusePictureName(arguments.out);
   refuseTerminal(arguments.out, isatty(STDOUT_FILENO) != 0);
   const Picture picture = readPicture(arguments.in);
   const std::string name = displayName(arguments.in, true);
@@ -169,6 +175,7 @@ void decode(const EtcArguments& arguments) {
 
 void crop(const EtcArguments& arguments) {
   const Region region = parseRegion(arguments.rect);
+  refusePictureName(arguments.out);
   refuseTerminal(arguments.out, isatty(STDOUT_FILENO) != 0);
   const PkmTexture texture = readPkm(arguments.in);
   const std::string name = displayName(arguments.in, true);
@@ -190,6 +197,7 @@ void merge(const EtcArguments& arguments) {
   if (arguments.in == "-" && arguments.second == "-") {
     throw UsageError("BASE and OVERLAY cannot both be standard input");
   }
+  refusePictureName(arguments.out);
   refuseTerminal(arguments.out, isatty(STDOUT_FILENO) != 0);
   const PkmTexture base = readPkm(arguments.in);
   const PkmTexture overlay = readPkm(arguments.second);
@@ -207,16 +215,6 @@ void merge(const EtcArguments& arguments) {
 }
 
 using ArgumentsPtr = std::shared_ptr<EtcArguments>;
-
-// 0 to 1. CLI::Range lets 'nan' through.
-CLI::Validator share() {
-  return {[](std::string& text) {
-            const std::optional<double> value = parseReal(text);
-            const bool inside = value && *value >= 0 && *value <= 1;
-            return std::string(inside ? "" : "give a number from 0 to 1");
-          },
-          ""};
-}
 
 void addFile(CLI::App& command, const std::string& name, std::string& to, const std::string& text) {
   command.add_option(name, to, text)->required()->check(notEmpty());
@@ -253,7 +251,7 @@ void addDecode(CLI::App& etc) {
   command->add_option("--to", arguments->to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command->add_option("--quality", arguments->jpegQuality, "Quality of JPEG output (default 95)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
   command->footer(
       "Example:\n"
       "  qpx etc decode photo.pkm photo.png");
@@ -289,7 +287,7 @@ void addMerge(CLI::App& etc) {
       ->check(notEmpty())
       ->type_name("x,y");
   command->add_option("--alpha", arguments->alpha, "Share of the overlay (default 1)")
-      ->check(share());
+      ->check(number(0, 1));
   command->footer(
       "Works by whole blocks of 4 x 4: x and y are multiples of 4; w and h too, unless\n"
       "they reach the overlay's edge, whose last blocks are then laid on whole.\n\n"

@@ -27,21 +27,23 @@ class FrameSource {
   const FrameShape& shape() const { return shape_; }
   const std::optional<Y4mHeader>& header() const { return header_; }
 
-  // Reads a frame over the one before. False at the end of the input. Throws RunError where that
-  // comes within a frame, and for an input without any.
-  bool next();
+  // Reads a frame over `frame`, which is made where there is none yet, once all its bytes are
+  // there: memory goes by what comes in, not by what a header claims. Returns the frame's
+  // parameters in a stream; nothing at the end of the input. Throws RunError where that comes
+  // within a frame, and for an input without any.
+  std::optional<std::string> next(std::optional<Frame>& frame);
 
-  const Frame& frame() const { return frame_; }
-  const std::string& parameters() const { return parameters_; }  // of the frame in the stream
+  // How many frames the input has by its size; 0 where nobody knows.
+  int64_t frames() const { return frames_; }
 
  private:
-  bool readFrameLine();
+  size_t readFirst(std::optional<Frame>& frame);
 
   InputFile& file_;
   std::optional<Y4mHeader> header_;
   FrameShape shape_;
-  Frame frame_;
-  std::string parameters_;
+  size_t bytes_;  // of a frame
+  int64_t frames_;
   int64_t taken_ = 0;
 };
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "errors.h"
+#include "picture.h"
 #include "text.h"
 
 namespace qpx::tool {
@@ -22,7 +23,7 @@ struct Chroma {
 constexpr std::array kChromas = {
     Chroma{"420jpeg", "i420"}, Chroma{"420mpeg2", "i420"}, Chroma{"420paldv", "i420"},
     Chroma{"420", "i420"},     Chroma{"422", "i422"},      Chroma{"444", "i444"},
-    Chroma{"mono", "grey"},
+    Chroma{"411", "i411"},     Chroma{"mono", "grey"},
 };
 
 [[noreturn]] void refuse(const std::string& parameter, const char* advice) {
@@ -58,11 +59,12 @@ int32_t parseSide(const std::string& parameter) {
 
 void takeChroma(const std::string& parameter, Y4mHeader& header) {
   header.chroma = parameter.substr(1);
+  header.format = nullptr;
   for (const Chroma& chroma : kChromas) {
     if (chroma.name == header.chroma) header.format = &pixelFormatByName(chroma.format);
   }
   if (!header.format) {
-    refuse(parameter, "qpx takes 8-bit streams of 420, 422, 444 and mono");
+    refuse(parameter, "qpx takes 8-bit streams of 420, 422, 444, 411 and mono");
   }
 }
 

@@ -19,7 +19,7 @@ inline constexpr size_t kMaxY4mLine = 4096;
 struct Y4mHeader {
   int32_t width = 0;
   int32_t height = 0;
-  const PixelFormat* format = nullptr;  // i420, i422, i444 or grey
+  const PixelFormat* format = nullptr;  // i420, i422, i444, i411 or grey
   std::string chroma;                   // behind C; says where the chroma of i420 lies
   std::string rate = "25:1";            // behind F: frames a second
   std::string interlacing = "p";        // behind I

@@ -1,14 +1,15 @@
 #include "image_file.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "codecs.h"
 #include "errors.h"
 #include "exif.h"
+#include "frame_y4m.h"
 #include "input_file.h"
 #include "text.h"
 
@@ -16,22 +17,35 @@ namespace qpx::tool {
 
 namespace {
 
+bool beginsWith(const std::vector<uint8_t>& file, std::string_view text) {
+  const auto same = [](char a, uint8_t b) { return static_cast<uint8_t>(a) == b; };
+  return file.size() >= text.size() && std::equal(text.begin(), text.end(), file.begin(), same);
+}
+
+bool isJpeg(const std::vector<uint8_t>& file) { return beginsWith(file, "\xFF\xD8\xFF"); }
+
+// A file cut within the signature is a PNG that ends too early, not something else.
+bool isPng(const std::vector<uint8_t>& file) {
+  constexpr std::string_view kSignature = "\x89PNG\r\n\x1A\n";
+  return file.size() >= 4 && beginsWith(file, kSignature.substr(0, file.size()));
+}
+
 Picture decode(const std::vector<uint8_t>& file, ProgressShare& share) {
-  constexpr std::array<uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (isJpeg(file)) return decodeJpeg(file, share);
+  if (isPng(file)) return decodePng(file, share);
   if (file.empty()) throw RunError("is empty: use a JPEG or PNG picture");
-  if (file.size() >= 3 && file[0] == 0xFF && file[1] == 0xD8 && file[2] == 0xFF) {
-    return decodeJpeg(file, share);
+  if (beginsWith(file, "PKM ")) {
+    throw RunError("is a PKM texture: make a picture of it with 'qpx etc decode'");
   }
-  // A file cut within the signature is a PNG that ends too early, not something else.
-  const size_t known = std::min(file.size(), kPngSignature.size());
-  if (known >= 4 &&
-      std::equal(kPngSignature.begin(), kPngSignature.begin() + known, file.begin())) {
-    return decodePng(file, share);
+  if (beginsWith(file, kY4mMagic)) {
+    throw RunError("is a YUV4MPEG2 stream: make a picture of a frame with 'qpx convert'");
   }
   throw RunError("is neither JPEG nor PNG: convert it to one of them first");
 }
 
 }  // namespace
+
+bool isPicture(const std::vector<uint8_t>& file) { return isJpeg(file) || isPng(file); }
 
 std::vector<uint8_t> readFileBytes(const std::string& path) { return InputFile(path).readAll(); }
 

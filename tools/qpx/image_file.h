@@ -17,6 +17,9 @@ namespace qpx::tool {
 // CMYK pictures become RGB of 8 bits. Throws RunError, which names the file and says what to do.
 Picture readPicture(const std::string& path, ProgressShare share = {});
 
+// Whether the bytes of a file begin as those of a JPEG or PNG.
+bool isPicture(const std::vector<uint8_t>& file);
+
 // The same from the bytes of a file. The message of its RunError lacks the file's name.
 Picture decodePicture(const std::vector<uint8_t>& file, ProgressShare share = {});
 

@@ -86,6 +86,14 @@ std::optional<std::string> InputFile::readLine(size_t most) {
   throw RunError("ends within a header line: it is cut off");
 }
 
+uint64_t InputFile::bytesAhead() const {
+  struct stat status {};
+  if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  const off_t at = lseek(descriptor_, 0, SEEK_CUR);
+  return at < 0 || at > status.st_size ? 0
+                                       : static_cast<uint64_t>(status.st_size - at) + ahead_.size();
+}
+
 size_t InputFile::expectedBytes() const {
   struct stat status {};
   if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0) return 0;

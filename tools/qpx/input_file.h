@@ -31,6 +31,9 @@ class InputFile {
   // Refuses lines of more than `most` bytes and one that the end cuts off.
   std::optional<std::string> readLine(size_t most);
 
+  // What is left of a file; 0 for a pipe and the like, of which nobody knows.
+  uint64_t bytesAhead() const;
+
   // All that is left, of 2 GiB at most.
   std::vector<uint8_t> readAll();
 

@@ -76,14 +76,15 @@ class Encoder {
   Encoder(const Encoder&) = delete;
   Encoder& operator=(const Encoder&) = delete;
 
-  bool start(int32_t width, int32_t height, int quality, const JfifDensity& density) {
+  bool start(const Picture& picture, int quality, const JfifDensity& density) {
     if (setjmp(handler_.jump)) return false;
     jpeg_create_compress(&jpeg_);
     jpeg_.dest = &destination_.base;
-    jpeg_.image_width = static_cast<JDIMENSION>(width);
-    jpeg_.image_height = static_cast<JDIMENSION>(height);
-    jpeg_.input_components = 3;
-    jpeg_.in_color_space = JCS_RGB;
+    jpeg_.image_width = static_cast<JDIMENSION>(picture.width());
+    jpeg_.image_height = static_cast<JDIMENSION>(picture.height());
+    const bool grey = picture.channels() == 1;
+    jpeg_.input_components = grey ? 1 : 3;
+    jpeg_.in_color_space = grey ? JCS_GRAYSCALE : JCS_RGB;
     jpeg_set_defaults(&jpeg_);
     jpeg_set_quality(&jpeg_, quality, TRUE);
     jpeg_.comp_info[0].h_samp_factor = 1;
@@ -138,7 +139,9 @@ bool writeMetadata(Encoder& encoder, const Picture& picture) {
   // A segment cannot hold more, and such Exif data came from a PNG: the picture matters more.
   const bool exifFits = !picture.exif.empty() && segment.size() <= kMaxSegment;
   if (exifFits && !encoder.writeSegment(JPEG_APP0 + 1, segment)) return false;
-  const bool profileFits = !picture.icc.empty() && picture.icc.size() <= kMaxProfile;
+  // Profiles are for RGB.
+  const bool profileFits =
+      !picture.icc.empty() && picture.channels() >= 3 && picture.icc.size() <= kMaxProfile;
   return !profileFits || encoder.writeProfile(picture.icc);
 }
 
@@ -147,9 +150,8 @@ bool writeMetadata(Encoder& encoder, const Picture& picture) {
 void encodeJpeg(const Picture& picture, int quality, OutputFile& out, ProgressShare& share) {
   share.expect(picture.height());
   const auto encoder = std::make_unique<Encoder>(out);
-  bool good =
-      encoder->start(picture.width(), picture.height(), quality, jfifDensity(picture.density)) &&
-      writeMetadata(*encoder, picture);
+  bool good = encoder->start(picture, quality, jfifDensity(picture.density)) &&
+              writeMetadata(*encoder, picture);
   std::vector<uint8_t> opaque(picture.hasAlpha() ? static_cast<size_t>(picture.width()) * 3 : 0);
   for (int32_t y = 0; good && y < picture.height(); ++y) {
     if (picture.hasAlpha()) layOnWhite(picture.row(y), picture.width(), opaque.data());

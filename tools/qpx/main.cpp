@@ -35,7 +35,7 @@ std::string helpCall(const CLI::App& app) {
 
 int run(CLI::App& app, const std::vector<std::string>& words) {
   try {
-    checkSubcommand(app, words);
+    checkWords(app, words);
     // The parser takes words from the back.
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     return kExitDone;

@@ -12,6 +12,7 @@
 #include "errors.h"
 #include "image_file.h"
 #include "one_picture.h"
+#include "picture_frame.h"
 
 namespace qpx::tool {
 
@@ -45,9 +46,11 @@ std::string sizeText(const Picture& picture) {
   return std::to_string(picture.width()) + "x" + std::to_string(picture.height());
 }
 
-Picture blurred(const Picture& picture, const MotionBlurArguments& arguments) {
-  const Picture mask =
-      arguments.mask.empty() ? wholeMask(picture) : insideOf(maskOf(readPicture(arguments.mask)));
+// Without a mask all of the picture moves.
+Picture blurred(const Picture& picture, const Picture* given,
+                const MotionBlurArguments& arguments) {
+  const Picture whole = given ? Picture() : wholeMask(picture);
+  const Picture& mask = given ? *given : whole;
   if (mask.width() != picture.width() || mask.height() != picture.height()) {
     throw RunError("is " + sizeText(picture) + ", but its mask " +
                    displayName(arguments.mask, true) + " is " + sizeText(mask) +
@@ -64,8 +67,10 @@ void motionBlur(const MotionBlurArguments& arguments) {
   if (arguments.mask == "-" && arguments.files.in == "-") {
     throw UsageError("IN and --mask cannot both be standard input: give one of them as a file");
   }
+  Picture mask;
+  if (!arguments.mask.empty()) mask = insideOf(maskOf(readPicture(arguments.mask)));
   changePicture(arguments.files, [&](const Picture& picture, Progress& progress) {
-    Picture result = blurred(picture, arguments);
+    Picture result = blurred(picture, arguments.mask.empty() ? nullptr : &mask, arguments);
     progress.advance(kEffectSteps);
     return result;
   });
@@ -86,9 +91,9 @@ void addMotionBlurCommand(CLI::App& app) {
   command
       ->add_option("--angle", arguments->angle,
                    "Degrees, anticlockwise from a movement across (default 0)")
-      ->check(CLI::Range(-360, 360));
+      ->transform(wholeNumber(-360, 360));
   command->add_option("--length", arguments->length, "Length of the smear in pixels (default 50)")
-      ->check(CLI::Range(0, 1 << 30));
+      ->transform(wholeNumber(0, 1 << 30));
   command->footer(
       "Only pixels under the mask are taken into the smear, so that a subject does not\n"
       "drag its background along. Exif data, colour profile, density and alpha are kept.\n\n"

@@ -1,5 +1,6 @@
 #include "one_picture.h"
 
+#include <qpx/types.h>
 #include <unistd.h>
 
 #include <new>
@@ -23,7 +24,7 @@ void addOnePictureOptions(CLI::App& command, OnePicture& files) {
   command.add_option("--to", files.to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command.add_option("--quality", files.quality, "Quality of JPEG output (default 95, 4:4:4)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
 }
 
 void changePicture(const OnePicture& files, const Change& change) {
@@ -35,6 +36,7 @@ void changePicture(const OnePicture& files, const Change& change) {
   const FileKind kind = wanted.value_or(picture.kind);
   const std::string problem = sizeProblem(kind, picture.width(), picture.height());
   if (!problem.empty()) throw RunError(displayName(files.out, false) + ": " + problem);
+  refuseUnwritable(files.out);
   try {
     picture = change(std::move(picture), progress);
   } catch (const RunError& error) {
@@ -43,19 +45,6 @@ void changePicture(const OnePicture& files, const Change& change) {
     throw RunError(name + ": not enough memory: use a smaller picture");
   }
   writePicture(picture, files.out, kind, files.quality, {progress, kWriteSteps});
-}
-
-MBitmap bitmapOf(const Picture& picture) {
-  const uint32_t format = picture.channels() == 1   ? QPX_FORMAT_GREY8
-                          : picture.channels() == 3 ? QPX_FORMAT_RGB24
-                                                    : QPX_FORMAT_RGBA32;
-  if (picture.pitch() > INT32_MAX) throw RunError("is too wide: use a smaller picture");
-  // Records have no const planes; what the library only reads stays as it is.
-  return {format,
-          picture.width(),
-          picture.height(),
-          {static_cast<int32_t>(picture.pitch()), 0, 0},
-          {const_cast<uint8_t*>(picture.row(0)), nullptr, nullptr}};
 }
 
 void checkResult(int32_t code) {

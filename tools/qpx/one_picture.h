@@ -1,8 +1,6 @@
 // What the subcommands that change one whole picture have in common.
 #pragma once
 
-#include <qpx/types.h>
-
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
@@ -26,9 +24,6 @@ void addOnePictureOptions(CLI::App& command, OnePicture& files);
 // steps of progress; what goes wrong in it is reported with the name of IN.
 using Change = std::function<Picture(Picture picture, Progress& progress)>;
 void changePicture(const OnePicture& files, const Change& change);
-
-// The record of an RGB, RGBA or one-channel picture, which keeps its samples.
-MBitmap bitmapOf(const Picture& picture);
 
 // Throws RunError for the result codes of a service that failed.
 void checkResult(int32_t code);

@@ -88,6 +88,14 @@ void refuseTerminal(const std::string& path, bool terminal) {
       "as in '... - > out.png'");
 }
 
+void refuseUnwritable(const std::string& path) {
+  struct stat status {};
+  const bool there = stat(path.c_str(), &status) == 0;
+  // Whoever reads a pipe would take its closing for the end.
+  if (path == "-" || (there && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))) return;
+  const OutputFile probe(path);
+}
+
 void installSignalCleanup() {
   // Beyond the limit on file sizes a write fails all the same, and says why.
   signal(SIGXFSZ, SIG_IGN);

@@ -39,6 +39,10 @@ class OutputFile {
   int error_ = 0;
 };
 
+// Throws RunError where OutputFile would, before long work is done for nothing. Leaves nothing
+// behind.
+void refuseUnwritable(const std::string& path);
+
 // Throws UsageError when a picture would go to a terminal: `terminal` says that standard output is
 // one.
 void refuseTerminal(const std::string& path, bool terminal);

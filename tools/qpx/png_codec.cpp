@@ -145,6 +145,12 @@ void writeBytes(png_structp png, png_bytep bytes, size_t count) {
 
 void flushNothing(png_structp) {}
 
+constexpr int colorType(int channels) {
+  return channels == 1   ? PNG_COLOR_TYPE_GRAY
+         : channels == 3 ? PNG_COLOR_TYPE_RGB
+                         : PNG_COLOR_TYPE_RGB_ALPHA;
+}
+
 class Encoder {
  public:
   explicit Encoder(OutputFile& out) : out_(&out) {
@@ -161,13 +167,12 @@ class Encoder {
     png_set_write_fn(png_, out_, writeBytes, flushNothing);
     png_set_user_limits(png_, 0x7FFFFFFF, 0x7FFFFFFF);
     png_set_IHDR(png_, info_, static_cast<png_uint_32>(picture.width()),
-                 static_cast<png_uint_32>(picture.height()), 8,
-                 picture.hasAlpha() ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
+                 static_cast<png_uint_32>(picture.height()), 8, colorType(picture.channels()),
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
     // A profile that libpng finds fault with was good enough for the input: it is not worth an
     // error.
     png_set_benign_errors(png_, 1);
-    if (!picture.icc.empty()) {
+    if (!picture.icc.empty() && picture.channels() >= 3) {
       png_set_iCCP(png_, info_, "ICC profile", PNG_COMPRESSION_TYPE_BASE, picture.icc.data(),
                    static_cast<png_uint_32>(picture.icc.size()));
     }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 
@@ -25,6 +26,21 @@ std::string progressLine(int64_t done, int64_t steps, const std::string& label, 
   line += std::string(4 - number.size(), ' ') + number + "%";
   const int left = columns - kFrame - width - 1;
   return left > 0 ? line + " " + fitted(label, static_cast<size_t>(left)) : line;
+}
+
+std::string framesLine(int64_t done, int64_t frames, double seconds, const std::string& label,
+                       int columns, bool color) {
+  std::string text = std::to_string(done);
+  if (frames > 0) text += " of " + std::to_string(frames);
+  text += done == 1 && frames == 0 ? " frame" : " frames";
+  if (done > 0 && seconds > 0) {
+    std::array<char, 32> rate{};
+    std::snprintf(rate.data(), rate.size(), ", %.1f a second", static_cast<double>(done) / seconds);
+    text += rate.data();
+  }
+  text += "  " + label;
+  if (frames > 0) return progressLine(done, frames, text, columns, color);
+  return fitted(text, static_cast<size_t>(std::max(columns, 0)));
 }
 
 Progress::Progress(std::string label, int64_t steps) : label_(printable(label)), steps_(steps) {
@@ -53,9 +69,20 @@ void Progress::run() {
   std::fputs(kClearLine, stderr);
 }
 
+void Progress::countFrames(int64_t frames) {
+  done_ = 0;
+  steps_ = frames;
+  began_ = Clock::now();
+}
+
 void Progress::draw() const {
-  const std::string line = progressLine(done_, steps_, label_, terminalColumns(STDERR_FILENO),
-                                        wantsColor(STDERR_FILENO));
+  const int columns = terminalColumns(STDERR_FILENO);
+  const bool color = wantsColor(STDERR_FILENO);
+  const Clock::time_point began = began_;
+  const std::chrono::duration<double> since = Clock::now() - began;
+  const std::string line = began == Clock::time_point{}
+                               ? progressLine(done_, steps_, label_, columns, color)
+                               : framesLine(done_, steps_, since.count(), label_, columns, color);
   std::fprintf(stderr, "%s%s", kClearLine, line.c_str());
   std::fflush(stderr);
 }

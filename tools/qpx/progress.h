@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -14,17 +15,25 @@ namespace qpx::tool {
 std::string progressLine(int64_t done, int64_t steps, const std::string& label, int columns,
                          bool color);
 
+// Frames that are done, of how many where that is known (else `frames` is 0), and how fast.
+std::string framesLine(int64_t done, int64_t frames, double seconds, const std::string& label,
+                       int columns, bool color);
+
 // Shows nothing in the first second, and nothing at all where standard error is no terminal. Any
 // thread may report.
 class Progress {
  public:
   Progress(std::string label, int64_t steps);
+  Progress() = default;  // is never shown
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
   void advance(int64_t steps = 1) { done_ += steps; }
   int64_t done() const { return done_; }
+
+  // From now on steps are frames, of which there are so many; 0: nobody knows.
+  void countFrames(int64_t frames);
 
   // Takes the bar away, so that other lines can be written.
   void stop();
@@ -33,8 +42,11 @@ class Progress {
   void run();
   void draw() const;
 
+  using Clock = std::chrono::steady_clock;
+
   std::string label_;
-  int64_t steps_;
+  std::atomic<int64_t> steps_{0};
+  std::atomic<Clock::time_point> began_{};  // to count frames
   std::atomic<int64_t> done_{0};
   std::mutex mutex_;
   std::condition_variable wake_;

@@ -2,7 +2,6 @@
 #include <qpx/retouch.h>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "errors.h"
 #include "image_file.h"
 #include "one_picture.h"
+#include "picture_frame.h"
 #include "retouch_guide.h"
 
 namespace qpx::tool {
@@ -27,21 +27,6 @@ struct RetouchArguments {
   double scale = 0;  // 0: by the picture's size
 };
 
-// As CLI::Range, which lets pass what is no number.
-CLI::Validator between(double low, double high) {
-  CLI::Range range(low, high);
-  range.description("");
-  return CLI::Validator(
-      [range](std::string& text) {
-        double value = 0;
-        if (CLI::detail::lexical_cast(text, value) && std::isnan(value)) {
-          return "'" + text + "' is no number";
-        }
-        return range(text);
-      },
-      "");
-}
-
 std::string sizeText(const Picture& picture) {
   return std::to_string(picture.width()) + "x" + std::to_string(picture.height());
 }
@@ -55,16 +40,16 @@ bool hasAny(const Picture& mask, uint8_t value) {
   return false;
 }
 
-Picture readMask(const RetouchArguments& arguments, const Picture& picture) {
-  Picture mask = maskOf(readPicture(arguments.mask));
-  if (mask.width() == picture.width() && mask.height() == picture.height()) return mask;
+void checkMask(const Picture& mask, const RetouchArguments& arguments, const Picture& picture) {
+  if (mask.width() == picture.width() && mask.height() == picture.height()) return;
   throw RunError("is " + sizeText(picture) + ", but its mask " + displayName(arguments.mask, true) +
                  " is " + sizeText(mask) + ": give a mask of the same size");
 }
 
-Picture retouched(const Picture& picture, const RetouchArguments& arguments) {
+Picture retouched(const Picture& picture, const Picture& given, const RetouchArguments& arguments) {
+  checkMask(given, arguments, picture);
   const double scale = arguments.scale > 0 ? arguments.scale : retouchScale(picture);
-  const Picture mask = retouchMask(readMask(arguments, picture), scale);
+  const Picture mask = retouchMask(given, scale);
   if (!hasAny(mask, 0)) {
     throw RunError("is covered by its mask " + displayName(arguments.mask, true) +
                    ": leave something to fill from, black in the mask");
@@ -83,8 +68,9 @@ void retouch(const RetouchArguments& arguments) {
   if (arguments.mask == "-" && arguments.files.in == "-") {
     throw UsageError("IN and --mask cannot both be standard input: give one of them as a file");
   }
+  const Picture mask = maskOf(readPicture(arguments.mask));
   changePicture(arguments.files, [&](const Picture& picture, Progress& progress) {
-    Picture result = retouched(picture, arguments);
+    Picture result = retouched(picture, mask, arguments);
     progress.advance(kEffectSteps);
     return result;
   });
@@ -106,17 +92,17 @@ void addRetouchCommand(CLI::App& app) {
   command
       ->add_option("--radius", arguments->radius,
                    "Half a patch in pixels, after reduction: 1 to 10 (default 4)")
-      ->check(CLI::Range(1, 10));
+      ->transform(wholeNumber(1, 10));
   command
       ->add_option("--weight", arguments->weight,
                    "What is filled first: 0 where lines run into the hole, 1 where most is known "
                    "(default 0.9)")
-      ->check(between(0.0, 1.0));
+      ->check(number(0.0, 1.0));
   command
       ->add_option("--scale", arguments->scale,
                    "Seek patches in the picture reduced by this, 1 and up (default: as keeps it "
                    "quick)")
-      ->check(between(1.0, 64.0));
+      ->check(number(1.0, 64.0));
   command->footer(
       "Paint the mask a few pixels beyond the object, its shadow and its soft edges. A larger\n"
       "radius keeps larger patterns together, a smaller one follows finer lines. Exif data,\n"

@@ -19,6 +19,7 @@
 #include "errors.h"
 #include "exif.h"
 #include "one_picture.h"
+#include "picture_frame.h"
 #include "text.h"
 
 namespace qpx::tool {

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -52,11 +53,12 @@ void addSampleCommand(CLI::App& app) {
   command->add_option("--size", arguments->size, "Width and height (default 1280x960)")
       ->check(notEmpty())
       ->type_name("WxH");
-  command->add_option("--seed", arguments->seed, "Another seed, other clouds and leaves");
+  command->add_option("--seed", arguments->seed, "Another seed, other clouds and leaves")
+      ->transform(wholeNumber(0, std::numeric_limits<uint32_t>::max()));
   command->add_option("--to", arguments->to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command->add_option("--quality", arguments->quality, "Quality of JPEG output (default 95)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
   command->footer(
       "The same size and seed always give the same pixels.\n\n"
       "Example:\n"

@@ -13,6 +13,7 @@
 #include "errors.h"
 #include "image_file.h"
 #include "label_font.h"
+#include "output_file.h"
 #include "parallel.h"
 #include "progress.h"
 #include "sheet_drawing.h"
@@ -90,6 +91,7 @@ void sheet(const SheetArguments& arguments) {
   Progress progress(displayName(arguments.in, true),
                     kReadSteps + static_cast<int64_t>(count) * (kEffectSteps + kTileWriteSteps));
 
+  refuseUnwritable(arguments.out);
   const Source source = readSource(arguments, plan, options, progress);
   if (options.second) {
     second = scaled(readPicture(arguments.second), source.tile.width(), source.tile.height());
@@ -148,11 +150,11 @@ void addChoiceOptions(CLI::App& command, SheetArguments& arguments) {
   effects->excludes(family)->excludes(sweep);
   family->excludes(sweep);
   command.add_option("--steps", arguments.steps, "Values of a sweep (default 11)")
-      ->check(CLI::Range(2, 256))
+      ->transform(wholeNumber(2, 256))
       ->needs(sweep);
   command.add_option("--format", arguments.format, "Pixel format that the effects run in")
       ->check(notEmpty())
-      ->type_name(joined(pixelFormatNames(), "|"));
+      ->type_name("FORMAT");
   command.add_option("--second", arguments.second, "Second picture, for effects that take one")
       ->check(notEmpty())
       ->type_name("FILE");
@@ -160,16 +162,16 @@ void addChoiceOptions(CLI::App& command, SheetArguments& arguments) {
 
 void addSheetOptions(CLI::App& command, SheetArguments& arguments) {
   command.add_option("--columns", arguments.columns, "Tiles in a row (default: by their number)")
-      ->check(CLI::Range(1, 1000));
+      ->transform(wholeNumber(1, 1000));
   command.add_option("--size", arguments.size, "Longest side of a tile in pixels (default 320)")
-      ->check(CLI::Range(kSmallestTile, kLargestTile));
+      ->transform(wholeNumber(kSmallestTile, kLargestTile));
   command
       .add_option("--threads", arguments.threads, "Tiles at once (default: one for each processor)")
-      ->check(CLI::Range(1, 256));
+      ->transform(wholeNumber(1, 256));
   command.add_option("--to", arguments.to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
   command.add_option("--quality", arguments.quality, "Quality of JPEG output (default 95)")
-      ->check(CLI::Range(1, 100));
+      ->transform(wholeNumber(1, 100));
   command.add_flag("--verbose", arguments.verbose, "Print the library's log and what is done");
 }
 
@@ -187,7 +189,7 @@ void addSheetCommand(CLI::App& app) {
       ->check(notEmpty());
   addChoiceOptions(*command, *arguments);
   addSheetOptions(*command, *arguments);
-  command->footer(kFooter);
+  command->footer(std::string(kFooter) + "\n\n" + formatHelp());
   command->callback([arguments] { sheet(*arguments); });
 }
 

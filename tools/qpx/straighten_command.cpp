@@ -10,6 +10,7 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "one_picture.h"
+#include "picture_frame.h"
 #include "text.h"
 
 namespace qpx::tool {

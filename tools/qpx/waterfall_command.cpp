@@ -12,6 +12,7 @@
 #include "effect_run.h"
 #include "errors.h"
 #include "one_picture.h"
+#include "picture_frame.h"
 #include "strokes.h"
 
 namespace qpx::tool {
@@ -104,10 +105,10 @@ void addWaterfallCommand(CLI::App& app) {
       ->check(notEmpty())
       ->type_name("\"X,Y X,Y...\"");
   command->add_option("--radius", arguments->radius, "Half the stroke's width (default 20)")
-      ->check(CLI::Range(1, 1 << 30));
+      ->transform(wholeNumber(1, 1 << 30));
   command
       ->add_option("--length", arguments->length, "Pixels that run into one another (default 40)")
-      ->check(CLI::Range(2, 1 << 30));
+      ->transform(wholeNumber(2, 1 << 30));
   command->footer(
       "Pixels run in the direction of the stroke, whichever way it is drawn. Points may\n"
       "lie outside the picture. Exif data, colour profile, density and alpha are kept.\n\n"
