@@ -5,6 +5,8 @@
 #include "convert/kernels/group_sink.h"
 #include "convert/kernels/planar_sink.h"
 #include "convert/kernels/rgb_sink.h"
+#include "convert/kernels/row_halves.h"
+#include "convert/kernels/row_moves.h"
 #include "convert/kernels/walk.h"
 
 namespace qpx::convert::fast {
@@ -34,21 +36,37 @@ void convertDithered(const Call& call, FormatSet from, FormatSet to, const CellG
   }
 }
 
+// Walks the rectangle with an open sink and, where it takes more of them, others that `open` opens.
+template <typename Sink, typename Open>
+void walk(const Call& call, const CellGrid& cells, Sink* sink, const Open& open) {
+  const Walk walk(call, cells, runLength(*call.record));
+  RunSinks<Sink> sinks(sink, walk.isSampled() ? walk.runs() : 1);
+  if (sinks.count() == 1) {
+    walk.run(sink);
+    return;
+  }
+  sinks.open(open);
+  walk.run(&sinks);
+}
+
 void convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  const auto open = [&](RgbSink* sink) { return sink->open(call, from, to); };
   RgbSink sink;
-  if (!sink.open(call, from, to) || (from == to && sink.copyPixels(Positions(call)))) return;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!open(&sink) || (from == to && sink.copyPixels(Positions(call)))) return;
+  walk(call, cells, &sink, open);
 }
 
 void convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
+  const auto open = [&](GroupSink* sink) { return sink->open(call, from, cells); };
   GroupSink sink;
-  if (sink.open(call, from, cells)) walk(call, cells, runLength(*call.record), &sink);
+  if (open(&sink)) walk(call, cells, &sink, open);
 }
 
 void convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  const auto open = [&](PlanarSink* sink) { return sink->open(call, from, to, cells); };
   PlanarSink sink;
-  if (!sink.open(call, from, to, cells) || sink.copyPlanes(Positions(call))) return;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!open(&sink) || sink.copyPlanes(Positions(call))) return;
+  walk(call, cells, &sink, open);
 }
 
 bool dithers(const ConvRecord& record, FormatSet from, FormatSet to, Dither dither) {
@@ -70,6 +88,8 @@ void convert(const Call& call, Dither dither) {
   const CellGrid cells = cellsOf(record, call.rect, record.dst.klass == kYuyv);
   if (dithers(record, from, to, dither)) {
     convertDithered(call, from, to, cells, dither == Dither::cells);
+  } else if (moveRows(call, from, to, cells) || halveRows(call, from, to, cells)) {
+    return;
   } else if ((to & kInRgb) != 0) {
     convertToRgb(call, from, to, cells);
   } else if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {
