@@ -1,10 +1,14 @@
-// Conversions through the post process beside libyuv's and OpenCV's of the same formats. One
-// thread; CPU time. Peers round their own way: it is the speed that is compared.
+// Conversions through the post process beside libyuv's, OpenCV's and swscale's of the same formats.
+// One thread; CPU time. Peers round their own way: it is the speed that is compared.
 //
 // Arguments are those of Google Benchmark; without any, repetitions are interleaved so that a slow
 // moment of the machine falls on all subjects alike.
 #include <benchmark/benchmark.h>
 #include <libyuv.h>
+
+extern "C" {
+#include <libswscale/swscale.h>
+}
 
 #include <cstdio>
 #include <cstdlib>
@@ -90,6 +94,29 @@ Body postProcess(ImagePtr src, ImagePtr dst, uint32_t orientation, bool bilinear
   const std::shared_ptr<PostProcessContext> owned(context, MPPDestroy);
   return [=] {
     expectDone(MPProcess(owned.get(), src->plane, nullptr, src->pitch, dst->plane, dst->pitch));
+  };
+}
+
+// swscale between two pictures, which it takes in planes of its own order.
+Body swscale(ImagePtr src, AVPixelFormat from, ImagePtr dst, AVPixelFormat to) {
+  const std::shared_ptr<SwsContext> context(
+      sws_getContext(src->width, src->height, from, dst->width, dst->height, to, SWS_BILINEAR,
+                     nullptr, nullptr, nullptr),
+      sws_freeContext);
+  return [=] {
+    const auto planesOf = [](const Image& of, uint8_t** planes) {
+      const bool pairs = of.format == QPX_FORMAT_NV21;
+      planes[0] = of.plane[0];
+      planes[1] = pairs ? of.pairs() : of.plane[1];
+      planes[2] = pairs ? nullptr : of.plane[2];
+      planes[3] = nullptr;
+    };
+    uint8_t *fromPlanes[4], *toPlanes[4];
+    planesOf(*src, fromPlanes);
+    planesOf(*dst, toPlanes);
+    const int fromPitch[4] = {src->pitch[0], src->pitch[1], src->pitch[2], 0};
+    const int toPitch[4] = {dst->pitch[0], dst->pitch[1], dst->pitch[2], 0};
+    sws_scale(context.get(), fromPlanes, fromPitch, 0, src->height, toPlanes, toPitch);
   };
 }
 
@@ -220,6 +247,7 @@ class Suite {
                           small->plane[0], toW, small->plane[1], toW / 2, small->plane[2], toW / 2,
                           toW, toH, libyuv::kFilterBilinear);
       });
+      peer("swscale", swscale(i420, AV_PIX_FMT_YUV420P, small, AV_PIX_FMT_YUV420P));
       const ImagePtr pixels = image(QPX_FORMAT_RGBA32, toW, toH);
       ours("RGBA32" + name, rgba, pixels, 0, true);
       peer("libyuv", [=] {
@@ -230,7 +258,24 @@ class Suite {
         cv::Mat to = pixels->mat(CV_8UC4);
         cv::resize(rgba->mat(CV_8UC4), to, to.size(), 0, 0, cv::INTER_LINEAR);
       });
+      peer("swscale", swscale(rgba, AV_PIX_FMT_RGBA, pixels, AV_PIX_FMT_RGBA));
     }
+    addScaledToRgb();
+  }
+
+  // Ours in one call, libyuv's in two: smaller first.
+  void addScaledToRgb() {
+    const int32_t w = width_, h = height_, toW = w / 2 & ~1, toH = h / 2 & ~1;
+    const ImagePtr nv21 = image(QPX_FORMAT_NV21, w, h), small = image(QPX_FORMAT_NV21, toW, toH);
+    const ImagePtr bgr = image(QPX_FORMAT_BGR24, toW, toH);
+    ours("NV21 to BGR24 at 1/2", nv21, bgr, 0, true);
+    peer("libyuv", [=] {
+      libyuv::NV12Scale(nv21->plane[0], w, nv21->pairs(), w, w, h, small->plane[0], toW,
+                        small->pairs(), toW, toW, toH, libyuv::kFilterBilinear);
+      libyuv::NV21ToRGB24(small->plane[0], toW, small->pairs(), toW, bgr->plane[0], 3 * toW, toW,
+                          toH);
+    });
+    peer("swscale", swscale(nv21, AV_PIX_FMT_NV21, bgr, AV_PIX_FMT_BGR24));
   }
 
   void ours(const std::string& workload, const ImagePtr& src, const ImagePtr& dst,

@@ -7,7 +7,7 @@
 #   looks          looks beside memcpy and OpenCV, and the setup times of all effects
 #   adjust         the parametric adjustments beside memcpy, OpenCV and libyuv
 #   rows           plain beside vector forms
-#   convert        conversions by a record beside libyuv and OpenCV
+#   convert        conversions by a record beside libyuv, OpenCV and swscale
 #   image_convert  conversions of whole images beside libyuv and OpenCV, and in bands
 #   geometry       turned and levelled pictures beside OpenCV
 #   smear          motion blur and waterfall beside OpenCV

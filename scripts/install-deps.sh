@@ -14,7 +14,7 @@ declare -A packages=(
   [lint]="clang clang-format clang-tidy shellcheck"
   [fuzz]="clang libclang-rt-14-dev"
   [armhf]="g++-arm-linux-gnueabihf qemu-user"
-  [bench]="libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-photo-dev libyuv-dev libboost-graph-dev etc1tool"
+  [bench]="libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libopencv-photo-dev libyuv-dev libswscale-dev libboost-graph-dev etc1tool"
 )
 order=(build tool tests lint fuzz armhf bench)
 

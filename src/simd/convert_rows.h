@@ -48,17 +48,6 @@ struct YuvRow {
   bool halved;  // pixel i takes chroma sample i / 2, else sample i
 };
 
-// Where a row of a resampled picture takes its pixels, for one run of destination pixels.
-struct SampledRow {
-  const uint8_t* top;
-  const uint8_t* bottom;    // the row below, or `top` again
-  const int32_t* place;     // source column of each pixel, never negative
-  const int32_t* fraction;  // 0..65535; where it is 0 column place + 1 is not read
-  int32_t down;             // 0..65535, from top towards bottom
-  uint32_t step;            // 16.16, from one place to the next
-  bool even;                // place and fraction are exactly that far apart all along the run
-};
-
 struct ConvertRows {
   // Pixels from YUV: three bytes, four (the last being `alpha`), or 16-bit words 5-6-5. The first
   // byte, of a word the lowest field, is blue, or red with `redFirst`.
@@ -115,20 +104,6 @@ struct ConvertRows {
                      uint8_t* dst, ptrdiff_t dstPitch);
   void (*transpose4)(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdiff_t rows,
                      uint8_t* dst, ptrdiff_t dstPitch);
-
-  // Nearest: element place[i] of src, elements being 1 to 4 bytes. Places are not negative.
-  void (*pick1)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
-  void (*pick2)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
-  void (*pick3)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
-  void (*pick4)(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst);
-
-  // Bilinear on elements of 1, 3 and 4 bytes, each byte by itself, across first and then down:
-  // mix(p, q, f) = ((p << 16) + f * (q - p)) >> 16,
-  // mix(mix(a, b, fraction), mix(c, d, fraction), down) with a and b of `top`, c and d of `bottom`.
-  // The fourth byte of four is that of a.
-  void (*blend1)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
-  void (*blend3)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
-  void (*blend4)(const SampledRow& row, ptrdiff_t count, uint8_t* dst);
 };
 
 #define QPX_CONVERT_ROWS(ROW, Table) \
@@ -153,14 +128,7 @@ struct ConvertRows {
   ROW(Table, transpose1)             \
   ROW(Table, transpose2)             \
   ROW(Table, transpose3)             \
-  ROW(Table, transpose4)             \
-  ROW(Table, pick1)                  \
-  ROW(Table, pick2)                  \
-  ROW(Table, pick3)                  \
-  ROW(Table, pick4)                  \
-  ROW(Table, blend1)                 \
-  ROW(Table, blend3)                 \
-  ROW(Table, blend4)
+  ROW(Table, transpose4)
 QPX_DECLARE_ROWS(ConvertRows, QPX_CONVERT_ROWS)
 
 inline const ConvertRows& convertRows() { return chosenForm<ConvertRows>(); }

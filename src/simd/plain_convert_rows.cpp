@@ -83,33 +83,6 @@ void transpose(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdif
   }
 }
 
-template <int kBytes>
-void pick(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < count; ++i) {
-    memcpy(dst + i * kBytes, src + ptrdiff_t{place[i]} * kBytes, kBytes);
-  }
-}
-
-int32_t mix(int32_t p, int32_t q, int32_t fraction) {
-  return (p * 65536 + fraction * (q - p)) >> 16;
-}
-
-template <int kBytes>
-void blend(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  constexpr ptrdiff_t kColours = std::min(kBytes, 3);
-  for (ptrdiff_t i = 0; i < count; ++i, dst += kBytes) {
-    const int32_t across = row.fraction[i];
-    const ptrdiff_t a = ptrdiff_t{row.place[i]} * kBytes;
-    const ptrdiff_t b = across != 0 ? a + kBytes : a;
-    for (ptrdiff_t c = 0; c < kColours; ++c) {
-      const int32_t top = mix(row.top[a + c], row.top[b + c], across);
-      const int32_t bottom = mix(row.bottom[a + c], row.bottom[b + c], across);
-      dst[c] = static_cast<uint8_t>(mix(top, bottom, row.down));
-    }
-    if constexpr (kBytes == 4) dst[3] = row.top[a + 3];
-  }
-}
-
 }  // namespace
 
 void yuvToRgb24(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
@@ -224,26 +197,6 @@ void transpose4(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdi
                 uint8_t* dst, ptrdiff_t dstPitch) {
   transpose<4>(src, srcPitch, columns, rows, dst, dstPitch);
 }
-
-void pick1(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
-  pick<1>(src, place, count, dst);
-}
-
-void pick2(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
-  pick<2>(src, place, count, dst);
-}
-
-void pick3(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
-  pick<3>(src, place, count, dst);
-}
-
-void pick4(const uint8_t* src, const int32_t* place, ptrdiff_t count, uint8_t* dst) {
-  pick<4>(src, place, count, dst);
-}
-
-void blend1(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<1>(row, count, dst); }
-void blend3(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<3>(row, count, dst); }
-void blend4(const SampledRow& row, ptrdiff_t count, uint8_t* dst) { blend<4>(row, count, dst); }
 
 }  // namespace plain
 

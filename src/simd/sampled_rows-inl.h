@@ -1,4 +1,4 @@
-// Bilinear rows of a resampled picture. Included once per target.
+// Rows of a resampled picture. Included once per target.
 #if defined(QPX_SIMD_SAMPLED_ROWS_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef QPX_SIMD_SAMPLED_ROWS_INL_H_
 #undef QPX_SIMD_SAMPLED_ROWS_INL_H_
@@ -9,9 +9,9 @@
 #include <hwy/highway.h>
 #include <string.h>
 
-#include <algorithm>
-
-#include "simd/convert_rows.h"
+#include "simd/byte_vectors-inl.h"
+#include "simd/sampled_rows.h"
+#include "simd/sampled_windows-inl.h"
 
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -19,176 +19,242 @@
 HWY_BEFORE_NAMESPACE();
 namespace qpx::simd {
 namespace HWY_NAMESPACE {
+namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-inline constexpr int32_t kMiddle = 0x8000;
-
-// Every pixel is the mean of four neighbours: the picture is halved.
-inline bool isHalving(const SampledRow& row) {
-  return row.even && row.step == 0x20000 && row.down == kMiddle && row.fraction[0] == kMiddle;
+// What is mixed goes from the nearer of two bytes towards the farther one, by at most half of the
+// way: so that a weight, taken as negative, fits 16 bits.
+template <class D, class V>
+HWY_INLINE V mixWords(D, V nearer, V farther, V weight) {
+  return hn::Add(nearer, hn::MulHigh(weight, hn::Sub(nearer, farther)));
 }
 
-// (p + q) >> 1, cut as the fractions cut.
-template <class V>
-HWY_INLINE V meanOf(V p, V q) {
-  const hn::DFromV<V> d;
-  const auto odd = hn::And(hn::Xor(p, q), hn::Set(d, uint8_t{1}));
-  return hn::Sub(hn::AverageRound(p, q), odd);
+// Words of 0..255 as half a vector of bytes.
+HWY_INLINE void storeBlock(hn::Vec<WindowWords> words, uint8_t* to) {
+#if HWY_TARGET == HWY_AVX3_DL
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm512_cvtepi16_epi8(words.raw));
+#else
+  const hn::RebindToSigned<WindowWords> d;
+  const hn::Rebind<uint8_t, WindowWords> bytes;
+  hn::StoreU(hn::DemoteTo(bytes, hn::BitCast(d, words)), bytes, to);
+#endif
 }
 
-// p + (f * (q - p) >> 16) for fractions below 65536, held in lanes of 16 bits: those from the
-// middle on read as negative, which takes q - p once too often.
-template <class V>
-HWY_INLINE V mix16(V p, V q, V fraction) {
-  const auto way = hn::Sub(q, p);
-  const auto missing = hn::And(hn::BroadcastSignBit(fraction), way);
-  return hn::Add(p, hn::Add(hn::MulHigh(fraction, way), missing));
+HWY_INLINE hn::Vec<WindowWords> lowBytes(WindowVector pairs) {
+  const WindowWords d;
+  return hn::And(hn::BitCast(d, pairs), hn::Set(d, 0xFF));
 }
 
-// Pixels of a block, in bytes: the four around each place, and how far across.
-struct Corners {
+void pick(const SampledRun& run, const SampledWindows& windows, const uint8_t* src, uint8_t* dst) {
+  if (!windows.found) return plain::pick(run, windows, src, dst);
+  const ptrdiff_t made = run.made();
+  for (ptrdiff_t b = 0; b < blockCount(made); ++b) {
+    storeBlock(lowBytes(pairsOf(windows, b, src)), dst + blockBegin(b, made));
+  }
+}
+
+using SignedWords = hn::RebindToSigned<WindowWords>;
+using SignedVector = hn::Vec<SignedWords>;
+
+// A block of a row, mixed across.
+HWY_INLINE SignedVector mixedBlock(const SampledWindows& windows, ptrdiff_t b, const uint8_t* src) {
+  const WindowWords d;
+  const SignedWords ds;
+  const WindowVector pairs = pairsOf(windows, b, src);
+  const auto nearer = hn::BitCast(ds, lowBytes(pairs));
+  const auto farther = hn::BitCast(ds, hn::ShiftRight<8>(hn::BitCast(d, pairs)));
+  return mixWords(ds, nearer, farther, hn::LoadU(ds, windows.weight + kBlock * b));
+}
+
+HWY_INLINE void mixWindows(const SampledWindows& windows, ptrdiff_t made, const uint8_t* src,
+                           uint8_t* dst) {
+  for (ptrdiff_t b = 0; b < blockCount(made); ++b) {
+    const auto mixed = hn::BitCast(WindowWords(), mixedBlock(windows, b, src));
+    storeBlock(mixed, dst + blockBegin(b, made));
+  }
+}
+
+// The weight of the farther row, in 65536ths and negative.
+HWY_INLINE int16_t weightDown(int32_t fraction) {
+  return static_cast<int16_t>(fraction < 0x8000 ? -fraction : fraction - 0x10000);
+}
+
+void blend(const SampledRun& run, const SampledWindows& windows, const uint8_t* top,
+           const uint8_t* bottom, int32_t fraction, uint8_t* dst) {
+  if (!windows.found) return plain::blend(run, windows, top, bottom, fraction, dst);
+  const SignedWords d;
+  const hn::Repartition<uint64_t, SignedWords> d64;
+  const bool fromTop = fraction < 0x8000;
+  const auto weight = hn::Set(d, weightDown(fraction));
+  const auto kept = hn::BitCast(d, hn::Set(d64, run.bytes == 4 ? 0xFFFF000000000000u : 0u));
+  const ptrdiff_t made = run.made();
+  for (ptrdiff_t b = 0; b < blockCount(made); ++b) {
+    const SignedVector upper = mixedBlock(windows, b, top);
+    const SignedVector lower = mixedBlock(windows, b, bottom);
+    const auto mixed = mixWords(d, fromTop ? upper : lower, fromTop ? lower : upper, weight);
+    const auto bytes = hn::Or(hn::And(kept, upper), hn::AndNot(kept, mixed));
+    storeBlock(hn::BitCast(WindowWords(), bytes), dst + blockBegin(b, made));
+  }
+}
+
+// Where steps are too large for windows: the bytes of some elements, one element after another.
+struct Gathered {
   static constexpr int kBytes = 64;
-  HWY_ALIGN uint8_t a[kBytes];
-  HWY_ALIGN uint8_t b[kBytes];
-  HWY_ALIGN uint8_t c[kBytes];
-  HWY_ALIGN uint8_t d[kBytes];
-  HWY_ALIGN int16_t across[kBytes];
+  HWY_ALIGN uint8_t nearer[kBytes];
+  HWY_ALIGN uint8_t farther[kBytes];
+  HWY_ALIGN int16_t weight[kBytes];
 };
 
-HWY_INLINE void mixCorners(const Corners& corners, int32_t down, uint8_t* dst) {
-  const hn::ScalableTag<int16_t> d16;
-  const hn::Rebind<uint8_t, decltype(d16)> d8;
-  const auto length = static_cast<int>(hn::Lanes(d16));
-  const auto fy = hn::Set(d16, static_cast<int16_t>(down));
-  const auto wide = [&](const uint8_t* bytes)
-                        HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8, bytes)); };
-  for (int i = 0; i < Corners::kBytes; i += length) {
-    const auto fx = hn::LoadU(d16, corners.across + i);
-    const auto top = mix16(wide(corners.a + i), wide(corners.b + i), fx);
-    const auto bottom = mix16(wide(corners.c + i), wide(corners.d + i), fx);
-    hn::StoreU(hn::DemoteTo(d8, mix16(top, bottom, fy)), d8, dst + i);
-  }
-}
-
-HWY_INLINE void gatherCorners1(const SampledRow& row, ptrdiff_t first, Corners* corners) {
-  for (ptrdiff_t i = 0; i < Corners::kBytes; ++i) {
-    const int32_t fraction = row.fraction[first + i];
-    const ptrdiff_t left = row.place[first + i], right = left + (fraction != 0 ? 1 : 0);
-    corners->a[i] = row.top[left];
-    corners->b[i] = row.top[right];
-    corners->c[i] = row.bottom[left];
-    corners->d[i] = row.bottom[right];
-    corners->across[i] = static_cast<int16_t>(fraction);
-  }
-}
-
 template <int kBytes>
-HWY_INLINE void gatherCorners(const SampledRow& row, ptrdiff_t first, Corners* corners) {
-  for (ptrdiff_t i = 0; i < Corners::kBytes / 4; ++i) {
-    const int32_t fraction = row.fraction[first + i];
-    const ptrdiff_t left = ptrdiff_t{row.place[first + i]} * kBytes;
-    const ptrdiff_t right = left + (fraction != 0 ? kBytes : 0);
-    memcpy(corners->a + 4 * i, row.top + left, kBytes);
-    memcpy(corners->b + 4 * i, row.top + right, kBytes);
-    memcpy(corners->c + 4 * i, row.bottom + left, kBytes);
-    memcpy(corners->d + 4 * i, row.bottom + right, kBytes);
-    const uint64_t four = static_cast<uint64_t>(fraction) * 0x0001000100010001u;
-    memcpy(corners->across + 4 * i, &four, sizeof(four));
+HWY_INLINE void gather(const SampledRun& run, ptrdiff_t first, const uint8_t* src,
+                       Gathered* gathered) {
+  for (ptrdiff_t i = 0; i < Gathered::kBytes / kBytes; ++i) {
+    const int32_t fraction = run.fraction[first + i];
+    const uint8_t* const left = src + ptrdiff_t{run.place[first + i]} * run.stride;
+    const uint8_t* const right = fraction != 0 ? left + run.stride : left;
+    const bool isLeft = fraction < 0x8000;
+    memcpy(gathered->nearer + kBytes * i, isLeft ? left : right, kBytes);
+    memcpy(gathered->farther + kBytes * i, isLeft ? right : left, kBytes);
+    const auto weight = static_cast<int16_t>(isLeft ? -fraction : fraction - 0x10000);
+    for (int c = 0; c < kBytes; ++c) gathered->weight[kBytes * i + c] = weight;
+    if constexpr (kBytes == 4) {
+      gathered->nearer[4 * i + 3] = left[3];
+      gathered->weight[4 * i + 3] = 0;
+    }
   }
 }
 
-inline SampledRow restOf(const SampledRow& row, ptrdiff_t done) {
-  SampledRow rest = row;
-  rest.place += done;
-  rest.fraction += done;
-  return rest;
+HWY_INLINE void mixGathered(const Gathered& gathered, uint8_t* dst) {
+  const WindowWords d;
+  const hn::RebindToSigned<WindowWords> ds;
+  const hn::Rebind<uint8_t, WindowWords> bytes;
+  const auto wide = [&](const uint8_t* from)
+                        HWY_ATTR { return hn::PromoteTo(ds, hn::LoadU(bytes, from)); };
+  for (ptrdiff_t i = 0; i < Gathered::kBytes; i += kBlock) {
+    const auto mixed = mixWords(ds, wide(gathered.nearer + i), wide(gathered.farther + i),
+                                hn::LoadU(ds, gathered.weight + i));
+    storeBlock(hn::BitCast(d, mixed), dst + i);
+  }
 }
 
-HWY_INLINE ptrdiff_t halve1(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  const hn::ScalableTag<uint8_t> d;
-  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
-  const uint8_t *const top = row.top + row.place[0], *const bottom = row.bottom + row.place[0];
+// Whole blocks; returns the elements done.
+template <int kBytes>
+HWY_INLINE ptrdiff_t acrossGathered(const SampledRun& run, const uint8_t* src, uint8_t* dst) {
+  constexpr ptrdiff_t kElements = Gathered::kBytes / kBytes;
+  Gathered gathered;
   ptrdiff_t i = 0;
-  for (; i <= count - length; i += length) {
-    auto a = hn::Zero(d), b = a, c = a, e = a;
-    hn::LoadInterleaved2(d, top + 2 * i, a, b);
-    hn::LoadInterleaved2(d, bottom + 2 * i, c, e);
-    hn::StoreU(meanOf(meanOf(a, b), meanOf(c, e)), d, dst + i);
+  for (; i <= run.count - kElements; i += kElements) {
+    gather<kBytes>(run, i, src, &gathered);
+    mixGathered(gathered, dst + i * kBytes);
   }
   return i;
 }
 
-// Fourth bytes are those of the left upper pixels.
-HWY_INLINE ptrdiff_t halve4(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  const hn::ScalableTag<uint32_t> d;
-  const hn::Repartition<uint8_t, decltype(d)> bytes;
-  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
-  const ptrdiff_t start = ptrdiff_t{row.place[0]} * 4;
+void across(const SampledRun& run, const SampledWindows& windows, const uint8_t* src,
+            uint8_t* dst) {
+  if (windows.found) return mixWindows(windows, run.made(), src, dst);
+  ptrdiff_t done = 0;
+  if (run.bytes == 1) done = acrossGathered<1>(run, src, dst);
+  if (run.bytes == 4) done = acrossGathered<4>(run, src, dst);
+  const SampledRun rest = {run.place + done, run.fraction + done, run.count - done, run.stride,
+                           run.bytes};
+  plain::across(rest, windows, src, dst + done * run.bytes);
+}
+
+// What `down` does to a vector: from the nearer row towards the farther one.
+class Down {
+ public:
+  HWY_INLINE Down(int32_t fraction, bool keepsFourth)
+      : weight_(signedWord(weightDown(fraction))),
+        kept_(hn::BitCast(
+            D8(), hn::Set(hn::Repartition<uint32_t, D8>(), keepsFourth ? 0xFF000000u : 0u))) {}
+
+  HWY_INLINE V8 operator()(V8 nearer, V8 farther, V8 top) const {
+    const Halves n = widen(nearer), f = widen(farther);
+    const V8 mixed = narrow({mix(n.even, f.even), mix(n.odd, f.odd)});
+    return hn::Or(hn::And(kept_, top), hn::AndNot(kept_, mixed));
+  }
+
+ private:
+  HWY_INLINE V16 mix(V16 nearer, V16 farther) const {
+    const DS d;
+    return hn::BitCast(D16(),
+                       mixWords(d, hn::BitCast(d, nearer), hn::BitCast(d, farther), weight_));
+  }
+
+  VS weight_;
+  V8 kept_;
+};
+
+void down(const uint8_t* top, const uint8_t* bottom, int32_t fraction, ptrdiff_t count,
+          bool keepsFourth, uint8_t* dst) {
+  const ptrdiff_t length = byteLanes();
+  const bool fromTop = fraction < 0x8000;
+  const uint8_t *const nearer = fromTop ? top : bottom, *const farther = fromTop ? bottom : top;
+  const Down mix(fraction, keepsFourth);
+  ptrdiff_t i = 0;
+  for (; i <= count - length; i += length) {
+    storeBytes(mix(loadBytes(nearer + i), loadBytes(farther + i), loadBytes(top + i)), dst + i);
+  }
+  plain::down(top + i, bottom + i, fraction, count - i, keepsFourth, dst + i);
+}
+
+// (a + b) >> 1, cut as the fractions cut.
+HWY_INLINE V8 meanOf(V8 a, V8 b) {
+  const V8 odd = hn::And(hn::Xor(a, b), hn::Set(D8(), uint8_t{1}));
+  return hn::Sub(hn::AverageRound(a, b), odd);
+}
+
+// Calls step(i) for all vectors of a row that is halved, the first and the last of them where the
+// row begins and ends and all others where the source is aligned: reads are what halving costs, and
+// those that lie across cache lines count twice. False if the row is shorter than a vector.
+template <int kBytes, class Step>
+HWY_INLINE bool halveVectors(const uint8_t* src, ptrdiff_t count, const Step& step) {
+  const ptrdiff_t length = byteLanes() / kBytes;
+  if (count < length) return false;
+  step(0);
+  const auto past = static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(src) %
+                                           static_cast<uintptr_t>(byteLanes()));
+  for (ptrdiff_t i = length - past / (2 * kBytes); i < count - length; i += length) step(i);
+  step(count - length);
+  return true;
+}
+
+void halve1(const uint8_t* top, const uint8_t* bottom, ptrdiff_t count, uint8_t* dst) {
+  const auto meanAcross = [](const uint8_t* row) HWY_ATTR {
+    const V8 first = loadBytes(row), second = loadBytes(row + byteLanes());
+    return meanOf(hn::ConcatEven(D8(), second, first), hn::ConcatOdd(D8(), second, first));
+  };
+  const bool done = halveVectors<1>(top, count, [=](ptrdiff_t i) HWY_ATTR {
+    storeBytes(meanOf(meanAcross(top + 2 * i), meanAcross(bottom + 2 * i)), dst + i);
+  });
+  if (!done) plain::halve1(top, bottom, count, dst);
+}
+
+// Fourth bytes are those of the left upper elements.
+void halve4(const uint8_t* top, const uint8_t* bottom, ptrdiff_t count, uint8_t* dst) {
+  const hn::Repartition<uint32_t, D8> d;
+  const ptrdiff_t vector = byteLanes();
   const auto colours = hn::Set(d, 0x00FFFFFFu);
-  const auto load = [&](const uint8_t* at)
-                        HWY_ATTR { return hn::BitCast(d, hn::LoadU(bytes, at)); };
-  const auto meanAcross =
-      [&](const decltype(hn::Zero(d))& left, const decltype(hn::Zero(d))& right)
-          HWY_ATTR { return meanOf(hn::BitCast(bytes, left), hn::BitCast(bytes, right)); };
-  ptrdiff_t i = 0;
-  for (; i <= count - length; i += length) {
-    const uint8_t *const top = row.top + start + 8 * i, *const bottom = row.bottom + start + 8 * i;
-    const auto t0 = load(top), t1 = load(top + 4 * length);
-    const auto b0 = load(bottom), b1 = load(bottom + 4 * length);
-    const auto a = hn::ConcatEven(d, t1, t0);
-    const auto upper = meanAcross(a, hn::ConcatOdd(d, t1, t0));
-    const auto lower = meanAcross(hn::ConcatEven(d, b1, b0), hn::ConcatOdd(d, b1, b0));
-    const auto mean = hn::BitCast(d, meanOf(upper, lower));
-    const auto pixels = hn::Or(hn::And(mean, colours), hn::AndNot(colours, a));
-    hn::StoreU(hn::BitCast(bytes, pixels), bytes, dst + 4 * i);
-  }
-  return i;
+  const auto load = [=](const uint8_t* at) HWY_ATTR { return hn::BitCast(d, loadBytes(at)); };
+  const auto mean = [](hn::Vec<decltype(d)> left, hn::Vec<decltype(d)> right) HWY_ATTR {
+    return meanOf(hn::BitCast(D8(), left), hn::BitCast(D8(), right));
+  };
+  const bool done = halveVectors<4>(top, count, [=](ptrdiff_t i) HWY_ATTR {
+    const auto t0 = load(top + 8 * i), t1 = load(top + 8 * i + vector);
+    const auto b0 = load(bottom + 8 * i), b1 = load(bottom + 8 * i + vector);
+    const auto left = hn::ConcatEven(d, t1, t0);
+    const V8 upper = mean(left, hn::ConcatOdd(d, t1, t0));
+    const V8 lower = mean(hn::ConcatEven(d, b1, b0), hn::ConcatOdd(d, b1, b0));
+    const auto mixed = hn::BitCast(d, meanOf(upper, lower));
+    const auto pixels = hn::Or(hn::And(mixed, colours), hn::AndNot(colours, left));
+    storeBytes(hn::BitCast(D8(), pixels), dst + 4 * i);
+  });
+  if (!done) plain::halve4(top, bottom, count, dst);
 }
 
-void blend1(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  ptrdiff_t done = 0;
-  if (count > 0 && isHalving(row)) {
-    done = halve1(row, count, dst);
-  } else {
-    Corners corners;
-    for (; done <= count - Corners::kBytes; done += Corners::kBytes) {
-      gatherCorners1(row, done, &corners);
-      mixCorners(corners, row.down, dst + done);
-    }
-  }
-  plain::blend1(restOf(row, done), count - done, dst + done);
-}
-
-void blend3(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  constexpr ptrdiff_t kPixels = Corners::kBytes / 4;
-  Corners corners = {};
-  uint8_t mixed[Corners::kBytes];
-  ptrdiff_t done = 0;
-  for (; done <= count - kPixels; done += kPixels) {
-    gatherCorners<3>(row, done, &corners);
-    mixCorners(corners, row.down, mixed);
-    for (ptrdiff_t i = 0; i < kPixels; ++i) memcpy(dst + 3 * (done + i), mixed + 4 * i, 3);
-  }
-  plain::blend3(restOf(row, done), count - done, dst + 3 * done);
-}
-
-void blend4(const SampledRow& row, ptrdiff_t count, uint8_t* dst) {
-  constexpr ptrdiff_t kPixels = Corners::kBytes / 4;
-  ptrdiff_t done = 0;
-  if (count > 0 && isHalving(row)) {
-    done = halve4(row, count, dst);
-  } else {
-    Corners corners;
-    for (; done <= count - kPixels; done += kPixels) {
-      gatherCorners<4>(row, done, &corners);
-      mixCorners(corners, row.down, dst + 4 * done);
-      for (ptrdiff_t i = 0; i < kPixels; ++i) dst[4 * (done + i) + 3] = corners.a[4 * i + 3];
-    }
-  }
-  plain::blend4(restOf(row, done), count - done, dst + 4 * done);
-}
-
+}  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace qpx::simd
 HWY_AFTER_NAMESPACE();

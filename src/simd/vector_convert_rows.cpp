@@ -8,15 +8,10 @@
 #include "simd/convert_rows-inl.h"
 #include "simd/convert_rows.h"
 #include "simd/convert_yuv-inl.h"
-#include "simd/sampled_rows-inl.h"
 
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 namespace qpx::simd::HWY_NAMESPACE {
 // A load and a store for each element, in which vectors have no part.
-using plain::pick1;
-using plain::pick2;
-using plain::pick3;
-using plain::pick4;
 using plain::transpose3;
 }  // namespace qpx::simd::HWY_NAMESPACE
 #endif

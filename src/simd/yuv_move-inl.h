@@ -172,49 +172,75 @@ void moveLuma(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dst
   if (srcStep != 2 || dstStep != 1 || pixels <= length) {
     return plain::moveLuma(src, srcStep, dst, dstStep, pixels);
   }
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+  for (ptrdiff_t i = 0; i < pixels - length; i += length) {
     const uint8_t* const from = src + 2 * i;
     storeBytes(hn::ConcatEven(D8(), loadBytes(from + length), loadBytes(from)), dst + i);
-  };
-  // The byte behind the last sample may be nobody's.
-  ptrdiff_t i = 0;
-  for (; i < pixels - length; i += length) step(i);
-  plain::moveLuma(src + 2 * i, srcStep, dst + i, dstStep, pixels - i);
+  }
+  // The byte behind the last sample may be nobody's: those that end the row are read from the byte
+  // before them.
+  const uint8_t* const last = src + 2 * (pixels - length) - 1;
+  storeBytes(hn::ConcatOdd(D8(), loadBytes(last + length), loadBytes(last)), dst + pixels - length);
 }
 
-// Two vectors of a packed row whose luma is first.
+// Two vectors of a packed row.
 struct PackedBytes {
   V8 luma, chroma;
 
+  template <bool kLumaFirst>
   static HWY_INLINE PackedBytes at(const uint8_t* row) {
     const V8 first = loadBytes(row), second = loadBytes(row + byteLanes());
-    return {hn::ConcatEven(D8(), second, first), hn::ConcatOdd(D8(), second, first)};
+    const V8 even = hn::ConcatEven(D8(), second, first), odd = hn::ConcatOdd(D8(), second, first);
+    return kLumaFirst ? PackedBytes{even, odd} : PackedBytes{odd, even};
   }
 };
 
-HWY_INLINE void unpackToPlanes(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
-  const ptrdiff_t length = byteLanes();
-  ptrdiff_t i = 0;
-  for (; i <= pairs - length; i += length) {
-    const PackedBytes first = PackedBytes::at(src.y + 4 * i);
-    const PackedBytes second = PackedBytes::at(src.y + 4 * i + 2 * length);
-    storeBytes(first.luma, dst.y + 2 * i);
-    storeBytes(second.luma, dst.y + 2 * i + length);
-    storeBytes(hn::ConcatEven(D8(), second.chroma, first.chroma), dst.u + i);
-    storeBytes(hn::ConcatOdd(D8(), second.chroma, first.chroma), dst.v + i);
-  }
-  plain::moveRow(src.from(i), dst.from(i), pairs - i);
+// Calls step(i) for every `length` pairs, at last for those that end the row: they may have been
+// written before. False if the row is shorter.
+template <class Step>
+HWY_INLINE bool overlappingSteps(ptrdiff_t length, ptrdiff_t pairs, const Step& step) {
+  if (pairs < length) return false;
+  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
+  step(pairs - length);
+  return true;
 }
 
-template <bool kUFirst>
-HWY_INLINE void unpackToPairs(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
-  const ptrdiff_t length = byteLanes() / 2;
-  ptrdiff_t i = 0;
-  for (; i <= pairs - length; i += length) {
-    const PackedBytes bytes = PackedBytes::at(src.y + 4 * i);
-    StorePairs<kUFirst>::bytesAt(dst, i, bytes.luma, bytes.chroma, true);
+template <bool kLumaFirst>
+HWY_INLINE bool unpackToPlanes(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
+  const ptrdiff_t length = byteLanes();
+  const uint8_t* const row = kLumaFirst ? src.y : src.y - 1;
+  uint8_t *const even = src.u < src.v ? dst.u : dst.v, *const odd = src.u < src.v ? dst.v : dst.u;
+  return overlappingSteps(length, pairs, [&](ptrdiff_t i) HWY_ATTR {
+    const PackedBytes first = PackedBytes::at<kLumaFirst>(row + 4 * i);
+    const PackedBytes second = PackedBytes::at<kLumaFirst>(row + 4 * i + 2 * length);
+    storeBytes(first.luma, dst.y + 2 * i);
+    storeBytes(second.luma, dst.y + 2 * i + length);
+    storeBytes(hn::ConcatEven(D8(), second.chroma, first.chroma), even + i);
+    storeBytes(hn::ConcatOdd(D8(), second.chroma, first.chroma), odd + i);
+  });
+}
+
+template <bool kLumaFirst, bool kUFirst>
+HWY_INLINE bool unpackToPairs(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
+  const uint8_t* const row = kLumaFirst ? src.y : src.y - 1;
+  const bool uFirst = src.u < src.v;
+  return overlappingSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
+    const PackedBytes bytes = PackedBytes::at<kLumaFirst>(row + 4 * i);
+    StorePairs<kUFirst>::bytesAt(dst, i, bytes.luma, bytes.chroma, uFirst);
+  });
+}
+
+template <bool kLumaFirst>
+HWY_INLINE bool unpack(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
+  switch (shapeOf(dst)) {
+    case RowShape::planes:
+      return unpackToPlanes<kLumaFirst>(src, dst, pairs);
+    case RowShape::uvPairs:
+      return unpackToPairs<kLumaFirst, true>(src, dst, pairs);
+    case RowShape::vuPairs:
+      return unpackToPairs<kLumaFirst, false>(src, dst, pairs);
+    default:
+      return false;
   }
-  plain::moveRow(src.from(i), dst.from(i), pairs - i);
 }
 
 template <class Store>
@@ -229,47 +255,74 @@ HWY_INLINE void unpackTriplets(const YuvSource& src, const YuvTarget& dst, ptrdi
 }
 
 void moveRow(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
-  const RowShape from = shapeOf(src), to = shapeOf(dst);
-  if (from == RowShape::triplets && to == RowShape::vuPairs) {
-    return unpackTriplets<StorePairs<false>>(src, dst, pairs);
-  }
-  if (from == RowShape::yuyv) {
-    if (to == RowShape::planes) return unpackToPlanes(src, dst, pairs);
-    if (to == RowShape::uvPairs) return unpackToPairs<true>(src, dst, pairs);
-    if (to == RowShape::vuPairs) return unpackToPairs<false>(src, dst, pairs);
+  switch (shapeOf(src)) {
+    case RowShape::triplets:
+      if (shapeOf(dst) == RowShape::vuPairs) {
+        return unpackTriplets<StorePairs<false>>(src, dst, pairs);
+      }
+      break;
+    case RowShape::yuyv:
+    case RowShape::yvyu:
+      if (unpack<true>(src, dst, pairs)) return;
+      break;
+    case RowShape::uyvy:
+    case RowShape::vyuy:
+      if (unpack<false>(src, dst, pairs)) return;
+      break;
+    default:
+      break;
   }
   moveLuma(src.y, src.lumaStep, dst.y, dst.lumaStep, 2 * pairs);
   moveChroma(src, dst, pairs);
 }
 
-template <class Load>
-HWY_INLINE void packYuyv(const YuvSource& src, uint8_t* dst, ptrdiff_t pairs) {
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
-    const V8 luma = loadBytes(src.y + 2 * i), chroma = Load::at(src.u, src.v, i);
-    storeBlocks(hn::InterleaveLower(D8(), luma, chroma), hn::InterleaveUpper(D8(), luma, chroma),
+template <class Load, bool kLumaFirst>
+HWY_INLINE bool pack(const uint8_t* luma, const uint8_t* first, const uint8_t* second, uint8_t* dst,
+                     ptrdiff_t pairs) {
+  return overlappingSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
+    const V8 lumas = loadBytes(luma + 2 * i), chroma = Load::at(first, second, i);
+    const V8 even = kLumaFirst ? lumas : chroma, odd = kLumaFirst ? chroma : lumas;
+    storeBlocks(hn::InterleaveLower(D8(), even, odd), hn::InterleaveUpper(D8(), even, odd),
                 dst + 4 * i);
-  };
-  const ptrdiff_t length = byteLanes() / 2;
-  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
-  step(pairs - length);
+  });
+}
+
+template <bool kLumaFirst>
+HWY_INLINE bool packShape(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
+  const bool uFirst = dst.u < dst.v;
+  const uint8_t *const first = uFirst ? src.u : src.v, *const second = uFirst ? src.v : src.u;
+  uint8_t* const row = kLumaFirst ? dst.y : dst.y - 1;
+  switch (shapeOf(src)) {
+    case RowShape::planes:
+      return pack<PairsOfPlanes, kLumaFirst>(src.y, first, second, row, pairs);
+    case RowShape::everyOther:
+      return pack<PairsOfEveryOther, kLumaFirst>(src.y, first, second, row, pairs);
+    case RowShape::uvPairs:
+    case RowShape::vuPairs:
+      if (first < second) {
+        return pack<PairsAsTheyAre, kLumaFirst>(src.y, first, second, row, pairs);
+      }
+      return pack<PairsSwapped, kLumaFirst>(src.y, first, second, row, pairs);
+    default:
+      return false;
+  }
 }
 
 void packPairs(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
-  if (shapeOf(dst) != RowShape::yuyv || 2 * pairs < byteLanes()) {
-    return plain::packPairs(src, dst, pairs);
-  }
-  switch (shapeOf(src)) {
-    case RowShape::planes:
-      return packYuyv<PairsOfPlanes>(src, dst.y, pairs);
-    case RowShape::everyOther:
-      return packYuyv<PairsOfEveryOther>(src, dst.y, pairs);
-    case RowShape::uvPairs:
-      return packYuyv<PairsAsTheyAre>(src, dst.y, pairs);
-    case RowShape::vuPairs:
-      return packYuyv<PairsSwapped>(src, dst.y, pairs);
+  bool done = false;
+  switch (shapeOf(dst)) {
+    case RowShape::yuyv:
+    case RowShape::yvyu:
+      done = packShape<true>(src, dst, pairs);
+      break;
+    case RowShape::uyvy:
+    case RowShape::vyuy:
+      done = packShape<false>(src, dst, pairs);
+      break;
     default:
-      return plain::packPairs(src, dst, pairs);
+      break;
   }
+  if (!done) plain::packPairs(src, dst, pairs);
 }
 
 HWY_INLINE V8 twice(V16 words) { return narrow({words, words}); }

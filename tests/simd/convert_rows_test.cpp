@@ -142,63 +142,6 @@ TEST_P(ConvertRowsTest, TurnsExchangeRowsAndColumns) {
   }
 }
 
-struct Blend {
-  int32_t bytes;
-  decltype(ConvertRows::blend1) ConvertRows::*row;
-};
-constexpr Blend kBlends[] = {
-    {1, &ConvertRows::blend1}, {3, &ConvertRows::blend3}, {4, &ConvertRows::blend4}};
-
-// Places of a run, the last of them on the last column with nothing behind.
-struct Places {
-  Places(ptrdiff_t count, uint32_t step, uint32_t start) {
-    for (ptrdiff_t i = 0; i < count; ++i) {
-      const uint64_t position = start + static_cast<uint64_t>(step) * static_cast<uint64_t>(i);
-      place.push_back(static_cast<int32_t>(position >> 16));
-      fraction.push_back(static_cast<int32_t>(position & 0xFFFF));
-    }
-    if (count > 0) columns = place.back() + (fraction.back() != 0 ? 2 : 1);
-  }
-  std::vector<int32_t> place, fraction;
-  int32_t columns = 0;
-};
-
-uint8_t mixed(int64_t a, int64_t b, int64_t c, int64_t d, int64_t fx, int64_t fy) {
-  const int64_t top = ((a << 16) + fx * (b - a)) >> 16, bottom = ((c << 16) + fx * (d - c)) >> 16;
-  return static_cast<uint8_t>(((top << 16) + fy * (bottom - top)) >> 16);
-}
-
-TEST_P(ConvertRowsTest, BlendsEqualTheSumsAsWritten) {
-  uint64_t state = 6;
-  for (const Blend& blend : kBlends) {
-    for (int i = 0; i < 160; ++i) {
-      const bool halves = i % 4 == 0;
-      const uint32_t step = halves ? 0x20000 : 1000 + next(state) % 250000;
-      const Places places(next(state) % kMost, step, halves ? 0x38000 : next(state) % 200000);
-      const auto size = static_cast<size_t>(places.columns * blend.bytes);
-      const std::vector<uint8_t> top = noise(size, next(state)), bottom = noise(size, next(state));
-      const int32_t down = i % 8 < 5 ? 0x8000 : static_cast<int32_t>(next(state) & 0xFFFF);
-      const SampledRow row = {
-          top.data(), bottom.data(), places.place.data(), places.fraction.data(), down, step, true};
-      const size_t count = places.place.size();
-      std::vector<uint8_t> made = noise(count * static_cast<size_t>(blend.bytes) + 8, 3);
-      std::vector<uint8_t> expected = made;
-      for (size_t k = 0; k < count * static_cast<size_t>(blend.bytes); ++k) {
-        const size_t pixel = k / static_cast<size_t>(blend.bytes);
-        const int32_t channel = static_cast<int32_t>(k % static_cast<size_t>(blend.bytes));
-        const auto left = static_cast<size_t>(places.place[pixel] * blend.bytes + channel);
-        const int32_t fx = places.fraction[pixel];
-        const size_t right = fx != 0 ? left + static_cast<size_t>(blend.bytes) : left;
-        expected[k] = channel == 3
-                          ? top[left]
-                          : mixed(top[left], top[right], bottom[left], bottom[right], fx, down);
-      }
-      (vector().*blend.row)(row, static_cast<ptrdiff_t>(count), made.data());
-      ASSERT_EQ(expected, made) << blend.bytes << " bytes, " << count << " by " << step;
-    }
-  }
-}
-
 // Tables from straight lines, as those of a conversion are, steep enough to leave 0..255.
 struct Tables {
   Tables(int32_t luma, int32_t chroma, int32_t greenBias) {
@@ -252,25 +195,6 @@ TEST_P(ConvertRowsTest, ColoursEqualThePlainFormsAtEveryLength) {
           rows.yuvToRgb32(row, count, wide.rgb, redFirst, 77, dst);
         });
       }
-    }
-  }
-}
-
-TEST_P(ConvertRowsTest, PicksElementsByTheirPlaces) {
-  uint64_t state = 11;
-  const std::vector<uint8_t> src = noise(4 * 60, 12);
-  std::vector<int32_t> places;
-  for (int i = 0; i < 97; ++i) places.push_back(static_cast<int32_t>(next(state) % 60));
-  for (const auto& [bytes, row] : {std::pair{1, &ConvertRows::pick1},
-                                   {2, &ConvertRows::pick2},
-                                   {3, &ConvertRows::pick3},
-                                   {4, &ConvertRows::pick4}}) {
-    std::vector<uint8_t> made(places.size() * static_cast<size_t>(bytes));
-    (vector().*row)(src.data(), places.data(), static_cast<ptrdiff_t>(places.size()), made.data());
-    for (size_t i = 0; i < made.size(); ++i) {
-      const size_t element = i / static_cast<size_t>(bytes), byte = i % static_cast<size_t>(bytes);
-      const auto from = static_cast<size_t>(places[element] * bytes);
-      ASSERT_EQ(src[from + byte], made[i]) << bytes << " bytes";
     }
   }
 }

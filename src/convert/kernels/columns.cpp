@@ -12,15 +12,19 @@ int32_t Cells::runEnd(int32_t begin, int32_t length, int32_t end) const {
 }
 
 void Columns::locate(const Positions& positions, int32_t firstX, int32_t pixels) {
+  if (x == firstX && count == pixels) return;
   x = firstX;
   count = pixels;
   direct = positions.isDirect();
   start = direct ? firstX + positions.shiftX() : 0;
-  step = positions.stepX();
-  even = direct || positions.columns(firstX, pixels, place, fraction);
+  hasChroma_ = false;
+  if (!direct) positions.columns(firstX, pixels, place, fraction);
 }
 
 void Columns::chromaOfPixels(int32_t sourceShift) {
+  if (hasChroma_) return;
+  hasChroma_ = true;
+  chroma.x = x;
   chroma.direct = direct && (sourceShift == 0 || (start & 1) == 0);
   chroma.halved = chroma.direct && sourceShift != 0;
   chroma.start = start >> sourceShift;
@@ -30,7 +34,10 @@ void Columns::chromaOfPixels(int32_t sourceShift) {
 }
 
 void Columns::chromaOfCells(int32_t sourceShift, const Cells& cells, int32_t right) {
+  if (hasChroma_) return;
+  hasChroma_ = true;
   const int32_t first = cells.of(x), end = x + count;
+  chroma.x = x;
   chroma.halved = false;
   chroma.count = cells.of(end - 1) - first + 1;
   if (direct && sourceShift == cells.shift() && isEvenlyCut(cells, right)) {

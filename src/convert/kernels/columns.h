@@ -36,6 +36,7 @@ class Cells {
 
 // Where the chroma samples of a run are taken.
 struct ChromaColumns {
+  int32_t x;  // where the run begins
   int32_t count;
   bool direct;  // sample i is source sample start + i
   bool halved;  // one sample for two pixels, else one a pixel or cell
@@ -44,16 +45,15 @@ struct ChromaColumns {
 };
 
 struct Columns {
-  int32_t x;
-  int32_t count;
+  int32_t x = 0;
+  int32_t count = 0;
   bool direct;  // pixel i is source column start + i, and the places are not filled
   int32_t start;
-  bool even;
-  uint32_t step;
   int32_t place[kRun];
   int32_t fraction[kRun];
   ChromaColumns chroma;
 
+  // A run that is asked for again stays as it is.
   void locate(const Positions& positions, int32_t firstX, int32_t pixels);
   // One chroma sample for each pixel, or one for two where they lie so.
   void chromaOfPixels(int32_t sourceShift);
@@ -64,6 +64,8 @@ struct Columns {
   int32_t columnOf(int32_t index) const { return direct ? start + index : place[index]; }
   bool isEvenlyCut(const Cells& cells, int32_t right) const;
   void findDirectChroma();
+
+  bool hasChroma_ = false;
 };
 
 }  // namespace qpx::convert::fast

@@ -5,6 +5,8 @@
 #include "convert/kernels/group_sink.h"
 #include "convert/kernels/planar_sink.h"
 #include "convert/kernels/rgb_sink.h"
+#include "convert/kernels/row_halves.h"
+#include "convert/kernels/row_moves.h"
 #include "convert/kernels/walk.h"
 
 namespace qpx::convert::fast {
@@ -35,25 +37,41 @@ bool convertDithered(const Call& call, FormatSet from, FormatSet to, const CellG
   return true;
 }
 
+// Walks the rectangle with an open sink and, where it takes more of them, others that `open` opens.
+template <typename Sink, typename Open>
+void walk(const Call& call, const CellGrid& cells, Sink* sink, const Open& open) {
+  const Walk walk(call, cells, runLength(*call.record));
+  RunSinks<Sink> sinks(sink, walk.isSampled() ? walk.runs() : 1);
+  if (sinks.count() == 1) {
+    walk.run(sink);
+    return;
+  }
+  sinks.open(open);
+  walk.run(&sinks);
+}
+
 bool convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  const auto open = [&](RgbSink* sink) { return sink->open(call, from, to); };
   RgbSink sink;
-  if (!sink.open(call, from, to)) return false;
-  if (from == to && sink.copyPixels(Positions(call))) return true;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!open(&sink)) return false;
+  const bool isCopied = from == to && sink.copyPixels(Positions(call));
+  if (!isCopied) walk(call, cells, &sink, open);
   return true;
 }
 
 bool convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
+  const auto open = [&](GroupSink* sink) { return sink->open(call, from, cells); };
   GroupSink sink;
-  if (!sink.open(call, from, cells)) return false;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!open(&sink)) return false;
+  walk(call, cells, &sink, open);
   return true;
 }
 
 bool convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
+  const auto open = [&](PlanarSink* sink) { return sink->open(call, from, to, cells); };
   PlanarSink sink;
-  if (!sink.open(call, from, to, cells)) return false;
-  if (!sink.copyPlanes(Positions(call))) walk(call, cells, runLength(*call.record), &sink);
+  if (!open(&sink)) return false;
+  if (!sink.copyPlanes(Positions(call))) walk(call, cells, &sink, open);
   return true;
 }
 
@@ -77,6 +95,7 @@ bool convert(const Call& call, Dither dither) {
   if (dithers(record, from, to, dither)) {
     return convertDithered(call, from, to, cells, dither == Dither::cells);
   }
+  if (moveRows(call, from, to, cells) || halveRows(call, from, to, cells)) return true;
   if ((to & kInRgb) != 0) return convertToRgb(call, from, to, cells);
   if ((to & kInPacked) != 0 && GroupSink::fits(call, cells)) {
     return convertToGroups(call, from, cells);

@@ -20,7 +20,6 @@ class Lane {
   // row before they begin the next.
   void forbidTiles();
 
-  bool usesTiles() const { return way_ == Way::tiled; }
   bool isForward() const { return way_ == Way::forward; }
 
   // The next `count` elements, from column `x`, of at most kBandRows rows from row `y` on.

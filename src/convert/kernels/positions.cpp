@@ -57,7 +57,7 @@ SourcePair Positions::row(int32_t y) const {
 }
 
 // As sourceColumn.
-bool Positions::columns(int32_t x, int32_t count, int32_t* place, int32_t* fraction) const {
+void Positions::columns(int32_t x, int32_t count, int32_t* place, int32_t* fraction) const {
   const int32_t begin = std::clamp(record_.validX0, x, x + count);
   const int32_t end = std::clamp(record_.validX1 - 1, begin, x + count);
   for (int32_t i = 0; i < begin - x; ++i) {
@@ -74,7 +74,6 @@ bool Positions::columns(int32_t x, int32_t count, int32_t* place, int32_t* fract
     place[i] = record_.clipR - 1;
     fraction[i] = 0;
   }
-  return begin == x && end == x + count;
 }
 
 int32_t rowBefore(const ConvRecord& record, int32_t top) {

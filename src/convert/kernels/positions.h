@@ -19,13 +19,11 @@ class Positions {
   bool isBilinear() const { return bilinear_; }
   int32_t shiftX() const { return shiftX_; }
   int32_t shiftY() const { return shiftY_; }
-  uint32_t stepX() const { return stepX_; }
 
   SourcePair row(int32_t y) const;
 
-  // Columns x..x + count - 1, and the 16 bits behind each (zeros for nearest). Returns whether
-  // none was held at an edge, so that all are evenly spaced.
-  bool columns(int32_t x, int32_t count, int32_t* place, int32_t* fraction) const;
+  // Columns x..x + count - 1, and the 16 bits behind each (zeros for nearest).
+  void columns(int32_t x, int32_t count, int32_t* place, int32_t* fraction) const;
 
  private:
   const ConvRecord& record_;

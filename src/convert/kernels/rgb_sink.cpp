@@ -1,7 +1,5 @@
 #include "convert/kernels/rgb_sink.h"
 
-#include <cstring>
-
 #include "convert/kernels/tables.h"
 
 namespace qpx::convert::fast {
@@ -27,6 +25,8 @@ bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
     bytes_ = 3;
     lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
   }
+  keepsPixels_ =
+      source_.isRgb() && source_.sampledBytes() == bytes_ && source_.isRedFirst() == redFirst_;
   return true;
 }
 
@@ -50,8 +50,14 @@ void RgbSink::row(int32_t index, int32_t, const SourcePair& place) {
     fromYuv(index, place);
     return;
   }
+  uint8_t* const made = lane_.room(index);
+  if (keepsPixels_) {
+    lane_.put(index, source_.pixels(place, columns_, made).pixels);
+    return;
+  }
   uint8_t room[4 * kRun];
-  lane_.put(index, fromRgb(source_.pixels(place, columns_, room), lane_.room(index)));
+  reorder(source_.pixels(place, columns_, room), made);
+  lane_.put(index, made);
 }
 
 void RgbSink::fromYuv(int32_t index, const SourcePair& place) {
@@ -70,16 +76,6 @@ void RgbSink::fromYuv(int32_t index, const SourcePair& place) {
   lane_.put(index, room);
 }
 
-// Pixels that need no change are delivered from where they are, but for those that another row of
-// a tile would overwrite.
-const uint8_t* RgbSink::fromRgb(const PixelRow& row, uint8_t* room) const {
-  const bool copies = row.bytes == bytes_ && source_.isRedFirst() == redFirst_;
-  if (copies && columns_.direct) return row.pixels;
-  if (copies && !lane_.usesTiles() && !lane_.isForward()) return row.pixels;
-  reorder(row, room);
-  return room;
-}
-
 void RgbSink::reorder(const PixelRow& row, uint8_t* room) const {
   const bool swap = source_.isRedFirst() != redFirst_;
   const int32_t count = columns_.count;
@@ -92,11 +88,7 @@ void RgbSink::reorder(const PixelRow& row, uint8_t* room) const {
       (row.bytes == 3 ? rows_->rgb24To16 : rows_->rgb32To16)(row.pixels, count, swap, room);
     }
   } else if (row.bytes == bytes_) {
-    if (swap) {
-      (bytes_ == 3 ? rows_->swapEnds3 : rows_->swapEnds4)(row.pixels, count, room);
-    } else {
-      memcpy(room, row.pixels, static_cast<size_t>(count) * static_cast<size_t>(bytes_));
-    }
+    (bytes_ == 3 ? rows_->swapEnds3 : rows_->swapEnds4)(row.pixels, count, room);
   } else if (row.bytes == 2) {
     uint8_t unpacked[3 * kRun];
     uint8_t* const pixels = bytes_ == 3 ? room : unpacked;

@@ -21,7 +21,6 @@ class RgbSink {
 
  private:
   void fromYuv(int32_t index, const SourcePair& place);
-  const uint8_t* fromRgb(const PixelRow& row, uint8_t* room) const;
   void reorder(const PixelRow& row, uint8_t* room) const;
 
   Source source_;
@@ -31,6 +30,7 @@ class RgbSink {
   int32_t bytes_;    // of a stored pixel
   bool keepsAlpha_;  // the fourth byte of the destination is not written
   bool redFirst_;
+  bool keepsPixels_;  // those of the source are stored as they are
   uint8_t alpha_;
   Columns columns_;
   Lane lane_;

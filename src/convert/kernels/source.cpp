@@ -15,7 +15,6 @@ constexpr uint8_t kNoColour = 128;
 bool Source::open(const Call& call, FormatSet format) {
   const ConvRecord& record = *call.record;
   rows_ = &simd::rows();
-  convert_ = &simd::convertRows();
   format_ = format;
   bilinear_ = record.bilinearY != 0;
   shiftX_ = record.srcSubX[1] - 1;
@@ -39,56 +38,55 @@ bool Source::open(const Call& call, FormatSet format) {
     const bool adjacent = plane_[1] + 1 == plane_[2] || plane_[2] + 1 == plane_[1];
     chroma_ = adjacent && pitch_[1] == pitch_[2] ? Chroma::pairs : Chroma::apart;
   }
+  openSamplers();
   return true;
 }
 
-simd::SampledRow Source::sampled(const SourcePair& row, const Columns& columns) const {
-  return {rowOf(0, row.first), rowOf(0, row.second), columns.place, columns.fraction,
-          row.fraction,        columns.step,         columns.even};
+void Source::openSamplers() {
+  if (isRgb()) {
+    sampler_.open(pixelBytes(format_), pixelBytes(format_));
+  } else {
+    sampler_.open(chroma_ == Chroma::groups ? 2 : 1, 1);
+  }
+  const int32_t chromaBytes = chroma_ == Chroma::groups ? 4 : chroma_ == Chroma::pairs ? 2 : 1;
+  chromaSampler_.open(chromaBytes, chromaBytes);
 }
 
-const uint8_t* Source::luma(const SourcePair& row, const Columns& columns, uint8_t* room) const {
-  if (chroma_ == Chroma::groups) return packedLuma(row, columns, room);
-  const uint8_t* const samples = rowOf(0, row.first);
-  if (columns.direct) return samples + columns.start;
+void Source::sample(const SourcePair& row, const Columns& columns, uint8_t* room) {
+  const int32_t offset = isRgb() ? 0 : offset_[0];
+  sampler_.locate(columns.x, columns.count, columns.place, columns.fraction);
   if (bilinear_) {
-    convert_->blend1(sampled(row, columns), columns.count, room);
+    sampler_.blend(rowOf(0, row.first) + offset, rowOf(0, row.second) + offset, row.fraction, room);
   } else {
-    convert_->pick1(samples, columns.place, columns.count, room);
+    sampler_.pick(rowOf(0, row.first) + offset, room);
   }
-  return room;
+}
+
+void Source::sampleChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room) {
+  chromaSampler_.locate(columns.x, columns.count, columns.place, nullptr);
+  chromaSampler_.pick(row, room);
+}
+
+const uint8_t* Source::luma(const SourcePair& row, const Columns& columns, uint8_t* room) {
+  if (!columns.direct) {
+    sample(row, columns, room);
+    return room;
+  }
+  if (chroma_ == Chroma::groups) return packedLuma(row, columns, room);
+  return rowOf(0, row.first) + columns.start;
 }
 
 const uint8_t* Source::packedLuma(const SourcePair& row, const Columns& columns,
                                   uint8_t* room) const {
-  if (bilinear_) {
-    blendPackedLuma(row, columns, room);
-    return room;
-  }
-  uint8_t picked[2 * kRun], chroma[kRun];
-  const uint8_t* units = rowOf(0, row.first) + ptrdiff_t{2} * columns.start;
-  if (!columns.direct) {
-    convert_->pick2(rowOf(0, row.first), columns.place, columns.count, picked);
-    units = picked;
-  }
+  uint8_t chroma[kRun];
+  const uint8_t* const units = rowOf(0, row.first) + ptrdiff_t{2} * columns.start;
   const bool first = offset_[0] == 0;
   rows_->deinterleave2(units, columns.count, first ? room : chroma, first ? chroma : room);
   return room;
 }
 
-void Source::blendPackedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const {
-  const uint8_t* const top = rowOf(0, row.first) + offset_[0];
-  const uint8_t* const bottom = rowOf(0, row.second) + offset_[0];
-  for (int32_t i = 0; i < columns.count; ++i) {
-    const int32_t fraction = columns.fraction[i];
-    const ptrdiff_t a = ptrdiff_t{2} * columns.place[i], b = fraction != 0 ? a + 2 : a;
-    room[i] = static_cast<uint8_t>(between(between(top[a], top[b], fraction),
-                                           between(bottom[a], bottom[b], fraction), row.fraction));
-  }
-}
-
 ChromaRow Source::chroma(const SourcePair& row, const ChromaColumns& columns, uint8_t* roomU,
-                         uint8_t* roomV) const {
+                         uint8_t* roomV) {
   const int32_t chromaRow = row.first >> shiftY_;
   switch (chroma_) {
     case Chroma::groups:
@@ -103,8 +101,8 @@ ChromaRow Source::chroma(const SourcePair& row, const ChromaColumns& columns, ui
     case Chroma::planes: {
       const uint8_t *const u = rowOf(1, chromaRow), *const v = rowOf(2, chromaRow);
       if (columns.direct) return {u + columns.start, v + columns.start};
-      convert_->pick1(u, columns.place, columns.count, roomU);
-      convert_->pick1(v, columns.place, columns.count, roomV);
+      sampleChroma(u, columns, roomU);
+      sampleChroma(v, columns, roomV);
       return {roomU, roomV};
     }
     case Chroma::apart:
@@ -118,11 +116,11 @@ ChromaRow Source::chroma(const SourcePair& row, const ChromaColumns& columns, ui
 }
 
 ChromaRow Source::groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
-                                uint8_t* roomV) const {
+                                uint8_t* roomV) {
   uint8_t picked[4 * kRun], luma0[kRun], luma1[kRun];
   const uint8_t* groups = rowOf(0, row) + ptrdiff_t{4} * columns.start;
   if (!columns.direct) {
-    convert_->pick4(rowOf(0, row), columns.place, columns.count, picked);
+    sampleChroma(rowOf(0, row), columns, picked);
     groups = picked;
   }
   uint8_t* parts[4] = {};
@@ -141,28 +139,21 @@ void Source::spacedChroma(const uint8_t* row, const ChromaColumns& columns, uint
 }
 
 const uint8_t* Source::chromaPairs(const SourcePair& row, const ChromaColumns& columns,
-                                   uint8_t* room) const {
+                                   uint8_t* room) {
   const uint8_t* const pairs = rowOf(isVFirst() ? 2 : 1, row.first >> shiftY_);
   if (columns.direct) return pairs + ptrdiff_t{2} * columns.start;
-  convert_->pick2(pairs, columns.place, columns.count, room);
+  sampleChroma(pairs, columns, room);
   return room;
 }
 
-PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) const {
+PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) {
   const int32_t bytes = pixelBytes(format_);
-  const uint8_t* const pixels = rowOf(0, row.first);
-  if (columns.direct) return {pixels + ptrdiff_t{bytes} * columns.start, bytes};
-  if (!bilinear_) {
-    const auto pick = bytes == 2 ? convert_->pick2 : bytes == 3 ? convert_->pick3 : convert_->pick4;
-    pick(pixels, columns.place, columns.count, room);
-    return {room, bytes};
-  }
-  if (bytes == 2) {
+  if (columns.direct) return {rowOf(0, row.first) + ptrdiff_t{bytes} * columns.start, bytes};
+  if (bilinear_ && bytes == 2) {
     blend565(row, columns, room);
     return {room, 3};
   }
-  const auto blend = bytes == 3 ? convert_->blend3 : convert_->blend4;
-  blend(sampled(row, columns), columns.count, room);
+  sample(row, columns, room);
   return {room, bytes};
 }
 

@@ -9,7 +9,7 @@
 #include "convert/kernels/call.h"
 #include "convert/kernels/columns.h"
 #include "convert/kernels/formats.h"
-#include "simd/convert_rows.h"
+#include "convert/kernels/sampler.h"
 #include "simd/rows.h"
 
 namespace qpx::convert::fast {
@@ -21,7 +21,7 @@ struct ChromaRow {
 
 struct PixelRow {
   const uint8_t* pixels;
-  int32_t bytes;  // of a pixel: those of the format, or 3 where 16-bit pixels were blended
+  int32_t bytes;  // of a pixel
 };
 
 class Source {
@@ -47,20 +47,23 @@ class Source {
   int32_t chromaShiftY() const { return shiftY_; }
 
   // `columns.count` bytes.
-  const uint8_t* luma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+  const uint8_t* luma(const SourcePair& row, const Columns& columns, uint8_t* room);
 
   // `columns.chroma.count` samples of each.
   ChromaRow chroma(const SourcePair& row, const ChromaColumns& columns, uint8_t* roomU,
-                   uint8_t* roomV) const;
+                   uint8_t* roomV);
 
   // Chroma lies in pairs, V before U or the other way round.
   bool hasPairs() const { return chroma_ == Chroma::pairs; }
   bool isVFirst() const { return plane_[2] < plane_[1]; }
-  const uint8_t* chromaPairs(const SourcePair& row, const ChromaColumns& columns,
-                             uint8_t* room) const;
+  const uint8_t* chromaPairs(const SourcePair& row, const ChromaColumns& columns, uint8_t* room);
 
+  // Bytes of a pixel as it is returned: those of the format, or 3 where 16-bit pixels are blended.
+  int32_t sampledBytes() const {
+    return bilinear_ && (format_ & kIn16) != 0 ? 3 : pixelBytes(format_);
+  }
   // Pixels of an RGB format; room for kRun pixels of 4 bytes.
-  PixelRow pixels(const SourcePair& row, const Columns& columns, uint8_t* room) const;
+  PixelRow pixels(const SourcePair& row, const Columns& columns, uint8_t* room);
 
  private:
   enum class Chroma { none, planes, pairs, apart, groups };
@@ -68,16 +71,17 @@ class Source {
   const uint8_t* rowOf(int32_t plane, int32_t row) const {
     return plane_[plane] + pitch_[plane] * row;
   }
+  void openSamplers();
+  // The run's elements of plane 0, nearest or mixed.
+  void sample(const SourcePair& row, const Columns& columns, uint8_t* room);
+  void sampleChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room);
   const uint8_t* packedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
-  void blendPackedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
   ChromaRow groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
-                          uint8_t* roomV) const;
+                          uint8_t* roomV);
   void spacedChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room) const;
   void blend565(const SourcePair& row, const Columns& columns, uint8_t* room) const;
-  simd::SampledRow sampled(const SourcePair& row, const Columns& columns) const;
 
   const simd::Rows* rows_;
-  const simd::ConvertRows* convert_;
   FormatSet format_;
   bool bilinear_;
   Chroma chroma_;
@@ -86,6 +90,8 @@ class Source {
   int32_t offset_[3];
   int32_t shiftX_;
   int32_t shiftY_;
+  Sampler sampler_;        // of luma or pixels
+  Sampler chromaSampler_;  // of samples, pairs or groups
 };
 
 }  // namespace qpx::convert::fast
