@@ -10,7 +10,10 @@
 namespace qpx::convert::fast {
 namespace {
 
-int32_t runLength(const ConvRecord& record) { return record.swapXY != 0 ? kTileColumns : kRun; }
+int32_t runLength(const ConvRecord& record, bool needsNoRooms = false) {
+  if (record.swapXY != 0) return kTileColumns;
+  return needsNoRooms ? kWholeRow : kRun;
+}
 
 bool hasTables(const ConvRecord& record) {
   const bool needed =
@@ -36,8 +39,10 @@ void convertDithered(const Call& call, FormatSet from, FormatSet to, const CellG
 
 void convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
   RgbSink sink;
-  if (!sink.open(call, from, to) || (from == to && sink.copyPixels(Positions(call)))) return;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!sink.open(call, from, to)) return;
+  const Positions positions(call);
+  if (from == to && sink.copyPixels(positions)) return;
+  walk(call, cells, runLength(*call.record, sink.needsNoRooms(positions)), &sink);
 }
 
 void convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
@@ -47,8 +52,10 @@ void convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
 
 void convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
   PlanarSink sink;
-  if (!sink.open(call, from, to, cells) || sink.copyPlanes(Positions(call))) return;
-  walk(call, cells, runLength(*call.record), &sink);
+  if (!sink.open(call, from, to, cells)) return;
+  const Positions positions(call);
+  if (sink.copyPlanes(positions)) return;
+  walk(call, cells, runLength(*call.record, sink.needsNoRooms(positions)), &sink);
 }
 
 bool dithers(const ConvRecord& record, FormatSet from, FormatSet to, Dither dither) {

@@ -39,8 +39,7 @@ Positions::Positions(const Call& call)
 }
 
 // As sourceRow.
-SourcePair Positions::row(int32_t y) const {
-  if (direct_) return {y + shiftY_, y + shiftY_, 0};
+SourcePair Positions::sampledRow(int32_t y) const {
   const int64_t sy = firstSy_ + int64_t{stepY_} * (int64_t{y} - top_ + 1);
   if (sy < record_.clipT) return {record_.clipT, record_.clipT, 0};
   const int32_t last = record_.clipB - 1;

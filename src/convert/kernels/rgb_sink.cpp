@@ -39,6 +39,12 @@ bool RgbSink::copyPixels(const Positions& positions) {
   return true;
 }
 
+bool RgbSink::needsNoRooms(const Positions& positions) const {
+  const bool unpacks = source_.isOf16Bits() && bytes_ != 3;
+  return lane_.isForward() && !unpacks &&
+         source_.needsNoRooms(positions, rect_.left + positions.shiftX());
+}
+
 void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_t y) {
   columns_.locate(positions, x, count);
   if (!source_.isRgb()) columns_.chromaOfPixels(source_.chromaShiftX());
@@ -46,33 +52,61 @@ void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_
 }
 
 void RgbSink::row(int32_t index, int32_t, const SourcePair& place) {
-  if (!source_.isRgb()) {
-    fromYuv(index, place);
-    return;
-  }
-  uint8_t room[4 * kRun];
-  lane_.put(index, fromRgb(source_.pixels(place, columns_, room), lane_.room(index)));
+  source_.fetchAhead(place, columns_);
+  places_[index] = place;
 }
 
-void RgbSink::fromYuv(int32_t index, const SourcePair& place) {
-  uint8_t luma[kRun], u[kRun], v[kRun];
-  const ChromaRow chroma = source_.chroma(place, columns_.chroma, u, v);
-  const simd::YuvRow row = {source_.luma(place, columns_, luma), chroma.u, chroma.v,
-                            columns_.chroma.halved};
-  uint8_t* const room = lane_.room(index);
-  if (bytes_ == 2) {
-    rows_->yuvToRgb16(row, columns_.count, tables_, redFirst_, room);
-  } else if (bytes_ == 3) {
-    rows_->yuvToRgb24(row, columns_.count, tables_, redFirst_, room);
+void RgbSink::end(int32_t rows) {
+  if (source_.isRgb()) {
+    for (int32_t i = 0; i < rows; ++i) fromRgb(i);
   } else {
-    rows_->yuvToRgb32(row, columns_.count, tables_, redFirst_, alpha_, room);
+    fromYuv(rows);
   }
-  lane_.put(index, room);
+  lane_.end(rows);
+}
+
+void RgbSink::fromRgb(int32_t index) {
+  uint8_t room[4 * kRun];
+  lane_.put(index, inOrder(source_.pixels(places_[index], columns_, room), lane_.room(index)));
+}
+
+int32_t RgbSink::linesTogether(int32_t index, int32_t rows) const {
+  return index + 1 < rows && source_.shareChroma(places_[index], places_[index + 1]) ? 2 : 1;
+}
+
+// Two rows together where they share their chroma, and a band at a time, unless the rooms for its
+// samples or pixels have to be used again.
+void RgbSink::fromYuv(int32_t rows) {
+  YuvRooms rooms;
+  simd::YuvRow made[kBandRows];
+  const bool wholeBand = source_.liesReady(columns_) && lane_.hasRooms();
+  int32_t count = 0, delivered = 0;
+  for (int32_t i = 0; i < rows;) {
+    const int32_t lines = lane_.hasRooms() ? linesTogether(i, rows) : 1;
+    simd::YuvRow& row = made[count++];
+    source_.yuvRows(places_ + i, lines, columns_, &rooms, &row);
+    for (int32_t line = 0; line < lines; ++line) row.dst[line] = lane_.room(i + line);
+    i += lines;
+    if (wholeBand && i < rows) continue;
+    convertYuv(made, count);
+    count = 0;
+    for (; delivered < i; ++delivered) lane_.put(delivered, lane_.room(delivered));
+  }
+}
+
+void RgbSink::convertYuv(const simd::YuvRow* rows, int32_t count) const {
+  if (bytes_ == 2) {
+    rows_->yuvToRgb16(rows, count, columns_.count, tables_, redFirst_);
+  } else if (bytes_ == 3) {
+    rows_->yuvToRgb24(rows, count, columns_.count, tables_, redFirst_);
+  } else {
+    rows_->yuvToRgb32(rows, count, columns_.count, tables_, redFirst_, alpha_);
+  }
 }
 
 // Pixels that need no change are delivered from where they are, but for those that another row of
 // a tile would overwrite.
-const uint8_t* RgbSink::fromRgb(const PixelRow& row, uint8_t* room) const {
+const uint8_t* RgbSink::inOrder(const PixelRow& row, uint8_t* room) const {
   const bool copies = row.bytes == bytes_ && source_.isRedFirst() == redFirst_;
   if (copies && columns_.direct) return row.pixels;
   if (copies && !lane_.usesTiles() && !lane_.isForward()) return row.pixels;

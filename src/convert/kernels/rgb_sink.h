@@ -15,13 +15,19 @@ class RgbSink {
   // Returns whether it did.
   bool copyPixels(const Positions& positions);
 
+  // Whether runs may be of any length.
+  bool needsNoRooms(const Positions& positions) const;
+
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
   void row(int32_t index, int32_t y, const SourcePair& place);
-  void end(int32_t rows) { lane_.end(rows); }
+  void end(int32_t rows);
 
  private:
-  void fromYuv(int32_t index, const SourcePair& place);
-  const uint8_t* fromRgb(const PixelRow& row, uint8_t* room) const;
+  void fromYuv(int32_t rows);
+  int32_t linesTogether(int32_t index, int32_t rows) const;
+  void convertYuv(const simd::YuvRow* rows, int32_t count) const;
+  void fromRgb(int32_t index);
+  const uint8_t* inOrder(const PixelRow& row, uint8_t* room) const;
   void reorder(const PixelRow& row, uint8_t* room) const;
 
   Source source_;
@@ -33,6 +39,7 @@ class RgbSink {
   bool redFirst_;
   uint8_t alpha_;
   Columns columns_;
+  SourcePair places_[kBandRows];
   Lane lane_;
 };
 

@@ -28,8 +28,8 @@ void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const Positions positions(call);
   const MRect& rect = call.rect;
   // Rows share the work of finding columns, and tiles are as high as can be; where there is
-  // neither, memory is best read and written in its order.
-  const bool inOrder = positions.isDirect() && call.record->swapXY == 0;
+  // neither, memory is best read and written in its order, as whole rows do anyway.
+  const bool inOrder = positions.isDirect() && call.record->swapXY == 0 && run != kWholeRow;
   const int32_t rows = inOrder ? 2 : kBandRows;
   for (int32_t top = rect.top; top < rect.bottom;) {
     const int32_t bottom = cells.y.runEnd(top, rows, rect.bottom);
