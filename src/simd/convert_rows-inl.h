@@ -101,13 +101,32 @@ void rgb24To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   plain::rgb24To16(src + 3 * done, pixels - done, swap, dst + 2 * done);
 }
 
-void rgb32To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
-  const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
-    auto v0 = hn::Undefined(d), v1 = v0, v2 = v0, v3 = v0;
-    hn::LoadInterleaved4(d, src + 4 * i, v0, v1, v2, v3);
-    storeWords(d, swap ? v2 : v0, v1, swap ? v0 : v2, dst + 2 * i);
+// Pixels as numbers, first byte lowest, whose first or third byte becomes the lowest field.
+template <bool kSwap, class D, class V>
+HWY_INLINE V fieldsOf(D d, V pixels) {
+  const auto low = hn::And(hn::ShiftRight < kSwap ? 19 : 3 > (pixels), hn::Set(d, 0x1Fu));
+  const auto middle = hn::And(hn::ShiftRight<5>(pixels), hn::Set(d, 0x7E0u));
+  const auto moved = kSwap ? hn::ShiftLeft<8>(pixels) : hn::ShiftRight<8>(pixels);
+  return hn::Or(hn::Or(low, middle), hn::And(moved, hn::Set(d, 0xF800u)));
+}
+
+template <bool kSwap>
+HWY_INLINE ptrdiff_t quadsTo16(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
+  const hn::ScalableTag<uint32_t> d;
+  const hn::RebindToSigned<decltype(d)> dSigned;
+  const hn::Repartition<uint8_t, decltype(d)> bytes;
+  const hn::Rebind<uint16_t, decltype(d)> words;
+  const hn::Repartition<uint8_t, decltype(words)> wordBytes;
+  return wholeVectors(pixels, static_cast<ptrdiff_t>(hn::Lanes(d)), [&](ptrdiff_t i) HWY_ATTR {
+    const auto fields = fieldsOf<kSwap>(d, hn::BitCast(d, hn::LoadU(bytes, src + 4 * i)));
+    const auto narrow = hn::DemoteTo(words, hn::BitCast(dSigned, fields));
+    hn::StoreU(hn::BitCast(wordBytes, narrow), wordBytes, dst + 2 * i);
   });
+}
+
+void rgb32To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
+  const ptrdiff_t done =
+      swap ? quadsTo16<true>(src, pixels, dst) : quadsTo16<false>(src, pixels, dst);
   plain::rgb32To16(src + 4 * done, pixels - done, swap, dst + 2 * done);
 }
 
@@ -136,49 +155,6 @@ void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
     hn::StoreU(hn::BitCast(bytes, swapped), bytes, dst + 2 * i);
   });
   plain::swapPairs(src + 2 * done, pairs - done, dst + 2 * done);
-}
-
-void everySecond4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const hn::ScalableTag<uint32_t> d;
-  const hn::Repartition<uint8_t, decltype(d)> bytes;
-  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
-  const ptrdiff_t done = wholeVectors(count, length, [&](ptrdiff_t i) HWY_ATTR {
-    const auto first = hn::BitCast(d, hn::LoadU(bytes, src + 8 * i));
-    const auto second = hn::BitCast(d, hn::LoadU(bytes, src + 8 * i + 4 * length));
-    hn::StoreU(hn::BitCast(bytes, hn::ConcatOdd(d, second, first)), bytes, dst + 4 * i);
-  });
-  plain::everySecond4(src + 8 * done, count - done, dst + 4 * done);
-}
-
-HWY_ALIGN constexpr uint8_t kPadded[16] = {0, 1, 2, 128, 3, 4,  5,  128,
-                                           6, 7, 8, 128, 9, 10, 11, 128};
-
-// Four pixels out of sixteen bytes: the row must hold six of them.
-void pad24To32(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
-  const Block d;
-  const auto indices = hn::Load(d, kPadded);
-  const ptrdiff_t done = wholeVectors(pixels - 2, 4, [&](ptrdiff_t i) HWY_ATTR {
-    hn::StoreU(hn::TableLookupBytesOr0(hn::LoadU(d, src + 3 * i), indices), d, dst + 4 * i);
-  });
-  plain::pad24To32(src + 3 * done, pixels - done, dst + 4 * done);
-}
-
-void weigh4(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
-  const hn::ScalableTag<int32_t> d;
-  const hn::Repartition<uint8_t, decltype(d)> bytes;
-  const hn::Rebind<uint8_t, decltype(d)> narrow;
-  const auto w0 = hn::Set(d, w[0]), w1 = hn::Set(d, w[1]), w2 = hn::Set(d, w[2]);
-  const auto base = hn::Set(d, w[3]), byte = hn::Set(d, 0xFF);
-  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
-  const ptrdiff_t done = wholeVectors(pixels, length, [&](ptrdiff_t i) HWY_ATTR {
-    const auto v = hn::BitCast(d, hn::LoadU(bytes, src + 4 * i));
-    const auto first = hn::Mul(hn::And(v, byte), w0);
-    const auto second = hn::Mul(hn::And(hn::ShiftRight<8>(v), byte), w1);
-    const auto third = hn::Mul(hn::And(hn::ShiftRight<16>(v), byte), w2);
-    const auto sum = hn::Add(hn::Add(first, second), hn::Add(third, base));
-    hn::StoreU(hn::DemoteTo(narrow, hn::ShiftRight<16>(sum)), narrow, dst + i);
-  });
-  plain::weigh4(src + 4 * done, pixels - done, w, dst + done);
 }
 
 HWY_ALIGN constexpr uint8_t kReversed1[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};

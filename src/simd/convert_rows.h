@@ -40,23 +40,45 @@ struct YuvToRgb {
   Line greenV;
 };
 
-// Samples of one picture row and the chroma that goes with them.
+// Samples of a picture row, or of two rows that share their chroma, where they stand, and where the
+// pixels go. Luma i is at luma[i * lumaStep], chroma i at u[i * chromaStep] and v[i * chromaStep].
+// Steps are 1 and 1; 1 and 2, where u and v stand side by side; or 2 and 4, where groups of four
+// bytes hold two lumas in turn with a sample of each chroma. All bytes of a pair or group may be
+// read.
 struct YuvRow {
-  const uint8_t* luma;
+  const uint8_t* luma[2];  // the second null: of one row
   const uint8_t* u;
   const uint8_t* v;
-  bool halved;  // pixel i takes chroma sample i / 2, else sample i
+  bool halved;  // pixel i takes chroma sample i / 2, as it always does in groups, else sample i
+  ptrdiff_t lumaStep = 1;
+  ptrdiff_t chromaStep = 1;
+  uint8_t* dst[2] = {};
+
+  ptrdiff_t lines() const { return luma[1] != nullptr ? 2 : 1; }
+};
+
+// What the bytes of a pixel weigh in its chroma, and what is added.
+struct RgbToChroma {
+  int32_t u[4];
+  int32_t v[4];
+};
+
+// Sample i goes to u[i * step] and v[i * step]: planes by 1, or pairs side by side by 2.
+struct ChromaTarget {
+  uint8_t* u;
+  uint8_t* v;
+  ptrdiff_t step;
 };
 
 struct ConvertRows {
   // Pixels from YUV: three bytes, four (the last being `alpha`), or 16-bit words 5-6-5. The first
-  // byte, of a word the lowest field, is blue, or red with `redFirst`.
-  void (*yuvToRgb24)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                     uint8_t* dst);
-  void (*yuvToRgb32)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                     uint8_t alpha, uint8_t* dst);
-  void (*yuvToRgb16)(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                     uint8_t* dst);
+  // byte, of a word the lowest field, is blue, or red with `redFirst`. All rows are of one shape.
+  void (*yuvToRgb24)(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                     bool redFirst);
+  void (*yuvToRgb32)(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                     bool redFirst, uint8_t alpha);
+  void (*yuvToRgb16)(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                     bool redFirst);
 
   // First and third byte of each pixel exchanged; the fourth is copied. In place.
   void (*swapEnds3)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
@@ -67,13 +89,19 @@ struct ConvertRows {
   void (*rgb24To32)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
   void (*rgb32To24)(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst);
 
-  // Pixels of 3 bytes with a fourth one, 0.
-  void (*pad24To32)(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst);
+  // Luma of pixels of 3 or 4 bytes. With b0 b1 b2 the first three and 16 fractional bits,
+  //   sample = (w[0] * b0 + w[1] * b1 + w[2] * b2 + w[3]) >> 16
+  // for weights within 65151 either way, w[3] a multiple of 256, that keep every sample within
+  // 0..255 and every sum within 32 bits.
+  void (*rgb24ToLuma)(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst);
+  void (*rgb32ToLuma)(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst);
 
-  // Of pixels of 4 bytes, b0 b1 b2 and one that does not matter, with 16 fractional bits:
-  //   dst = (w[0] * b0 + w[1] * b1 + w[2] * b2 + w[3]) >> 16
-  // for weights that keep every result within 0..255 and every sum within 32 bits.
-  void (*weigh4)(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst);
+  // Chroma in the same way: of every pixel, or with `halved` of the second of each two and of a
+  // last one that stands alone.
+  void (*rgb24ToChroma)(const uint8_t* src, ptrdiff_t pixels, bool halved, const RgbToChroma& w,
+                        const ChromaTarget& dst);
+  void (*rgb32ToChroma)(const uint8_t* src, ptrdiff_t pixels, bool halved, const RgbToChroma& w,
+                        const ChromaTarget& dst);
 
   // Pixels of 3 or 4 bytes, b0 b1 b2, cut to 16-bit words, low byte first:
   // b2 >> 3 << 11 | b1 >> 2 << 5 | b0 >> 3, b0 and b2 exchanged with `swap`; and back, without
@@ -84,9 +112,6 @@ struct ConvertRows {
 
   // The two bytes of each pair exchanged. In place.
   void (*swapPairs)(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst);
-
-  // The second of each two elements, of 4 bytes: dst[i] = src[2 * i + 1].
-  void (*everySecond4)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
 
   // Elements of 1 to 4 bytes in reverse order.
   void (*reverse1)(const uint8_t* src, ptrdiff_t count, uint8_t* dst);
@@ -114,13 +139,14 @@ struct ConvertRows {
   ROW(Table, swapEnds4)              \
   ROW(Table, rgb24To32)              \
   ROW(Table, rgb32To24)              \
-  ROW(Table, pad24To32)              \
-  ROW(Table, weigh4)                 \
+  ROW(Table, rgb24ToLuma)            \
+  ROW(Table, rgb32ToLuma)            \
+  ROW(Table, rgb24ToChroma)          \
+  ROW(Table, rgb32ToChroma)          \
   ROW(Table, rgb24To16)              \
   ROW(Table, rgb32To16)              \
   ROW(Table, rgb16To24)              \
   ROW(Table, swapPairs)              \
-  ROW(Table, everySecond4)           \
   ROW(Table, reverse1)               \
   ROW(Table, reverse2)               \
   ROW(Table, reverse3)               \

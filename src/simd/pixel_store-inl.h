@@ -115,6 +115,56 @@ struct GroupsInOrder {
 template <PixelOrder kOrder, ptrdiff_t kBytes = bytesOf(kOrder)>
 class PixelStore;
 
+#if HWY_TARGET == HWY_AVX3_DL
+
+// Byte t of the vectors that 64 pixels make up is byte (t / kBytes) of channel t % kBytes.
+template <size_t kBytes>
+struct PixelPlaces {
+  alignas(64) uint8_t place[kBytes * 64] = {};
+  uint64_t mask[kBytes][3] = {};  // of output and channel
+
+  constexpr PixelPlaces() {
+    for (size_t t = 0; t < kBytes * 64; ++t) {
+      const size_t pixel = t / kBytes;
+      place[t] = static_cast<uint8_t>(pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2);
+      if (t % kBytes < 3) mask[t / 64][t % kBytes] |= uint64_t{1} << t % 64;
+    }
+  }
+};
+template <size_t kBytes>
+alignas(64) constexpr PixelPlaces<kBytes> kPixelPlaces;
+
+// Stores packed channels of pixels that were loaded through `placed`.
+template <PixelOrder kOrder, ptrdiff_t kBytes>
+class PixelStore : public GroupsInOrder {
+ public:
+  explicit HWY_INLINE PixelStore(uint8_t alpha)
+      : rest_(_mm512_set1_epi8(static_cast<char>(alpha))) {}
+  HWY_INLINE void operator()(V8 r, V8 g, V8 b, uint8_t* dst) const {
+    const V8 first = blueFirst(kOrder) ? b : r, third = blueFirst(kOrder) ? r : b;
+    store<0>(first, g, third, dst);
+    store<1>(first, g, third, dst);
+    store<2>(first, g, third, dst);
+    if constexpr (kBytes == 4) store<3>(first, g, third, dst);
+  }
+
+ private:
+  template <size_t kOutput>
+  HWY_INLINE void store(V8 c0, V8 c1, V8 c2, uint8_t* dst) const {
+    constexpr const uint64_t(&mask)[3] = kPixelPlaces<kBytes>.mask[kOutput];
+    const __m512i places = _mm512_load_si512(kPixelPlaces<kBytes>.place + 64 * kOutput);
+    __m512i bytes = kBytes == 4 ? _mm512_mask_permutexvar_epi8(rest_, mask[0], places, c0.raw)
+                                : _mm512_maskz_permutexvar_epi8(mask[0], places, c0.raw);
+    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[1], places, c1.raw);
+    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[2], places, c2.raw);
+    _mm512_storeu_si512(dst + 64 * kOutput, bytes);
+  }
+
+  __m512i rest_;
+};
+
+#else
+
 // Stores packed channels of pixels that were loaded through `placed`.
 template <PixelOrder kOrder>
 class PixelStore<kOrder, 4> : public DealtGroups {
@@ -127,50 +177,6 @@ class PixelStore<kOrder, 4> : public DealtGroups {
  private:
   V8 alpha_;
 };
-
-#if HWY_TARGET == HWY_AVX3_DL
-
-// Byte t of three vectors of pixels is byte (t / 3) of channel t % 3.
-struct TripletPlaces {
-  alignas(64) uint8_t place[192];
-  uint64_t mask[3][3];  // of output and channel
-};
-
-constexpr TripletPlaces tripletPlaces() {
-  TripletPlaces p = {};
-  for (size_t t = 0; t < 192; ++t) {
-    const size_t pixel = t / 3;
-    p.place[t] = static_cast<uint8_t>(pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2);
-    p.mask[t / 64][t % 3] |= uint64_t{1} << t % 64;
-  }
-  return p;
-}
-alignas(64) constexpr TripletPlaces kTripletPlaces = tripletPlaces();
-
-template <PixelOrder kOrder>
-class PixelStore<kOrder, 3> : public GroupsInOrder {
- public:
-  explicit HWY_INLINE PixelStore(uint8_t /*alpha*/) {}
-  HWY_INLINE void operator()(V8 r, V8 g, V8 b, uint8_t* dst) const {
-    const V8 first = blueFirst(kOrder) ? b : r, third = blueFirst(kOrder) ? r : b;
-    store<0>(first, g, third, dst);
-    store<1>(first, g, third, dst);
-    store<2>(first, g, third, dst);
-  }
-
- private:
-  template <size_t kOutput>
-  static HWY_INLINE void store(V8 c0, V8 c1, V8 c2, uint8_t* dst) {
-    constexpr const uint64_t(&mask)[3] = kTripletPlaces.mask[kOutput];
-    const __m512i places = _mm512_load_si512(kTripletPlaces.place + 64 * kOutput);
-    __m512i bytes = _mm512_maskz_permutexvar_epi8(mask[0], places, c0.raw);
-    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[1], places, c1.raw);
-    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[2], places, c2.raw);
-    _mm512_storeu_si512(dst + 64 * kOutput, bytes);
-  }
-};
-
-#else
 
 template <PixelOrder kOrder>
 class PixelStore<kOrder, 3> : public GroupsInOrder {

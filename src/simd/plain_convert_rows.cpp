@@ -19,25 +19,37 @@ uint32_t channel(uint32_t sum, int32_t bias) {
   return static_cast<uint32_t>(std::clamp(value, 0, 255));
 }
 
-Rgb rgbAt(const YuvRow& row, ptrdiff_t i, const YuvToRgb& tables) {
-  const ptrdiff_t chroma = row.halved ? i / 2 : i;
-  const uint32_t y = tables.luma[row.luma[i]];
+Rgb rgbAt(const YuvRow& row, ptrdiff_t line, ptrdiff_t i, const YuvToRgb& tables) {
+  const ptrdiff_t chroma = (row.halved ? i / 2 : i) * row.chromaStep;
+  const uint32_t y = tables.luma[row.luma[line][i * row.lumaStep]];
   const uint32_t u = tables.blue[row.u[chroma]];
   const uint32_t v = tables.red[row.v[chroma]];
   return {channel(y + v, 512), channel(y + ((u + v) << 16), tables.greenBias), channel(y + u, 512)};
 }
 
+// store(rgb, pixel of the destination)
+template <int kBytes, typename Store>
+void eachPixel(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+               const Store& store) {
+  for (const YuvRow* row = rows; row < rows + count; ++row) {
+    for (ptrdiff_t line = 0; line < row->lines(); ++line) {
+      for (ptrdiff_t i = 0; i < pixels; ++i) {
+        store(rgbAt(*row, line, i, tables), row->dst[line] + i * kBytes);
+      }
+    }
+  }
+}
+
 template <int kBytes>
-void yuvToRgb(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-              uint8_t alpha, uint8_t* dst) {
+void yuvToRgb(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+              bool redFirst, uint8_t alpha) {
   const ptrdiff_t red = redFirst ? 0 : 2;
-  for (ptrdiff_t i = 0; i < pixels; ++i, dst += kBytes) {
-    const Rgb rgb = rgbAt(row, i, tables);
+  eachPixel<kBytes>(rows, count, pixels, tables, [=](const Rgb& rgb, uint8_t* dst) {
     dst[red] = static_cast<uint8_t>(rgb.red);
     dst[1] = static_cast<uint8_t>(rgb.green);
     dst[2 - red] = static_cast<uint8_t>(rgb.blue);
     if constexpr (kBytes == 4) dst[3] = alpha;
-  }
+  });
 }
 
 void storeWord(uint8_t* dst, uint32_t word) {
@@ -52,6 +64,26 @@ void rgbTo16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
     storeWord(dst, static_cast<uint32_t>(src[2 - low] >> 3) << 11 |
                        static_cast<uint32_t>(src[1] >> 2) << 5 |
                        static_cast<uint32_t>(src[low] >> 3));
+  }
+}
+
+uint8_t weighed(const uint8_t* pixel, const int32_t* w) {
+  return static_cast<uint8_t>((w[0] * pixel[0] + w[1] * pixel[1] + w[2] * pixel[2] + w[3]) >> 16);
+}
+
+template <int kBytes>
+void rgbToLuma(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  for (ptrdiff_t i = 0; i < pixels; ++i) dst[i] = weighed(src + i * kBytes, w);
+}
+
+template <int kBytes>
+void rgbToChroma(const uint8_t* src, ptrdiff_t pixels, bool halved, const RgbToChroma& w,
+                 const ChromaTarget& dst) {
+  const ptrdiff_t samples = halved ? (pixels + 1) / 2 : pixels;
+  for (ptrdiff_t i = 0; i < samples; ++i) {
+    const ptrdiff_t pixel = halved ? std::min(2 * i + 1, pixels - 1) : i;
+    dst.u[i * dst.step] = weighed(src + pixel * kBytes, w.u);
+    dst.v[i * dst.step] = weighed(src + pixel * kBytes, w.v);
   }
 }
 
@@ -85,23 +117,22 @@ void transpose(const uint8_t* src, ptrdiff_t srcPitch, ptrdiff_t columns, ptrdif
 
 }  // namespace
 
-void yuvToRgb24(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                uint8_t* dst) {
-  yuvToRgb<3>(row, pixels, tables, redFirst, 0, dst);
+void yuvToRgb24(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                bool redFirst) {
+  yuvToRgb<3>(rows, count, pixels, tables, redFirst, 0);
 }
 
-void yuvToRgb32(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                uint8_t alpha, uint8_t* dst) {
-  yuvToRgb<4>(row, pixels, tables, redFirst, alpha, dst);
+void yuvToRgb32(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                bool redFirst, uint8_t alpha) {
+  yuvToRgb<4>(rows, count, pixels, tables, redFirst, alpha);
 }
 
-void yuvToRgb16(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables, bool redFirst,
-                uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < pixels; ++i, dst += 2) {
-    const Rgb rgb = rgbAt(row, i, tables);
+void yuvToRgb16(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels, const YuvToRgb& tables,
+                bool redFirst) {
+  eachPixel<2>(rows, count, pixels, tables, [=](const Rgb& rgb, uint8_t* dst) {
     const uint32_t high = redFirst ? rgb.blue : rgb.red, low = redFirst ? rgb.red : rgb.blue;
     storeWord(dst, high >> 3 << 11 | rgb.green >> 2 << 5 | low >> 3);
-  }
+  });
 }
 
 void swapEnds3(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
@@ -130,17 +161,22 @@ void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   }
 }
 
-void pad24To32(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < pixels; ++i) {
-    memcpy(dst + 4 * i, src + 3 * i, 3);
-    dst[4 * i + 3] = 0;
-  }
+void rgb24ToLuma(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  rgbToLuma<3>(src, pixels, w, dst);
 }
 
-void weigh4(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < pixels; ++i, src += 4) {
-    dst[i] = static_cast<uint8_t>((w[0] * src[0] + w[1] * src[1] + w[2] * src[2] + w[3]) >> 16);
-  }
+void rgb32ToLuma(const uint8_t* src, ptrdiff_t pixels, const int32_t* w, uint8_t* dst) {
+  rgbToLuma<4>(src, pixels, w, dst);
+}
+
+void rgb24ToChroma(const uint8_t* src, ptrdiff_t pixels, bool halved, const RgbToChroma& w,
+                   const ChromaTarget& dst) {
+  rgbToChroma<3>(src, pixels, halved, w, dst);
+}
+
+void rgb32ToChroma(const uint8_t* src, ptrdiff_t pixels, bool halved, const RgbToChroma& w,
+                   const ChromaTarget& dst) {
+  rgbToChroma<4>(src, pixels, halved, w, dst);
 }
 
 void rgb24To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
@@ -167,10 +203,6 @@ void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
     dst[2 * i] = src[2 * i + 1];
     dst[2 * i + 1] = first;
   }
-}
-
-void everySecond4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  for (ptrdiff_t i = 0; i < count; ++i) memcpy(dst + 4 * i, src + 8 * i + 4, 4);
 }
 
 void reverse1(const uint8_t* src, ptrdiff_t count, uint8_t* dst) { reverse<1>(src, count, dst); }

@@ -7,6 +7,7 @@
 
 #include "simd/convert_rows-inl.h"
 #include "simd/convert_rows.h"
+#include "simd/convert_weigh-inl.h"
 #include "simd/convert_yuv-inl.h"
 
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128

@@ -1,6 +1,7 @@
 // Pixels out of YUV by table lines: vector forms against plain ones, which look the tables up, over
 // colour spaces, contrasts, lengths and all pairs of luma and chroma.
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "simd/convert_rows.h"
@@ -71,28 +72,86 @@ std::vector<Tables> tablesOfAllKinds() {
 class ConvertYuvRowsTest : public TargetTest {};
 QPX_FOR_EACH_TARGET(ConvertYuvRowsTest);
 
+// Two rows, of as many lines as the first of them, each with a byte behind it that stays.
+template <typename Convert>
+void expectSameLines(ptrdiff_t bytes, const YuvRow& row, const Convert& convert) {
+  const auto pitch = static_cast<size_t>(bytes) + 1;
+  const Bytes noise(4 * pitch, 0xA5);
+  const auto made = [&](const ConvertRows& forms) {
+    Bytes pixels = noise;
+    YuvRow rows[2] = {row, row};
+    for (size_t line = 0; line < 4; ++line) rows[line / 2].dst[line % 2] = &pixels[line * pitch];
+    if (row.lumaStep == 1) std::swap(rows[1].luma[0], rows[1].luma[row.lines() - 1]);
+    convert(forms, rows);
+    return pixels;
+  };
+  const Bytes plain = made(plainForm<ConvertRows>());
+  ASSERT_EQ(plain, made(vectorForm<ConvertRows>()));
+  for (size_t end = pitch - 1; end < noise.size(); end += pitch) ASSERT_EQ(noise[end], plain[end]);
+}
+
 void expectSamePixels(const YuvRow& row, ptrdiff_t pixels, const YuvToRgb& tables) {
   for (const bool redFirst : {false, true}) {
-    expectSameForms<ConvertRows>(3 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
-      rows.yuvToRgb24(row, pixels, tables, redFirst, dst);
+    expectSameLines(3 * pixels, row, [&](const ConvertRows& forms, const YuvRow* rows) {
+      forms.yuvToRgb24(rows, 2, pixels, tables, redFirst);
     });
-    expectSameForms<ConvertRows>(4 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
-      rows.yuvToRgb32(row, pixels, tables, redFirst, 99, dst);
+    expectSameLines(4 * pixels, row, [&](const ConvertRows& forms, const YuvRow* rows) {
+      forms.yuvToRgb32(rows, 2, pixels, tables, redFirst, 99);
     });
-    expectSameForms<ConvertRows>(2 * pixels, [&](const ConvertRows& rows, uint8_t* dst) {
-      rows.yuvToRgb16(row, pixels, tables, redFirst, dst);
+    expectSameLines(2 * pixels, row, [&](const ConvertRows& forms, const YuvRow* rows) {
+      forms.yuvToRgb16(rows, 2, pixels, tables, redFirst);
     });
   }
 }
 
-TEST_P(ConvertYuvRowsTest, EveryLength) {
-  const Bytes noise = randomBytes(4096, 1);
-  const uint8_t* const at = noise.data() + 1;
+// The ways in which samples lie, in buffers that end with the last of them.
+struct Samples {
+  Samples(ptrdiff_t pixels, int32_t shape, int32_t lines)
+      : luma{randomBytes(sizeOf(pixels, shape), 1), randomBytes(sizeOf(pixels, shape), 2)},
+        chroma{randomBytes(chromaSizeOf(pixels, shape), 3),
+               randomBytes(chromaSizeOf(pixels, shape), 4)} {
+    const uint8_t *const a = luma[0].data(), *const b = lines == 2 ? luma[1].data() : nullptr;
+    const uint8_t *const c = chroma[0].data(), *const d = chroma[1].data();
+    const auto behind = [](const uint8_t* at, ptrdiff_t offset) {
+      return at != nullptr ? at + offset : nullptr;
+    };
+    const YuvRow shapes[kShapes] = {
+        {{a, b}, c, d, false},
+        {{a, b}, c, d, true},
+        {{a, b}, c, c + 1, true, 1, 2},
+        {{a, b}, c + 1, c, true, 1, 2},
+        {{a, b}, a + 1, a + 3, true, 2, 4},
+        {{a, b}, a + 3, a + 1, true, 2, 4},
+        {{a + 1, behind(b, 1)}, a, a + 2, true, 2, 4},
+        {{a + 1, behind(b, 1)}, a + 2, a, true, 2, 4},
+    };
+    row = shapes[shape];
+  }
+  static constexpr int32_t kShapes = 8;
+
+  Bytes luma[2], chroma[2];
+  YuvRow row;
+
+ private:
+  static size_t sizeOf(ptrdiff_t pixels, int32_t shape) {
+    return static_cast<size_t>(shape < 4 ? pixels : (pixels + 1) / 2 * 4);
+  }
+  static size_t chromaSizeOf(ptrdiff_t pixels, int32_t shape) {
+    const ptrdiff_t cells = (pixels + 1) / 2;
+    return static_cast<size_t>(shape == 0 ? pixels : shape == 1 ? cells : 2 * cells);
+  }
+};
+
+TEST_P(ConvertYuvRowsTest, EveryLengthAndShape) {
   const std::vector<Tables> all = tablesOfAllKinds();
-  const YuvToRgb& tables = all[1].tables;
-  for (const bool halved : {false, true}) {
-    for (const ptrdiff_t pixels : {0, 1, 2, 3, 15, 16, 17, 31, 32, 33, 63, 64, 65, 66, 129, 512}) {
-      expectSamePixels({at, at + 600, at + 1201, halved}, pixels, tables);
+  for (int32_t shape = 0; shape < Samples::kShapes; ++shape) {
+    for (const int32_t lines : {1, 2}) {
+      for (const ptrdiff_t pixels :
+           {0, 1, 2, 3, 15, 16, 17, 31, 32, 33, 63, 64, 65, 66, 129, 512}) {
+        SCOPED_TRACE(testing::Message() << "shape " << shape << ", " << lines << " of " << pixels);
+        const Samples samples(pixels, shape, lines);
+        expectSamePixels(samples.row, pixels, all[static_cast<size_t>(pixels % 2)].tables);
+      }
     }
   }
 }
@@ -106,13 +165,13 @@ TEST_P(ConvertYuvRowsTest, AllPairs) {
     high[i] = static_cast<uint8_t>(i >> 8);
   }
   const Bytes noise = randomBytes(kCount, 2);
-  const YuvRow rows[] = {{low.data(), high.data(), noise.data(), false},
-                         {low.data(), noise.data(), high.data(), false},
-                         {noise.data(), low.data(), high.data(), false}};
+  const YuvRow rows[] = {{{low.data(), nullptr}, high.data(), noise.data(), false},
+                         {{low.data(), nullptr}, noise.data(), high.data(), false},
+                         {{noise.data(), nullptr}, low.data(), high.data(), false}};
   for (const Tables& tables : tablesOfAllKinds()) {
     for (const YuvRow& row : rows) {
-      expectSameForms<ConvertRows>(4 * kCount, [&](const ConvertRows& forms, uint8_t* dst) {
-        forms.yuvToRgb32(row, kCount, tables.tables, false, 255, dst);
+      expectSameLines(4 * kCount, row, [&](const ConvertRows& forms, const YuvRow* of) {
+        forms.yuvToRgb32(of, 1, kCount, tables.tables, false, 255);
       });
     }
   }

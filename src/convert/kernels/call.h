@@ -4,6 +4,7 @@
 #include <qpx/convert_record.h>
 
 #include <cstdint>
+#include <limits>
 
 namespace qpx::convert::fast {
 
@@ -13,6 +14,9 @@ namespace qpx::convert::fast {
 inline constexpr int32_t kRun = 512;
 inline constexpr int32_t kTileColumns = 64;
 inline constexpr int32_t kBandRows = 16;
+
+// The length of runs that need no buffer.
+inline constexpr int32_t kWholeRow = std::numeric_limits<int32_t>::max();
 
 struct Call {
   MRect rect;  // in the frame of the source: neither turned nor mirrored

@@ -12,7 +12,10 @@
 namespace qpx::convert::fast {
 namespace {
 
-int32_t runLength(const ConvRecord& record) { return record.swapXY != 0 ? kTileColumns : kRun; }
+int32_t runLength(const ConvRecord& record, bool needsNoRooms) {
+  if (record.swapXY != 0) return kTileColumns;
+  return needsNoRooms ? kWholeRow : kRun;
+}
 
 bool hasTables(const ConvRecord& record) {
   const bool needed =
@@ -39,8 +42,9 @@ bool convertDithered(const Call& call, FormatSet from, FormatSet to, const CellG
 
 // Walks the rectangle with an open sink and, where it takes more of them, others that `open` opens.
 template <typename Sink, typename Open>
-void walk(const Call& call, const CellGrid& cells, Sink* sink, const Open& open) {
-  const Walk walk(call, cells, runLength(*call.record));
+void walk(const Call& call, const CellGrid& cells, bool needsNoRooms, Sink* sink,
+          const Open& open) {
+  const Walk walk(call, cells, runLength(*call.record, needsNoRooms));
   RunSinks<Sink> sinks(sink, walk.isSampled() ? walk.runs() : 1);
   if (sinks.count() == 1) {
     walk.run(sink);
@@ -54,8 +58,9 @@ bool convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid
   const auto open = [&](RgbSink* sink) { return sink->open(call, from, to); };
   RgbSink sink;
   if (!open(&sink)) return false;
-  const bool isCopied = from == to && sink.copyPixels(Positions(call));
-  if (!isCopied) walk(call, cells, &sink, open);
+  const Positions positions(call);
+  const bool isCopied = from == to && sink.copyPixels(positions);
+  if (!isCopied) walk(call, cells, sink.needsNoRooms(positions), &sink, open);
   return true;
 }
 
@@ -63,7 +68,7 @@ bool convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
   const auto open = [&](GroupSink* sink) { return sink->open(call, from, cells); };
   GroupSink sink;
   if (!open(&sink)) return false;
-  walk(call, cells, &sink, open);
+  walk(call, cells, false, &sink, open);
   return true;
 }
 
@@ -71,7 +76,8 @@ bool convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellG
   const auto open = [&](PlanarSink* sink) { return sink->open(call, from, to, cells); };
   PlanarSink sink;
   if (!open(&sink)) return false;
-  if (!sink.copyPlanes(Positions(call))) walk(call, cells, &sink, open);
+  const Positions positions(call);
+  if (!sink.copyPlanes(positions)) walk(call, cells, sink.needsNoRooms(positions), &sink, open);
   return true;
 }
 

@@ -21,6 +21,8 @@ class Lane {
   void forbidTiles();
 
   bool isForward() const { return way_ == Way::forward; }
+  // Every row of a band has a room of its own.
+  bool hasRooms() const { return way_ == Way::forward || way_ == Way::tiled; }
 
   // The next `count` elements, from column `x`, of at most kBandRows rows from row `y` on.
   void begin(int32_t x, int32_t count, int32_t y);

@@ -28,31 +28,22 @@ void YuvMaker::begin(const Positions& positions, int32_t x, int32_t count, const
   }
   cellsOfTwo_ = cells.shift() != 0;
   firstInCell_ = cellsOfTwo_ && x == cells.lastOf(cells.of(x), x + 2) ? 1 : 0;
-  wholeCells_ = (firstInCell_ + count) / 2;
 }
 
 void YuvMaker::load(const SourcePair& place) {
   place_ = place;
+  source_.fetchAhead(place, columns_);
   if (!source_.isRgb()) return;
-  const PixelRow row = source_.pixels(place, columns_, pixelRoom_);
-  pixels_ = row.pixels;
-  if (row.bytes == 4) return;
-  uint8_t room[3 * kRun];
-  const uint8_t* narrow = row.pixels;
-  if (row.bytes == 2) {
-    convert_->rgb16To24(row.pixels, columns_.count, false, room);
-    narrow = room;
-  } else if (narrow == pixelRoom_) {
-    std::copy_n(narrow, ptrdiff_t{3} * columns_.count, room);
-    narrow = room;
-  }
-  convert_->pad24To32(narrow, columns_.count, pixelRoom_);
-  pixels_ = pixelRoom_;
+  pixels_ = source_.pixels(place, columns_, pixelRoom_);
+  if (pixels_.bytes != 2) return;
+  convert_->rgb16To24(pixels_.pixels, columns_.count, false, unpacked_);
+  pixels_ = {unpacked_, 3};
 }
 
 const uint8_t* YuvMaker::luma(uint8_t* room) {
   if (source_.isRgb()) {
-    convert_->weigh4(pixels_, columns_.count, weights_.y, room);
+    const auto weigh = pixels_.bytes == 3 ? convert_->rgb24ToLuma : convert_->rgb32ToLuma;
+    weigh(pixels_.pixels, columns_.count, weights_.y, room);
     return room;
   }
   const uint8_t* const luma = source_.luma(place_, columns_, room);
@@ -61,30 +52,24 @@ const uint8_t* YuvMaker::luma(uint8_t* room) {
   return room;
 }
 
-// The second of each two pixels; of a cell that the rectangle cuts, the one there is.
-void YuvMaker::pickCells(uint8_t* dst) const {
-  const uint8_t* pixel = pixels_;
-  int32_t cells = wholeCells_;
-  if (firstInCell_ != 0) {
-    std::copy_n(pixel, 4, dst);
-    pixel += 4;
-    dst += 4;
-    --cells;
-  }
-  convert_->everySecond4(pixel, cells, dst);
-  if (wholeCells_ < columns_.chroma.count) {
-    std::copy_n(pixel + ptrdiff_t{8} * cells, 4, dst + ptrdiff_t{4} * cells);
-  }
+void YuvMaker::weighChroma(const uint8_t* pixels, int32_t count,
+                           const simd::ChromaTarget& dst) const {
+  const auto weigh = pixels_.bytes == 3 ? convert_->rgb24ToChroma : convert_->rgb32ToChroma;
+  weigh(pixels, count, cellsOfTwo_, weights_.chroma, dst);
+}
+
+// Of a cell that the rectangle cuts, the pixel there is.
+void YuvMaker::makeChroma(const simd::ChromaTarget& dst) const {
+  const int32_t cut = firstInCell_;
+  if (cut != 0) weighChroma(pixels_.pixels, cut, dst);
+  weighChroma(pixels_.pixels + ptrdiff_t{pixels_.bytes} * cut, columns_.count - cut,
+              {dst.u + cut * dst.step, dst.v + cut * dst.step, dst.step});
 }
 
 ChromaRow YuvMaker::chroma(uint8_t* roomU, uint8_t* roomV) {
   const int32_t count = columns_.chroma.count;
   if (source_.isRgb()) {
-    uint8_t picked[4 * kRun];
-    if (cellsOfTwo_) pickCells(picked);
-    const uint8_t* const pixels = cellsOfTwo_ ? picked : pixels_;
-    convert_->weigh4(pixels, count, weights_.u, roomU);
-    convert_->weigh4(pixels, count, weights_.v, roomV);
+    makeChroma({roomU, roomV, 1});
     return {roomU, roomV};
   }
   const ChromaRow row = source_.chroma(place_, columns_.chroma, roomU, roomV);
@@ -173,6 +158,13 @@ bool PlanarSink::copyChroma(const Positions& positions) {
   return true;
 }
 
+bool PlanarSink::needsNoRooms(const Positions& positions) const {
+  const Source& source = maker_.source();
+  const bool forward = luma_.isForward() && (chroma_ == Chroma::none || u_.isForward()) &&
+                       (chroma_ != Chroma::planes || v_.isForward());
+  return forward && source.isRgb() && !source.isOf16Bits() && positions.isDirect();
+}
+
 void PlanarSink::begin(const Positions& positions, int32_t x, int32_t count, int32_t y) {
   maker_.begin(positions, x, count, cells_.x, rect_.right, chroma_ != Chroma::none);
   luma_.begin(x - rect_.left, count, y - rect_.top);
@@ -202,6 +194,11 @@ void PlanarSink::putPairs(int32_t index) {
   uint8_t* const room = u_.room(index);
   if (maker_.source().hasPairs()) {
     u_.put(index, maker_.chromaPairs(vFirst_, room));
+    return;
+  }
+  if (maker_.source().isRgb()) {
+    maker_.makeChroma({room + (vFirst_ ? 1 : 0), room + (vFirst_ ? 0 : 1), 2});
+    u_.put(index, room);
     return;
   }
   uint8_t u[kRun], v[kRun];

@@ -24,11 +24,13 @@ class YuvMaker {
   void load(const SourcePair& place);
   const uint8_t* luma(uint8_t* room);
   ChromaRow chroma(uint8_t* roomU, uint8_t* roomV);
+  // Of RGB sources.
+  void makeChroma(const simd::ChromaTarget& dst) const;
   // Of sources with pairs, in pairs of either order.
   const uint8_t* chromaPairs(bool vFirst, uint8_t* room);
 
  private:
-  void pickCells(uint8_t* dst) const;
+  void weighChroma(const uint8_t* pixels, int32_t count, const simd::ChromaTarget& dst) const;
 
   Source source_;
   const simd::Rows* rows_;
@@ -38,10 +40,10 @@ class YuvMaker {
   SourcePair place_;
   Columns columns_;
   int32_t firstInCell_;  // 1 where the run begins with the second pixel of a cell
-  int32_t wholeCells_;
   bool cellsOfTwo_;
-  const uint8_t* pixels_;  // of an RGB source's row, 4 bytes each
+  PixelRow pixels_;  // of an RGB source, of 3 or 4 bytes each
   uint8_t pixelRoom_[4 * kRun];
+  uint8_t unpacked_[3 * kRun];
 };
 
 class PlanarSink {
@@ -50,6 +52,9 @@ class PlanarSink {
 
   // Delivers whole planes where samples only change their places. Returns whether that was all.
   bool copyPlanes(const Positions& positions);
+
+  // Whether runs may be of any length.
+  bool needsNoRooms(const Positions& positions) const;
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
   void row(int32_t index, int32_t y, const SourcePair& place);

@@ -46,8 +46,7 @@ Positions::Positions(const Call& call)
 }
 
 // As sourceRow, where rows are held to the clip.
-SourcePair Positions::row(int32_t y) const {
-  if (direct_) return {y + shiftY_, y + shiftY_, 0};
+SourcePair Positions::sampledRow(int32_t y) const {
   const int64_t sy = firstSy_ + int64_t{stepY_} * (int64_t{y} - top_ + 1);
   if (sy < leastSy_) return {firstRow_, firstRow_, 0};
   const auto row = static_cast<int32_t>(sy >> 16);

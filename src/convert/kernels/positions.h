@@ -20,12 +20,16 @@ class Positions {
   int32_t shiftX() const { return shiftX_; }
   int32_t shiftY() const { return shiftY_; }
 
-  SourcePair row(int32_t y) const;
+  SourcePair row(int32_t y) const {
+    return direct_ ? SourcePair{y + shiftY_, y + shiftY_, 0} : sampledRow(y);
+  }
 
   // Columns x..x + count - 1, and the 16 bits behind each (zeros for nearest).
   void columns(int32_t x, int32_t count, int32_t* place, int32_t* fraction) const;
 
  private:
+  SourcePair sampledRow(int32_t y) const;
+
   const ConvRecord& record_;
   bool bilinear_;
   bool direct_;

@@ -25,8 +25,6 @@ bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
     bytes_ = 3;
     lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
   }
-  keepsPixels_ =
-      source_.isRgb() && source_.sampledBytes() == bytes_ && source_.isRedFirst() == redFirst_;
   return true;
 }
 
@@ -39,6 +37,12 @@ bool RgbSink::copyPixels(const Positions& positions) {
   return true;
 }
 
+bool RgbSink::needsNoRooms(const Positions& positions) const {
+  const bool unpacks = source_.isOf16Bits() && bytes_ != 3;
+  return lane_.isForward() && !unpacks &&
+         source_.needsNoRooms(positions, rect_.left + positions.shiftX());
+}
+
 void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_t y) {
   columns_.locate(positions, x, count);
   if (!source_.isRgb()) columns_.chromaOfPixels(source_.chromaShiftX());
@@ -46,34 +50,63 @@ void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_
 }
 
 void RgbSink::row(int32_t index, int32_t, const SourcePair& place) {
-  if (!source_.isRgb()) {
-    fromYuv(index, place);
-    return;
+  source_.fetchAhead(place, columns_);
+  places_[index] = place;
+  if (source_.isRgb()) {
+    fromRgb(index);
+  } else if (!columns_.direct) {
+    fromYuv(index, index + 1);
   }
+}
+
+void RgbSink::end(int32_t rows) {
+  if (!source_.isRgb() && columns_.direct) fromYuv(0, rows);
+  lane_.end(rows);
+}
+
+void RgbSink::fromRgb(int32_t index) {
   uint8_t* const made = lane_.room(index);
-  if (keepsPixels_) {
-    lane_.put(index, source_.pixels(place, columns_, made).pixels);
+  if (source_.bytesOf(columns_) == bytes_ && source_.isRedFirst() == redFirst_) {
+    lane_.put(index, source_.pixels(places_[index], columns_, made).pixels);
     return;
   }
   uint8_t room[4 * kRun];
-  reorder(source_.pixels(place, columns_, room), made);
+  reorder(source_.pixels(places_[index], columns_, room), made);
   lane_.put(index, made);
 }
 
-void RgbSink::fromYuv(int32_t index, const SourcePair& place) {
-  uint8_t luma[kRun], u[kRun], v[kRun];
-  const ChromaRow chroma = source_.chroma(place, columns_.chroma, u, v);
-  const simd::YuvRow row = {source_.luma(place, columns_, luma), chroma.u, chroma.v,
-                            columns_.chroma.halved};
-  uint8_t* const room = lane_.room(index);
-  if (bytes_ == 2) {
-    rows_->yuvToRgb16(row, columns_.count, tables_, redFirst_, room);
-  } else if (bytes_ == 3) {
-    rows_->yuvToRgb24(row, columns_.count, tables_, redFirst_, room);
-  } else {
-    rows_->yuvToRgb32(row, columns_.count, tables_, redFirst_, alpha_, room);
+int32_t RgbSink::linesTogether(int32_t index, int32_t end) const {
+  return index + 1 < end && source_.shareChroma(places_[index], places_[index + 1]) ? 2 : 1;
+}
+
+// Two rows together where they share their chroma, and all at once, unless the rooms for their
+// samples or pixels have to be used again.
+void RgbSink::fromYuv(int32_t first, int32_t end) {
+  YuvRooms rooms;
+  simd::YuvRow made[kBandRows];
+  const bool together = source_.liesReady(columns_) && lane_.hasRooms();
+  int32_t count = 0, delivered = first;
+  for (int32_t i = first; i < end;) {
+    const int32_t lines = lane_.hasRooms() ? linesTogether(i, end) : 1;
+    simd::YuvRow& row = made[count++];
+    source_.yuvRows(places_ + i, lines, columns_, &rooms, &row);
+    for (int32_t line = 0; line < lines; ++line) row.dst[line] = lane_.room(i + line);
+    i += lines;
+    if (together && i < end) continue;
+    convertYuv(made, count);
+    count = 0;
+    for (; delivered < i; ++delivered) lane_.put(delivered, lane_.room(delivered));
   }
-  lane_.put(index, room);
+}
+
+void RgbSink::convertYuv(const simd::YuvRow* rows, int32_t count) const {
+  if (bytes_ == 2) {
+    rows_->yuvToRgb16(rows, count, columns_.count, tables_, redFirst_);
+  } else if (bytes_ == 3) {
+    rows_->yuvToRgb24(rows, count, columns_.count, tables_, redFirst_);
+  } else {
+    rows_->yuvToRgb32(rows, count, columns_.count, tables_, redFirst_, alpha_);
+  }
 }
 
 void RgbSink::reorder(const PixelRow& row, uint8_t* room) const {

@@ -15,12 +15,18 @@ class RgbSink {
   // Returns whether it did.
   bool copyPixels(const Positions& positions);
 
+  // Whether runs may be of any length.
+  bool needsNoRooms(const Positions& positions) const;
+
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
   void row(int32_t index, int32_t y, const SourcePair& place);
-  void end(int32_t rows) { lane_.end(rows); }
+  void end(int32_t rows);
 
  private:
-  void fromYuv(int32_t index, const SourcePair& place);
+  void fromYuv(int32_t first, int32_t end);
+  int32_t linesTogether(int32_t index, int32_t end) const;
+  void convertYuv(const simd::YuvRow* rows, int32_t count) const;
+  void fromRgb(int32_t index);
   void reorder(const PixelRow& row, uint8_t* room) const;
 
   Source source_;
@@ -30,9 +36,9 @@ class RgbSink {
   int32_t bytes_;    // of a stored pixel
   bool keepsAlpha_;  // the fourth byte of the destination is not written
   bool redFirst_;
-  bool keepsPixels_;  // those of the source are stored as they are
   uint8_t alpha_;
   Columns columns_;
+  SourcePair places_[kBandRows];
   Lane lane_;
 };
 

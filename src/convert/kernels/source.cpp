@@ -4,11 +4,24 @@
 
 #include "convert/format_decoder.h"
 #include "convert/position.h"
+#include "engine/address.h"
 
 namespace qpx::convert::fast {
 namespace {
 
 constexpr uint8_t kNoColour = 128;
+
+// As many rows as memory takes to answer, and half of it for chroma.
+constexpr int32_t kRowsAhead = 16;
+
+// The address may lie behind the picture.
+void fetch(const uint8_t* row, ptrdiff_t pitch, int32_t rows, ptrdiff_t begin, ptrdiff_t bytes) {
+  constexpr ptrdiff_t kLine = 64;
+  auto* const plane = const_cast<uint8_t*>(row);
+  for (ptrdiff_t i = begin; i < begin + bytes + kLine; i += kLine) {
+    __builtin_prefetch(advance(advance(plane, pitch, rows), i, 1));
+  }
+}
 
 }  // namespace
 
@@ -16,6 +29,7 @@ bool Source::open(const Call& call, FormatSet format) {
   const ConvRecord& record = *call.record;
   rows_ = &simd::rows();
   format_ = format;
+  turned_ = record.swapXY != 0;
   bilinear_ = record.bilinearY != 0;
   shiftX_ = record.srcSubX[1] - 1;
   shiftY_ = record.srcSubY[1] - 1;
@@ -144,6 +158,60 @@ const uint8_t* Source::chromaPairs(const SourcePair& row, const ChromaColumns& c
   if (columns.direct) return pairs + ptrdiff_t{2} * columns.start;
   sampleChroma(pairs, columns, room);
   return room;
+}
+
+void Source::groupsAt(const SourcePair& row, const Columns& columns, simd::YuvRow* made) const {
+  const uint8_t* const groups = rowOf(0, row.first) + ptrdiff_t{4} * columns.chroma.start;
+  made->luma[0] = groups + offset_[0];
+  made->luma[1] = nullptr;
+  made->u = groups + offset_[1];
+  made->v = groups + offset_[2];
+  made->lumaStep = 2;
+  made->chromaStep = 4;
+}
+
+void Source::yuvRows(const SourcePair* rows, int32_t count, const Columns& columns, YuvRooms* rooms,
+                     simd::YuvRow* made) {
+  const bool isReady = liesReady(columns);
+  made->halved = columns.chroma.halved;
+  if (isReady && chroma_ == Chroma::groups) {
+    groupsAt(rows[0], columns, made);
+    return;
+  }
+  made->luma[0] = luma(rows[0], columns, rooms->luma[0]);
+  made->luma[1] = count == 2 ? luma(rows[1], columns, rooms->luma[1]) : nullptr;
+  made->lumaStep = 1;
+  if (isReady && chroma_ == Chroma::pairs) {
+    const ptrdiff_t first = ptrdiff_t{2} * columns.chroma.start;
+    made->u = rowOf(1, rows[0].first >> shiftY_) + first;
+    made->v = rowOf(2, rows[0].first >> shiftY_) + first;
+    made->chromaStep = 2;
+    return;
+  }
+  const ChromaRow row = chroma(rows[0], columns.chroma, rooms->u, rooms->v);
+  made->u = row.u;
+  made->v = row.v;
+  made->chromaStep = 1;
+}
+
+bool Source::needsNoRooms(const Positions& positions, int32_t start) const {
+  if (!positions.isDirect()) return false;
+  if (isRgb()) return true;
+  const bool wholeCells = shiftX_ == 0 || (start & 1) == 0;
+  return wholeCells && hasReadyChroma();
+}
+
+void Source::fetchAhead(const SourcePair& row, const Columns& columns) const {
+  if (!turned_ || !columns.direct) return;
+  const ptrdiff_t bytes = isRgb() ? pixelBytes(format_) : chroma_ == Chroma::groups ? 2 : 1;
+  fetch(rowOf(0, row.first), pitch_[0], kRowsAhead, bytes * columns.start, bytes * columns.count);
+  const bool startsCell = ((row.first >> shiftY_) << shiftY_) == row.first;
+  if (!startsCell || (chroma_ != Chroma::pairs && chroma_ != Chroma::planes)) return;
+  const ptrdiff_t step = chroma_ == Chroma::pairs ? 2 : 1;
+  for (int32_t c = 1; c <= (chroma_ == Chroma::pairs ? 1 : 2); ++c) {
+    fetch(rowOf(c, row.first >> shiftY_), pitch_[c], kRowsAhead >> shiftY_,
+          step * (columns.start >> shiftX_), step * (columns.count >> shiftX_));
+  }
 }
 
 PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) {

@@ -24,6 +24,13 @@ struct PixelRow {
   int32_t bytes;  // of a pixel
 };
 
+// What the rows of one conversion to RGB are brought together in.
+struct YuvRooms {
+  uint8_t luma[2][kRun];
+  uint8_t u[kRun];
+  uint8_t v[kRun];
+};
+
 class Source {
  public:
   // False where a plane is missing.
@@ -31,6 +38,7 @@ class Source {
 
   FormatSet format() const { return format_; }
   bool isRgb() const { return (format_ & kInRgb) != 0; }
+  bool isOf16Bits() const { return (format_ & kIn16) != 0; }
   bool isRedFirst() const { return (format_ & kInRedFirst) != 0; }
   int32_t chromaShiftX() const { return shiftX_; }
 
@@ -58,9 +66,29 @@ class Source {
   bool isVFirst() const { return plane_[2] < plane_[1]; }
   const uint8_t* chromaPairs(const SourcePair& row, const ChromaColumns& columns, uint8_t* room);
 
+  // Rows of these columns are taken from where they lie.
+  bool liesReady(const Columns& columns) const {
+    return columns.direct && columns.chroma.direct && hasReadyChroma();
+  }
+  // Luma of rows that share their chroma, and that chroma: of one row, or of two. Rooms are needed
+  // where the rows do not lie ready.
+  void yuvRows(const SourcePair* rows, int32_t count, const Columns& columns, YuvRooms* rooms,
+               simd::YuvRow* made);
+  bool shareChroma(const SourcePair& a, const SourcePair& b) const {
+    return a.first >> shiftY_ == b.first >> shiftY_ && chroma_ != Chroma::groups;
+  }
+
+  // Whether rows that begin at source column `start` are taken from where they lie, however long
+  // they are.
+  bool needsNoRooms(const Positions& positions, int32_t start) const;
+
+  // Asks memory for the columns of a row that follows `row`, where a picture is turned: runs are
+  // short then and lie below each other.
+  void fetchAhead(const SourcePair& row, const Columns& columns) const;
+
   // Bytes of a pixel as it is returned: those of the format, or 3 where 16-bit pixels are blended.
-  int32_t sampledBytes() const {
-    return bilinear_ && (format_ & kIn16) != 0 ? 3 : pixelBytes(format_);
+  int32_t bytesOf(const Columns& columns) const {
+    return bilinear_ && !columns.direct && isOf16Bits() ? 3 : pixelBytes(format_);
   }
   // Pixels of an RGB format; room for kRun pixels of 4 bytes.
   PixelRow pixels(const SourcePair& row, const Columns& columns, uint8_t* room);
@@ -75,6 +103,8 @@ class Source {
   // The run's elements of plane 0, nearest or mixed.
   void sample(const SourcePair& row, const Columns& columns, uint8_t* room);
   void sampleChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room);
+  bool hasReadyChroma() const { return chroma_ != Chroma::none && chroma_ != Chroma::apart; }
+  void groupsAt(const SourcePair& row, const Columns& columns, simd::YuvRow* made) const;
   const uint8_t* packedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
   ChromaRow groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
                           uint8_t* roomV);
@@ -83,6 +113,7 @@ class Source {
 
   const simd::Rows* rows_;
   FormatSet format_;
+  bool turned_;
   bool bilinear_;
   Chroma chroma_;
   const uint8_t* plane_[3];

@@ -32,8 +32,8 @@ ToYuvWeights toYuvWeightsOf(const ConvRecord& record, bool redFirst) {
   };
   ToYuvWeights weights = {};
   fill(0, 256, 512, weights.y);
-  fill(768, 1024, 1280, weights.u);
-  fill(1280, 1536, 1792, weights.v);
+  fill(768, 1024, 1280, weights.chroma.u);
+  fill(1280, 1536, 1792, weights.chroma.v);
   return weights;
 }
 

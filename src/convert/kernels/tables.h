@@ -13,8 +13,7 @@ simd::YuvToRgb yuvToRgbOf(const ConvRecord& record);
 // their sum.
 struct ToYuvWeights {
   int32_t y[4];
-  int32_t u[4];
-  int32_t v[4];
+  simd::RgbToChroma chroma;
 };
 ToYuvWeights toYuvWeightsOf(const ConvRecord& record, bool redFirst);
 

@@ -54,10 +54,11 @@ class Walk {
       }
       return;
     }
-    // Memory is best read and written in its order.
-    for (int32_t top = rect_.top; top < rect_.bottom; top = bandEnd(top, 2)) {
+    // Memory is best read and written in its order, as whole rows are anyway.
+    const int32_t rows = run_ == kWholeRow ? kBandRows : 2;
+    for (int32_t top = rect_.top; top < rect_.bottom; top = bandEnd(top, rows)) {
       for (int32_t left = rect_.left; left < rect_.right; left = runEnd(left)) {
-        walkBand(left, runEnd(left), top, bandEnd(top, 2), sink);
+        walkBand(left, runEnd(left), top, bandEnd(top, rows), sink);
       }
     }
   }
