@@ -1,67 +1,30 @@
-// Cut-outs of a picture of 12 megapixels: making a handle, the first cut, and what one more stroke
+// Cut-outs of pictures of 12 megapixels: making a handle, the first cut, and what one more stroke
 // costs; outlines and palettes by themselves. One thread; CPU time.
 //
-// Arguments are those of Google Benchmark; without any, repetitions are interleaved so that a slow
+// Arguments are binary PPM files, photographs to be cut as well, and those of Google Benchmark;
+// without any of these, repetitions are interleaved so that a slow
 // moment of the machine falls on all subjects alike.
 #include <benchmark/benchmark.h>
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <string>
 #include <vector>
 
 #include "bench_report.h"
+#include "cutout_scenes.h"
 #include "subjects.h"
 
 namespace qpx::bench {
 namespace {
 
-constexpr int32_t kWidth = 4000, kHeight = 3000;
+constexpr int32_t kWidth = Scene::kWidth, kHeight = Scene::kHeight;
 
 void expectDone(int32_t result) {
   if (result == QPX_OK) return;
   std::fprintf(stderr, "refused with %d\n", static_cast<int>(result));
   std::exit(1);
 }
-
-// A photograph of sorts: discs of many sizes and shades, lit from a side, over a ground that goes
-// from light to dark, all of it as soft as what a lens draws at this size, with a little noise.
-class Scene {
- public:
-  Scene() : bytes_(3 * size_t{kWidth} * kHeight) {
-    for (int32_t y = 0; y < kHeight; ++y) {
-      for (int32_t x = 0; x < kWidth; ++x) paint(x, y);
-    }
-  }
-
-  MBitmap record() {
-    return {
-        QPX_FORMAT_BGR24, kWidth, kHeight, {3 * kWidth, 0, 0}, {bytes_.data(), nullptr, nullptr}};
-  }
-
- private:
-  void paint(int32_t x, int32_t y) {
-    const double u = x / 400.0, v = y / 400.0;
-    const double dx = x - kWidth / 2, dy = y - kHeight / 2;
-    const double object = 1 / (1 + std::exp((std::hypot(dx, dy) - 900) / 4));
-    const double texture = 18 * std::sin(9 * u + 3 * std::sin(5 * v)) * std::sin(8 * v + 2 * u);
-    const double light = 20 * u - 12 * v + texture;
-    const double ground[3] = {90 + light, 110 + light / 2, 70 - light / 3};
-    const double front[3] = {60 + light / 3, 80 + texture, 190 - light / 4};
-    uint8_t* const pixel =
-        bytes_.data() + 3 * (static_cast<size_t>(y) * kWidth + static_cast<size_t>(x));
-    for (int c = 0; c < 3; ++c) {
-      noise_ = noise_ * 1664525u + 1013904223u;
-      const double value = ground[c] + (front[c] - ground[c]) * object + (noise_ >> 24) / 64.0;
-      pixel[c] = static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
-    }
-  }
-
-  std::vector<uint8_t> bytes_;
-  uint32_t noise_ = 1;
-};
-using ScenePtr = std::shared_ptr<Scene>;
 
 class Cutting {
  public:
@@ -160,17 +123,21 @@ void cluster(benchmark::State& state, const ScenePtr& scene) {
   for (auto _ : state) expectDone(KmeansSegColor(record.plane[0], 5000, 64, palette));
 }
 
-void addAll(Report& report) {
-  const auto scene = std::make_shared<Scene>();
-  const int64_t pixels = int64_t{kWidth} * kHeight;
-  const auto add = [&](const char* work, int64_t count, auto body) {
-    report.add({"Cut-outs, 4000x3000", work, "qpx", count},
+void addCuts(Report& report, const ScenePtr& scene) {
+  const auto add = [&](const char* work, auto body) {
+    report.add({"Cut-outs, 4000x3000, " + scene->name(), work, "qpx", int64_t{kWidth} * kHeight},
                [=](benchmark::State& state) { body(state, scene); });
   };
-  add("create", pixels, create);
-  add("first cut", pixels, firstCut);
-  add("one more stroke", pixels, nextCut);
-  add("outline of a mask", pixels, traceOutline);
+  add("create", create);
+  add("first cut", firstCut);
+  add("one more stroke", nextCut);
+}
+
+void addSteps(Report& report, const ScenePtr& scene) {
+  const auto add = [&](const char* work, int64_t count, auto body) {
+    report.add({"Steps", work, "qpx", count}, [=](benchmark::State& state) { body(state, scene); });
+  };
+  add("outline of a mask", int64_t{kWidth} * kHeight, traceOutline);
   add("64 of 5000 colours", 5000, cluster);
 }
 
@@ -179,6 +146,17 @@ void addAll(Report& report) {
 
 int main(int argc, char** argv) {
   qpx::bench::Report report;
-  qpx::bench::addAll(report);
-  return qpx::bench::run(argc, argv, report);
+  const qpx::bench::ScenePtr smooth = qpx::bench::smoothScene();
+  qpx::bench::addCuts(report, smooth);
+  qpx::bench::addCuts(report, qpx::bench::busyScene());
+  std::vector<char*> options = {argv[0]};
+  for (int i = 1; i < argc; ++i) {
+    if (argv[i][0] == '-') {
+      options.push_back(argv[i]);
+    } else {
+      qpx::bench::addCuts(report, qpx::bench::sceneOf(argv[i]));
+    }
+  }
+  qpx::bench::addSteps(report, smooth);
+  return qpx::bench::run(static_cast<int>(options.size()), options.data(), report);
 }

@@ -1,11 +1,6 @@
 #include "segment/region_graph.h"
 
-#include <kesbase.h>
-
 #include <algorithm>
-#include <utility>
-
-#include "engine/stage.h"
 
 namespace qpx {
 namespace {
@@ -13,11 +8,6 @@ namespace {
 constexpr int32_t kLikeness = 2000000;  // of neighbours of the same colour
 constexpr int32_t kTile = 64;           // side of the squares by which nodes are numbered
 constexpr int64_t kPinned = INT32_MAX;
-
-template <typename Entry>
-Entry* allocateEntries(int64_t count) {
-  return static_cast<Entry*>(MMemAlloc(nullptr, blockBytes(count, sizeof(Entry))));
-}
 
 int64_t netOf(int32_t mark, int32_t leaning) {
   if (mark == kForegroundMark) return -kPinned;
@@ -27,42 +17,30 @@ int64_t netOf(int32_t mark, int32_t leaning) {
 
 }  // namespace
 
-RegionGraph::~RegionGraph() {
-  MaxFlowInt_Destroy(graph_);
-  MMemFree(nullptr, edges_);
-  MMemFree(nullptr, nodes_);
-  MMemFree(nullptr, nets_);
-}
+RegionGraph::~RegionGraph() { MaxFlowInt_Destroy(graph_); }
 
-// There are fewer than three times as many pairs of neighbours as regions in the plane.
-bool RegionGraph::allocate(int32_t regionCount) {
+void RegionGraph::build(const int32_t* labels, int32_t width, int32_t height,
+                        const QPXRegionColor* colors, int32_t regionCount) {
   regionCount_ = regionCount;
-  const int64_t edgeBytes = 3 * int64_t{regionCount} * int64_t{sizeof *edges_};
-  auto* const lists = allocateEntries<uint8_t>(edgeBytes + regionCount * int64_t{sizeof *heads_});
-  if (lists == nullptr) return false;
-  edges_ = reinterpret_cast<QPXRegionEdge*>(lists);
-  heads_ = reinterpret_cast<QPXRegionEdge**>(lists + edgeBytes);
-  nodes_ = allocateEntries<int32_t>(regionCount);
-  nets_ = allocateEntries<int64_t>(regionCount);
-  return nodes_ != nullptr && nets_ != nullptr;
+  if (!numberNodes(labels, width, height) || !findPairs(labels, width, height, colors)) return;
+  if (!merges_.find(pairs_.get(), pairCount_, regionCount, kFullLean)) return;
+  isPinned_ = Array<uint8_t>(regionCount);
+  nets_ = Array<int64_t>(regionCount);
+  if (!isPinned_ || !nets_) return;
+  if (!rows_.allocate(regionCount, pairCount_, PairRows::Ways::one)) return;
+  MaxFlowInt_Create(&graph_, regionCount, pairCount_);
 }
 
-void RegionGraph::build(const int32_t* labels, int32_t width, int32_t height, int32_t regionCount) {
-  if (!allocate(regionCount)) return;
-  int32_t edgeCount = 0;
-  Watershed_GetRegionAdjacentEdge(labels, width, height, edges_, heads_, &edgeCount);
-  numberNodes(labels, width, height);
-  MaxFlowInt_Create(&graph_, regionCount, edgeCount);
-}
-
-void RegionGraph::numberNodes(const int32_t* labels, int32_t width, int32_t height) {
-  std::fill_n(nodes_, regionCount_, -1);
+bool RegionGraph::numberNodes(const int32_t* labels, int32_t width, int32_t height) {
+  nodeOf_ = Array<int32_t>(regionCount_);
+  if (!nodeOf_) return false;
+  std::fill_n(nodeOf_.get(), regionCount_, -1);
   int32_t numbered = 0;
   const auto numberTile = [&](int32_t left, int32_t top) {
     for (int32_t y = top; y < std::min(height - top, kTile) + top; ++y) {
       const int32_t* const row = labels + ptrdiff_t{y} * width;
       for (int32_t x = left; x < std::min(width - left, kTile) + left; ++x) {
-        int32_t& node = nodes_[row[x]];
+        int32_t& node = nodeOf_[row[x]];
         if (node < 0) node = numbered++;
       }
     }
@@ -72,62 +50,78 @@ void RegionGraph::numberNodes(const int32_t* labels, int32_t width, int32_t heig
       numberTile(static_cast<int32_t>(left), static_cast<int32_t>(top));
     }
   }
+  return true;
 }
 
-void RegionGraph::addNeighbours(const MarkedRegion* regions) {
-  MaxFlowInt_Initialize(graph_);
-  for (int32_t i = 0; i < regionCount_; ++i) MaxFlowInt_AddNode(graph_);
-  std::fill_n(nets_, regionCount_, 0);
-  int64_t* const sums = nets_;
-  int64_t largest = 0;
-  for (int32_t a = 0; a < regionCount_; ++a) {
-    for (const QPXRegionEdge* edge = heads_[a]; edge != nullptr; edge = edge->next) {
-      const int32_t b = edge->neighbour;
-      const int32_t likeness = kLikeness / (1 + colorDistance(regions[a], regions[b]));
-      MaxFlowInt_AddEdge(graph_, nodes_[a], nodes_[b], likeness, likeness);
-      for (const int32_t end : {a, b}) {
-        int64_t& sum = sums[nodes_[end]];
-        largest = std::max(largest, sum += likeness);
-      }
+// There are fewer than three times as many pairs of neighbours as regions in the plane.
+bool RegionGraph::findPairs(const int32_t* labels, int32_t width, int32_t height,
+                            const QPXRegionColor* colors) {
+  const Array<QPXRegionEdge> edges(3 * int64_t{regionCount_});
+  const Array<QPXRegionEdge*> heads(regionCount_);
+  const Array<int32_t> regionOf(regionCount_);
+  if (!edges || !heads || !regionOf) return false;
+  Watershed_GetRegionAdjacentEdge(labels, width, height, edges.get(), heads.get(), &pairCount_);
+  pairs_ = Array<NodePair>(pairCount_);
+  if (!pairs_) return false;
+  for (int32_t region = 0; region < regionCount_; ++region) regionOf[nodeOf_[region]] = region;
+  NodePair* pair = pairs_.get();
+  for (int32_t node = 0; node < regionCount_; ++node) {
+    const int32_t region = regionOf[node];
+    for (const QPXRegionEdge* edge = heads[region]; edge != nullptr; edge = edge->next) {
+      const int32_t distance = colorDistance(colors[region], colors[edge->neighbour]);
+      *pair++ = {node, nodeOf_[edge->neighbour], kLikeness / (1 + distance)};
     }
   }
-  // A pin that all neighbours together can use up is no pin: what is left of it depends on the
-  // flow, and that may not come from an earlier cut. After one they can carry twice what they do in
-  // a new graph: what flowed comes back, and as much goes the other way.
-  startsOver_ = 2 * largest > kPinned - kFullLean;
-  std::fill_n(nets_, regionCount_, 0);
-  joined_ = true;
+  return true;
 }
 
-// What went through the terminal stays, and what is left of its capacity changes.
-void RegionGraph::setTerminal(int32_t node, int64_t net) {
-  const int32_t before = MaxFlowInt_GetTrcap(graph_, node);
-  const int64_t flowed = nets_[node] - before;
-  const int64_t left = std::clamp(net - flowed, -kPinned, kPinned);
-  nets_[node] = left + flowed;
-  if (left != before) MaxFlowInt_ModifyNode(graph_, node, static_cast<int32_t>(left));
+int32_t RegionGraph::divide(const MarkedRegion* regions) {
+  for (int32_t i = 0; i < regionCount_; ++i) {
+    isPinned_[nodeOf_[i]] = regions[i].count != kNoMark ? 1 : 0;
+  }
+  return merges_.divide(isPinned_.get());
 }
 
-void RegionGraph::setTerminals(const MarkedRegion* regions, const Palette& foreground,
-                               const Palette& background) {
+void RegionGraph::sumNets(const MarkedRegion* regions, const Palette& foreground,
+                          const Palette& background, int32_t clusters) {
+  std::fill_n(nets_.get(), clusters, 0);
   int32_t leaning[kLeanRun];
   for (int64_t start = 0; start < regionCount_; start += kLeanRun) {
     const MarkedRegion* const run = regions + start;
     const auto count = static_cast<int32_t>(std::min<int64_t>(regionCount_ - start, kLeanRun));
     leanings(run, count, foreground, background, leaning);
     for (int32_t i = 0; i < count; ++i) {
-      setTerminal(nodes_[start + i], netOf(run[i].count, leaning[i]));
+      nets_[clusterOf(static_cast<int32_t>(start) + i)] += netOf(run[i].count, leaning[i]);
+    }
+  }
+}
+
+// A pin is worth more than all that holds a cluster to others, so that only a region by itself, of
+// which it is the whole terminal, could use it up.
+void RegionGraph::addClusters(int32_t clusters) {
+  MaxFlowInt_Initialize(graph_);
+  for (int32_t i = 0; i < clusters; ++i) {
+    MaxFlowInt_AddNode(graph_);
+    const auto net = static_cast<int32_t>(std::clamp(nets_[i], -kPinned, kPinned));
+    const int32_t caps[2] = {std::max(net, 0), std::max(-net, 0)};
+    MaxFlowInt_AddTWeights(graph_, i, caps);
+  }
+  for (int32_t i = 0; i < clusters; ++i) {
+    for (const RowEntry& entry : rows_.row(i)) {
+      MaxFlowInt_AddEdge(graph_, i, entry.node, entry.capacity, entry.capacity);
     }
   }
 }
 
 void RegionGraph::cut(const MarkedRegion* regions, const Palette& foreground,
                       const Palette& background, uint8_t* sides) {
-  if (!joined_ || startsOver_) addNeighbours(regions);
-  setTerminals(regions, foreground, background);
-  MaxFlowInt_GetMaxFlowFast(graph_);
+  const int32_t clusters = divide(regions);
+  sumNets(regions, foreground, background, clusters);
+  rows_.fill(pairs_.get(), pairCount_, merges_.clusters(), clusters);
+  addClusters(clusters);
+  MaxFlowInt_GetMaxFlow(graph_);
   for (int32_t i = 0; i < regionCount_; ++i) {
-    sides[i] = MaxFlowInt_GetNodeType(graph_, nodes_[i]) == 1 ? 255 : 0;
+    sides[i] = MaxFlowInt_GetNodeType(graph_, clusterOf(i)) == 1 ? 255 : 0;
   }
 }
 

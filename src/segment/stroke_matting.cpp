@@ -87,13 +87,14 @@ bool StrokeMatting::segment(const MBitmap& picture) {
 }
 
 void StrokeMatting::describe(const MBitmap& picture) {
-  graph.build(labels, image.width, image.height, regionCount);
   regions = qpx::allocate<qpx::MarkedRegion>(regionCount);
-  if (regions != nullptr &&
-      Watershed_GetRegionColor(&picture, labels, regionCount, regions) != QPX_OK) {
+  if (regions == nullptr) return;
+  if (Watershed_GetRegionColor(&picture, labels, regionCount, regions) != QPX_OK) {
     MMemFree(nullptr, std::exchange(regions, nullptr));
+    return;
   }
-  for (int32_t i = 0; regions != nullptr && i < regionCount; ++i) regions[i].count = qpx::kNoMark;
+  for (int32_t i = 0; i < regionCount; ++i) regions[i].count = qpx::kNoMark;
+  graph.build(labels, image.width, image.height, regions, regionCount);
 }
 
 // Tried again at every cut, should memory have come back.

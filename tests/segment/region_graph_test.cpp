@@ -57,7 +57,7 @@ TEST(RegionGraph, CutsAnewWhereNeighboursUseAPinUp) {
   Dots dots(2500);
   const auto count = static_cast<int32_t>(dots.regions.size());
   RegionGraph graph;
-  graph.build(dots.labels.data(), kSide, kSide, count);
+  graph.build(dots.labels.data(), kSide, kSide, dots.regions.data(), count);
   ASSERT_TRUE(graph);
   std::vector<uint8_t> sides(dots.regions.size());
   const auto expectFresh = [&](const char* when) {
@@ -84,7 +84,8 @@ TEST(RegionGraph, MarksThatChangeSidesGiveTheCutOfAFreshGraph) {
   for (const size_t dotCount : {500, 560, 700, 1060}) {
     Dots dots(dotCount);
     RegionGraph graph;
-    graph.build(dots.labels.data(), kSide, kSide, static_cast<int32_t>(dots.regions.size()));
+    graph.build(dots.labels.data(), kSide, kSide, dots.regions.data(),
+                static_cast<int32_t>(dots.regions.size()));
     ASSERT_TRUE(graph);
     std::vector<uint8_t> sides(dots.regions.size());
     for (const int32_t mark : {kBackgroundMark, kForegroundMark, kBackgroundMark}) {

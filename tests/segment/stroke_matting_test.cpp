@@ -355,7 +355,9 @@ TEST(StrokeMatting, SurvivesEveryFailedAllocation) {
   Canvas canvas = paintedCanvas(80, 60, inDisc, 40, 1);
   const std::vector<MPoint> thick = line({22, 30}, {58, 30}), rim = line({0, 3}, {79, 3});
   const Plane expected = modelMask(canvas.bitmap(), {{0, thick}, {1, rim}});
+  int64_t failures = 0;
   const auto run = [&] {
+    failures = 0;
     Cutting cutting(canvas.bitmap());
     if (cutting.created != 0) {
       EXPECT_EQ(4, cutting.created);
@@ -363,14 +365,18 @@ TEST(StrokeMatting, SurvivesEveryFailedAllocation) {
       return;
     }
     const int32_t added = std::max(cutting.stroke(0, thick), cutting.stroke(1, rim));
+    const int64_t before = FailingMemory::failures();
     const int32_t result = cutting.process();
+    // Where the solver ran out of memory the cut may not be the least.
+    const bool inSolver = result == 0 && FailingMemory::failures() > before;
     EXPECT_TRUE(added == 0 || added == 4);
     EXPECT_TRUE(result == 0 || result == 4);
     if (added == 0 && result == 4) {
+      failures = FailingMemory::failures();
       FailingMemory::failFrom(INT64_MAX);  // memory is back
       if (cutting.process() == 4) return;  // for ever without a part
     }
-    if (added == 0) {
+    if (added == 0 && !inSolver) {
       EXPECT_EQ(expected.bytes, cutting.maskBytes());
     }
     EXPECT_EQ(0, STRKM_ResetLine(cutting.handle));
@@ -380,12 +386,11 @@ TEST(StrokeMatting, SurvivesEveryFailedAllocation) {
     for (bool failed = true; failed; ++runs) {
       firstOnly ? FailingMemory::failOnly(runs + 1) : FailingMemory::failFrom(runs + 1);
       run();
-      failed = FailingMemory::failures() > 0 || FailingMemory::allocations() == 0;
-      if (runs > 100) break;
+      failed = failures + FailingMemory::failures() > 0;
       FailingMemory::reset();
       EXPECT_EQ(0, FailingMemory::liveBlocks());
     }
-    EXPECT_GT(runs, 10);
+    EXPECT_GT(runs, 40);
   }
   FailingMemory::reset();
 }
