@@ -10,8 +10,10 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(QPX_CCACHE ccache)
 if(QPX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_C_COMPILER_LAUNCHER ${QPX_CCACHE})
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${QPX_CCACHE})
+  # Without this sloppiness ccache keeps nothing that is compiled with a precompiled header.
+  set(launcher env CCACHE_SLOPPINESS=pch_defines,time_macros ${QPX_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
 endif()
 
 # Every result is the same bytes on every target, so no product and sum may fuse into one rounding.
@@ -20,11 +22,30 @@ target_compile_options(qpx_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -
   # GCC 12 sees an overlap in every `"text" + string` that it inlines (its bug 105651).
   $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
 
+# Every vector target multiplies what the kernels take to compile and to test.
+if(QPX_SIMD_LEFT_OUT)
+  list(JOIN QPX_SIMD_LEFT_OUT "|" left_out)
+  target_compile_definitions(qpx_options INTERFACE "QPX_SIMD_LEFT_OUT=(${left_out})")
+endif()
+
+# For the tool and the tests, which are the greater part of a build and spend their time in the library.
+# What is given here comes behind the options of qpx_options.
+add_library(qpx_light_code INTERFACE)
+add_library(qpx_light_options INTERFACE)
+target_link_libraries(qpx_light_options INTERFACE qpx_options qpx_light_code)
+add_library(qpx_test_code INTERFACE)
+target_compile_options(qpx_test_code INTERFACE $<$<CONFIG:Release>:-O1>)
+add_library(qpx_test_options INTERFACE)
+target_link_libraries(qpx_test_options INTERFACE qpx_light_options qpx_test_code)
+
 if(QPX_SANITIZE)
   # The vptr check reads type information, which the library is built without.
   target_compile_options(qpx_options INTERFACE -fsanitize=${QPX_SANITIZE} -fno-sanitize=vptr
     -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(qpx_options INTERFACE -fsanitize=${QPX_SANITIZE})
+  # Half of the code of a test would be checks of every reference for null and alignment; what a null
+  # or a wild pointer does, the address sanitizer sees.
+  target_compile_options(qpx_light_code INTERFACE -Og -fno-sanitize=null,alignment,object-size,pointer-overflow)
 else()
   add_link_options(-Wl,--no-undefined)
 endif()
@@ -33,13 +54,16 @@ endif()
 #   PUBLIC          links the shared library, as a host does, instead of its objects
 #   FAILING_MEMORY  the five memory services come from tests/support/failing_memory.cpp
 #   THREADS         starts threads: labelled so, which is what the thread sanitizer's build runs
-#   SHARDS          runs the executable's cases as n tests of ctest, which can go side by side
+#   SHARDS          runs the executable's cases as n tests of ctest, which go side by side and begin
+#                   before the other tests: for what takes long
 # Every test is labelled with its folder too: `ctest -L simd`.
 function(qpx_add_test name)
   cmake_parse_arguments(TEST "PUBLIC;FAILING_MEMORY;THREADS" "SHARDS" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE qpx_options GTest::gtest GTest::gtest_main ${TEST_LIBRARIES})
+  target_precompile_headers(${name} REUSE_FROM qpx_test_support)
+  target_link_libraries(${name} PRIVATE
+    qpx_test_options GTest::gtest GTest::gtest_main ${TEST_LIBRARIES} qpx_test_support)
   if(TEST_PUBLIC)
     target_link_libraries(${name} PRIVATE qpxengine)
   else()
@@ -63,7 +87,7 @@ function(qpx_add_test name)
   foreach(number RANGE 1 ${TEST_SHARDS})
     math(EXPR index "${number} - 1")
     add_test(NAME ${name}_${number} COMMAND ${name})
-    set_tests_properties(${name}_${number} PROPERTIES TIMEOUT 900 LABELS "${labels}"
+    set_tests_properties(${name}_${number} PROPERTIES TIMEOUT 900 COST 100 LABELS "${labels}"
       ENVIRONMENT "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
   endforeach()
 endfunction()

@@ -6,5 +6,11 @@
 // that has them out unless asked.
 #define HWY_WANT_AVX3_DL
 
+// Further targets that a build may do without.
+#ifndef QPX_SIMD_LEFT_OUT
+#define QPX_SIMD_LEFT_OUT 0
+#endif
+
 // SSSE3 without SSE4 has died out, and 128-bit NEON serves every ARM processor in phones.
-#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)
+#define HWY_DISABLED_TARGETS \
+  (QPX_SIMD_LEFT_OUT | HWY_SSSE3 | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128)

@@ -13,6 +13,7 @@
 
 #include "simd/row_cases.h"
 #include "simd/target_test.h"
+#include "support/sweep.h"
 
 namespace qpx::simd {
 namespace {
@@ -159,7 +160,7 @@ constexpr HueWeights<double> kHueWeights[] = {{0.4, 0.6, 0.4, 0.6, 0.2, 0.8},
 TEST_P(BlendRowTest, GreysOfAllColors) {
   const AllPairs pairs;  // green and red
   std::vector<uint8_t> blue(kAll), expected(kAll), actual(kAll);
-  for (int b = 0; b < 256; b += 3) {
+  for (int b = 0; b < 256; b += sweepStep(3)) {
     std::fill(blue.begin(), blue.end(), static_cast<uint8_t>(b));
     const uint8_t *r = pairs.top.data(), *g = pairs.base.data();
     for (const auto row : {&BlendRows::lightness, &BlendRows::chalkBoardGrey}) {

@@ -10,6 +10,7 @@
 #include "simd/row_cases.h"
 #include "simd/target_test.h"
 #include "simd/tint_math.h"
+#include "support/sweep.h"
 
 namespace qpx::simd {
 namespace {
@@ -48,11 +49,11 @@ const std::vector<Rgb>& sampleColors() {
       }
     }
     Noise noise;
-    for (int i = 0; i < 40000; ++i) {
+    for (int i = 0; i < sweepCount(40000); ++i) {
       const int v = noise.next(2, 253);
       all.push_back({v + noise.next(-2, 2), v + noise.next(-2, 2), v + noise.next(-2, 2)});
     }
-    for (int i = 0; i < 200000; ++i) {
+    for (int i = 0; i < sweepCount(200000); ++i) {
       all.push_back({noise.next(0, 255), noise.next(0, 255), noise.next(0, 255)});
     }
     return all;

@@ -9,6 +9,7 @@
 
 #include "simd/row_cases.h"
 #include "simd/target_test.h"
+#include "support/sweep.h"
 
 namespace qpx::simd {
 namespace {
@@ -42,7 +43,7 @@ struct Colors {
 // Both forms of a step on every colour.
 template <typename Step>
 void expectSameOnEveryColor(int32_t stride, const Step& step) {
-  for (int32_t r = 0; r < 256; r += stride) {
+  for (int32_t r = 0; r < 256; r += sweepStep(stride)) {
     for (int32_t g = 0; g < 256; ++g) {
       Colors plain = {constant(r), constant(g), ramp()};
       Colors vector = plain;
@@ -57,7 +58,7 @@ void expectSameOnEveryColor(int32_t stride, const Step& step) {
 TEST_P(ToneRowsTest, ColorsOfEveryYuv) {
   const Ramp y = ramp();
   const Ramp turned = ramp(1);
-  for (int32_t u = 0; u < 256; ++u) {
+  for (int32_t u = 0; u < 256; u += sweepStep()) {
     for (int32_t v = 0; v < 256; ++v) {
       const Ramp us = constant(u), vs = constant(v);
       Ramp pairs;

@@ -10,6 +10,7 @@
 #include "convert/kernels/columns.h"
 #include "convert/kernels/formats.h"
 #include "convert/kernels/sampler.h"
+#include "simd/convert_rows.h"
 #include "simd/rows.h"
 
 namespace qpx::convert::fast {
