@@ -47,13 +47,13 @@ struct Between {
 };
 
 struct Ppm {
-  int32_t width = 0, height = 0;
+  int32_t width = 0, height = 0, most = 0;
   std::vector<uint8_t> bytes;
 
   explicit Ppm(const char* path) {
     std::FILE* const file = std::fopen(path, "rb");
-    if (file == nullptr || std::fscanf(file, "P6 %d %d 255%*c", &width, &height) != 2 ||
-        width < 1 || height < 1) {
+    if (file == nullptr || std::fscanf(file, "P6 %d %d %d%*c", &width, &height, &most) != 3 ||
+        width < 1 || height < 1 || most != 255) {
       std::fprintf(stderr, "%s is no PPM file of 8 bits\n", path);
       std::exit(1);
     }

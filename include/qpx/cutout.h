@@ -22,7 +22,7 @@ typedef enum QPXStrokeSide { QPX_STROKE_FOREGROUND = 0, QPX_STROKE_BACKGROUND = 
  *
  * Where memory runs out after the picture has been cut into regions the handle is made all the same
  * and 0 returned: calls that need what is missing answer 4 then. Needs some 20 bytes a pixel for
- * the time of the call and keeps some 6, up to 8 more for a long outline, and the graph of regions.
+ * the time of the call and keeps some 6, up to 8 more for a long outline, and some 250 a region.
  * Pictures of more than 2^29 pixels are no memory. */
 QPX_API int32_t STRKM_Create(StrokeMatting** out, const MBitmap* image);
 
@@ -49,7 +49,9 @@ QPX_API int32_t STRKM_ResetLine(StrokeMatting* handle);
  * the step to it.
  *
  * Returns 0; 2 for a null argument, with nothing written; 4 for no memory, with the results those
- * of the last cut, or null where they could not be had; the strokes wait for the next call. */
+ * of the last cut, or null where they could not be had; the strokes wait for the next call. Memory
+ * that runs out while the regions' graph is being cut is not reported: the sides may not be the
+ * best then, until there is another stroke. */
 QPX_API int32_t STRKM_Process(StrokeMatting* handle, MBitmap** maskOut, MPoint** pointsOut,
                               int32_t* countOut);
 

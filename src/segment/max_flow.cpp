@@ -14,26 +14,38 @@ namespace qpx {
 namespace {
 
 constexpr int32_t kLeastRoom = 16;
-constexpr int32_t kMostRoom = 1 << 29;
-constexpr int64_t kCacheLine = 64;
+constexpr size_t kCacheLine = 64;
 
-// A block of one array behind the other, each of whole cache lines.
-template <typename First, typename Second>
-void* allocateBlock(int64_t firstCount, First*& first, int64_t secondCount, Second*& second) {
-  const auto lines = [](int64_t bytes) { return (bytes + kCacheLine - 1) & -kCacheLine; };
-  const int64_t firstBytes = lines(firstCount * int64_t{sizeof(First)});
-  const int64_t secondBytes = lines(secondCount * int64_t{sizeof(Second)});
-  void* const block = MMemAlloc(nullptr, blockBytes(firstBytes + secondBytes + kCacheLine, 1));
+// Room for so many records in front of which one place stays empty, aligned so that none lies
+// across two cache lines. A null `start` stands for no memory.
+template <typename Record>
+void* allocateBlock(int64_t count, int64_t placesEach, Record*& start, Record*& limit) {
+  const int64_t places = (count + 1) * placesEach;
+  const bool hasReferences = places <= static_cast<int64_t>(UINT32_MAX / sizeof(Record)) * 4;
+  const size_t bytes = blockBytes(places, sizeof(Record));
+  void* const block = hasReferences && bytes < SIZE_MAX - kCacheLine
+                          ? MMemAlloc(nullptr, bytes + kCacheLine)
+                          : nullptr;
   if (block == nullptr) return nullptr;
-  const auto toLine = static_cast<size_t>(-reinterpret_cast<intptr_t>(block) & (kCacheLine - 1));
-  uint8_t* const start = static_cast<uint8_t*>(block) + toLine;
-  first = reinterpret_cast<First*>(start);
-  second = reinterpret_cast<Second*>(start + firstBytes);
+  const auto address = reinterpret_cast<uintptr_t>(block);
+  start = reinterpret_cast<Record*>(static_cast<uint8_t*>(block) + (-address & (kCacheLine - 1)));
+  limit = start + places;
   return block;
+}
+
+NodeRef refOf(int32_t node) { return (static_cast<NodeRef>(node) + 1) * kNodeWords; }
+
+ArcRef refOf(const MaxFlowGraph& graph, const FlowArc* arc) {
+  return static_cast<ArcRef>(arc - graph.arcs) * kArcWords;
 }
 
 bool hasNode(const MaxFlowGraph* graph, int32_t node) {
   return graph != nullptr && node >= 0 && node < graph->nodeCount;
+}
+
+template <typename Graph>
+auto& nodeAt(Graph& graph, int32_t node) {
+  return graph.nodes[static_cast<size_t>(node) + 1];
 }
 
 int32_t sum(int32_t a, int32_t b) {
@@ -45,18 +57,18 @@ int32_t difference(int32_t a, int32_t b) {
 }
 
 // What goes from source to sink through the node alone is flow.
-void setTerminal(MaxFlowGraph& graph, FlowTerminal& terminal, int32_t fromSource, int32_t toSink) {
-  terminal.capacity = difference(fromSource, toSink);
+void setTerminal(MaxFlowGraph& graph, FlowNode& node, int32_t fromSource, int32_t toSink) {
+  node.trCapacity = difference(fromSource, toSink);
   graph.flow = sum(graph.flow, std::min(fromSource, toSink));
 }
 
 void clear(MaxFlowGraph& graph) {
+  graph.nodeEnd = graph.nodes + 1;
+  graph.arcEnd = graph.arcs + 2;
   graph.nodeCount = 0;
-  graph.edgeCount = 0;
-  graph.sortedEdges = 0;
   graph.flow = 0;
   graph.solveCount = 0;
-  graph.highest = 0;
+  graph.clock = 0;
   graph.orphansLost = false;
   for (const int queue : {0, 1}) {
     graph.activeHead[queue] = kNone;
@@ -65,8 +77,8 @@ void clear(MaxFlowGraph& graph) {
 }
 
 void mark(MaxFlowGraph& graph, int32_t node) {
-  activate(graph, static_cast<NodeRef>(node));
-  graph.terminals[node].flags |= kMarked;
+  activate(graph, refOf(node));
+  nodeAt(graph, node).flags |= kMarked;
 }
 
 }  // namespace
@@ -79,15 +91,10 @@ int32_t MaxFlowInt_Create(MaxFlowGraph** out, int32_t nodeMax, int32_t arcMax) {
   *out = nullptr;
   auto* const graph = newRecord<MaxFlowGraph>();
   if (graph == nullptr) return QPX_NO_MEMORY;
-  graph->nodeLimit = std::max(nodeMax, kLeastRoom);
-  graph->edgeLimit = std::max(arcMax, kLeastRoom);
-  if (std::max(graph->nodeLimit, graph->edgeLimit) <= kMostRoom) {
-    graph->nodeBlock = allocateBlock(int64_t{graph->nodeLimit} + 1, graph->nodes, graph->nodeLimit,
-                                     graph->terminals);
-    graph->edgeBlock =
-        allocateBlock(int64_t{graph->edgeLimit} * 2, graph->arcs, graph->edgeLimit, graph->edges);
-  }
-  if (graph->nodeBlock == nullptr || graph->edgeBlock == nullptr) {
+  graph->nodeBlock =
+      allocateBlock(std::max(nodeMax, kLeastRoom), 1, graph->nodes, graph->nodeLimit);
+  graph->arcBlock = allocateBlock(std::max(arcMax, kLeastRoom), 2, graph->arcs, graph->arcLimit);
+  if (graph->nodeBlock == nullptr || graph->arcBlock == nullptr) {
     MaxFlowInt_Destroy(graph);
     return QPX_NO_MEMORY;
   }
@@ -105,26 +112,22 @@ int32_t MaxFlowInt_Initialize(MaxFlowGraph* graph) {
 int32_t MaxFlowInt_Destroy(MaxFlowGraph* graph) {
   if (graph == nullptr) return QPX_OK;
   MMemFree(nullptr, graph->nodeBlock);
-  MMemFree(nullptr, graph->edgeBlock);
+  MMemFree(nullptr, graph->arcBlock);
   MMemFree(nullptr, graph);
   return QPX_OK;
 }
 
 int32_t MaxFlowInt_AddNode(MaxFlowGraph* graph) {
   if (graph == nullptr) return QPX_BAD_PARAM;
-  if (graph->nodeCount == graph->nodeLimit) return QPX_NO_MEMORY;
-  const int32_t node = graph->nodeCount++;
-  const auto arcEnd = 2 * static_cast<ArcRef>(graph->sortedEdges);
-  graph->nodes[node] = {kNone, 0, arcEnd, kNone};
-  graph->nodes[graph->nodeCount].firstArc = arcEnd;
-  graph->terminals[node] = {0, 0};
-  return node;
+  if (graph->nodeEnd == graph->nodeLimit) return QPX_NO_MEMORY;
+  new (graph->nodeEnd++) FlowNode{};
+  return graph->nodeCount++;
 }
 
 int32_t MaxFlowInt_AddTWeights(MaxFlowGraph* graph, int32_t node, const int32_t* caps) {
   if (caps == nullptr || !hasNode(graph, node)) return QPX_BAD_PARAM;
-  FlowTerminal& at = graph->terminals[node];
-  const int32_t present = at.capacity;
+  FlowNode& at = nodeAt(*graph, node);
+  const int32_t present = at.trCapacity;
   setTerminal(*graph, at, present > 0 ? sum(caps[0], present) : caps[0],
               present > 0 ? caps[1] : difference(caps[1], present));
   return QPX_OK;
@@ -134,10 +137,18 @@ int32_t MaxFlowInt_AddEdge(MaxFlowGraph* graph, int32_t from, int32_t to, int32_
                            int32_t reverseCapacity) {
   if (!hasNode(graph, from) || !hasNode(graph, to) || from == to) return QPX_BAD_PARAM;
   if (capacity < 0 || reverseCapacity < 0) return QPX_BAD_PARAM;
-  if (graph->edgeCount == graph->edgeLimit) return QPX_NO_MEMORY;
-  graph->edges[graph->edgeCount++] = {static_cast<NodeRef>(from), static_cast<NodeRef>(to),
-                                      static_cast<uint32_t>(capacity),
-                                      static_cast<uint32_t>(reverseCapacity)};
+  if (graph->arcEnd == graph->arcLimit) return QPX_NO_MEMORY;
+  FlowNode& tail = nodeAt(*graph, from);
+  FlowNode& head = nodeAt(*graph, to);
+  FlowArc* const arc = graph->arcEnd;
+  const ArcRef forward = refOf(*graph, arc);
+  const ArcRef backward = forward + kArcWords;
+  new (arc) FlowArc{refOf(to), tail.firstArc, backward, static_cast<uint32_t>(capacity)};
+  new (arc + 1)
+      FlowArc{refOf(from), head.firstArc, forward, static_cast<uint32_t>(reverseCapacity)};
+  tail.firstArc = forward;
+  head.firstArc = backward;
+  graph->arcEnd += 2;
   return QPX_OK;
 }
 
@@ -155,22 +166,23 @@ int32_t MaxFlowInt_GetMaxFlowFast(MaxFlowGraph* graph) {
 
 int32_t MaxFlowInt_GetNodeType(const MaxFlowGraph* graph, int32_t node) {
   if (!hasNode(graph, node)) return QPX_BAD_PARAM;
-  return graph->nodes[node].height < 0 ? 1 : 0;
+  const FlowNode& at = nodeAt(*graph, node);
+  return at.parent != kNone && at.inSinkTree() ? 1 : 0;
 }
 
 int32_t MaxFlowInt_GetTrcap(const MaxFlowGraph* graph, int32_t node) {
-  return hasNode(graph, node) ? graph->terminals[node].capacity : int32_t{QPX_BAD_PARAM};
+  return hasNode(graph, node) ? nodeAt(*graph, node).trCapacity : int32_t{QPX_BAD_PARAM};
 }
 
 int32_t MaxFlowInt_SetTrcap(MaxFlowGraph* graph, int32_t node, const int32_t* caps) {
   if (caps == nullptr || !hasNode(graph, node)) return QPX_BAD_PARAM;
-  setTerminal(*graph, graph->terminals[node], caps[0], caps[1]);
+  setTerminal(*graph, nodeAt(*graph, node), caps[0], caps[1]);
   return QPX_OK;
 }
 
 int32_t MaxFlowInt_ModifyNode(MaxFlowGraph* graph, int32_t node, int32_t value) {
   if (!hasNode(graph, node)) return QPX_BAD_PARAM;
-  graph->terminals[node].capacity = value;
+  nodeAt(*graph, node).trCapacity = value;
   mark(*graph, node);
   return QPX_OK;
 }

@@ -2,82 +2,75 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 #include "platform/new_record.h"
-#include "segment/max_flow_rows.h"
 
 namespace qpx {
 namespace {
 
-// Room for one more step of a search that starts below it.
-constexpr int32_t kHighest = kOrphanHeight - 2;
-// How far an orphan may rise for a parent. One that would have to rise further is nearly always cut
-// off with all around it, and sooner found again by the search than by rising step by step.
-constexpr int32_t kMostRise = 2;
+constexpr int32_t kUnreachable = std::numeric_limits<int32_t>::max();
+// A fast solve takes one more step before the first look at the clock.
+constexpr int32_t kLastClock = std::numeric_limits<int32_t>::max() - 1;
 
-enum class Tree { source, sink };
+enum class Tree : uint32_t { source = 0, sink = kIsSink };
 
 constexpr Tree otherThan(Tree tree) { return tree == Tree::source ? Tree::sink : Tree::source; }
 
 // Sums of 32 bits that wrap round.
 int32_t plus(int32_t a, uint32_t b) { return static_cast<int32_t>(static_cast<uint32_t>(a) + b); }
 
-// Heights as they are kept, and back: above 0 in a tree, at most 0 outside of it.
-template <Tree tree>
-int32_t inTree(int32_t height) {
-  return tree == Tree::source ? height : -height;
-}
-
-// Where flow has room on the way from the source to the sink: along an arc that leads away from the
-// root in the source's tree, against it in the sink's.
-template <Tree tree>
-uint32_t roomFromRoot(const FlowArc& away) {
-  return tree == Tree::source ? away.residual : away.reverse;
-}
-template <Tree tree>
-uint32_t roomToRoot(const FlowArc& away) {
-  return roomFromRoot<otherThan(tree)>(away);
-}
-
 // Flow that a terminal capacity lets through on its tree's side.
 template <Tree tree>
-uint32_t terminalRoom(const FlowTerminal& root) {
+uint32_t terminalRoom(const FlowNode& root) {
   if constexpr (tree == Tree::source) {
-    return static_cast<uint32_t>(std::max(root.capacity, 0));
+    return static_cast<uint32_t>(std::max(root.trCapacity, 0));
   } else {
-    return root.capacity < 0 ? -static_cast<uint32_t>(root.capacity) : 0;
+    return root.trCapacity < 0 ? -static_cast<uint32_t>(root.trCapacity) : 0;
   }
 }
 
 class Solver {
  public:
-  explicit Solver(MaxFlowGraph& graph)
-      : graph_(graph), nodes_(graph.nodes), terminals_(graph.terminals), arcs_(graph.arcs) {}
+  explicit Solver(MaxFlowGraph& graph) : graph_(graph), nodes_(graph.nodes), arcs_(graph.arcs) {}
 
-  void pushToNeighbours();
   void plantTrees();
   void replantMarked();
   void run();
 
  private:
+  FlowNode& node(NodeRef ref) { return recordAt(nodes_, ref); }
+  FlowArc& arc(ArcRef ref) { return recordAt(arcs_, ref); }
+
+  // Where flow has room on the way from the source to the sink: along an arc that leads away from
+  // the root in the source's tree, against it in the sink's.
+  template <Tree tree>
+  uint32_t roomFromRoot(const FlowArc& away) {
+    return tree == Tree::source ? away.residual : arc(away.sister).residual;
+  }
+  template <Tree tree>
+  uint32_t roomToRoot(const FlowArc& away) {
+    return roomFromRoot<otherThan(tree)>(away);
+  }
+
+  static bool isIn(Tree tree, const FlowNode& node) {
+    return node.parent != kNone && (node.flags & kIsSink) == static_cast<uint32_t>(tree);
+  }
+
   void emptyQueues();
-  void fetchAhead(NodeRef next) const;
+  void fetchAhead(const FlowNode& next);
   NodeRef takeActive();
   NodeRef takeAllQueued();
 
+  void plant(FlowNode& root, Tree tree);
   template <Tree tree>
-  void plant(NodeRef ref);
-  template <Tree tree>
-  void replant(NodeRef ref);
+  void replant(FlowNode& root);
 
   template <Tree tree>
-  void growFrom(NodeRef ref);
-  template <Tree tree>
-  ArcRef grow(NodeRef ref, ArcRef& next);
+  ArcRef grow(NodeRef ref);
 
-  void move(FlowArc& along, uint32_t amount);
   template <Tree tree>
-  bool narrow(NodeRef ref, uint32_t& amount) const;
+  bool narrow(NodeRef ref, uint32_t& amount);
   template <Tree tree>
   void push(NodeRef ref, uint32_t amount);
   bool augment(ArcRef bridge);
@@ -89,13 +82,11 @@ class Solver {
   template <Tree tree>
   void adopt(NodeRef ref);
   template <Tree tree>
-  void letGo(NodeRef ref, int32_t height);
-  template <Tree tree>
   void release(NodeRef ref);
+  int32_t distanceToTerminal(NodeRef start);
 
   MaxFlowGraph& graph_;
   FlowNode* const nodes_;
-  FlowTerminal* const terminals_;
   FlowArc* const arcs_;
 };
 
@@ -107,9 +98,9 @@ void Solver::emptyQueues() {
 }
 
 // Nodes of a queue lie anywhere; the next one is told of while this one is at work.
-void Solver::fetchAhead(NodeRef next) const {
-  __builtin_prefetch(arcs_ + nodes_[next].firstArc);
-  __builtin_prefetch(nodes_ + nodes_[next].nextActive);
+void Solver::fetchAhead(const FlowNode& next) {
+  __builtin_prefetch(&arc(next.firstArc));
+  __builtin_prefetch(&node(next.nextActive));
 }
 
 // The next node that is in a tree.
@@ -123,11 +114,11 @@ NodeRef Solver::takeActive() {
       graph_.activeTail[1] = kNone;
     }
     const NodeRef ref = head;
-    FlowNode& taken = nodes_[ref];
+    FlowNode& taken = node(ref);
     head = taken.nextActive == ref ? kNone : taken.nextActive;
     taken.nextActive = kNone;
-    if (head != kNone) fetchAhead(head);
-    if (nodes_[ref].height != 0) return ref;
+    if (head != kNone) fetchAhead(node(head));
+    if (taken.parent != kNone) return ref;
   }
 }
 
@@ -138,43 +129,27 @@ NodeRef Solver::takeAllQueued() {
   return first;
 }
 
-template <Tree tree>
-void Solver::plant(NodeRef ref) {
-  nodes_[ref].setParent(kToTerminal, inTree<tree>(1));
-}
-
-// Paths of one arc need no search.
-void Solver::pushToNeighbours() {
-  const auto count = static_cast<NodeRef>(graph_.nodeCount);
-  for (NodeRef ref = 0; ref < count; ++ref) {
-    FlowTerminal& from = terminals_[ref];
-    if (from.capacity <= 0) continue;
-    for (FlowArc& arc : graph_.row(ref)) {
-      FlowTerminal& to = terminals_[arc.head];
-      if (to.capacity >= 0) continue;
-      const uint32_t amount =
-          std::min({arc.residual, terminalRoom<Tree::source>(from), terminalRoom<Tree::sink>(to)});
-      move(arc, amount);
-      from.capacity = plus(from.capacity, -amount);
-      to.capacity = plus(to.capacity, amount);
-      graph_.flow = plus(graph_.flow, amount);
-    }
-  }
+void Solver::plant(FlowNode& root, Tree tree) {
+  root.flags = (root.flags & ~kIsSink) | static_cast<uint32_t>(tree);
+  root.parent = kToTerminal;
+  root.timestamp = graph_.clock;
+  root.distance = 1;
 }
 
 // Trees of nothing but roots.
 void Solver::plantTrees() {
   emptyQueues();
-  graph_.highest = 1;
+  graph_.clock = 0;
   graph_.orphansLost = false;
-  const auto count = static_cast<NodeRef>(graph_.nodeCount);
-  for (NodeRef ref = 0; ref < count; ++ref) {
-    FlowTerminal& root = terminals_[ref];
+  const auto end = static_cast<NodeRef>(graph_.nodeEnd - nodes_) * kNodeWords;
+  for (NodeRef ref = kNodeWords; ref != end; ref += kNodeWords) {
+    FlowNode& root = node(ref);
+    root.nextActive = kNone;
     root.flags &= ~kSolveFlags;
-    nodes_[ref].nextActive = kNone;
-    nodes_[ref].setParent(kNone, 0);
-    if (root.capacity == 0) continue;
-    root.capacity > 0 ? plant<Tree::source>(ref) : plant<Tree::sink>(ref);
+    root.parent = kNone;
+    root.timestamp = 0;
+    if (root.trCapacity == 0) continue;
+    plant(root, root.trCapacity > 0 ? Tree::source : Tree::sink);
     activate(graph_, ref);
   }
 }
@@ -182,32 +157,35 @@ void Solver::plantTrees() {
 // A node that may come from another tree or from none becomes a root. Its children there lose
 // their parent, and what it borders on there may find a path through it.
 template <Tree tree>
-void Solver::replant(NodeRef ref) {
-  if (inTree<tree>(nodes_[ref].height) <= 0) {
-    for (const FlowArc& away : graph_.row(ref)) {
-      if ((terminals_[away.head].flags & kMarked) != 0) continue;
-      const FlowNode& neighbour = nodes_[away.head];
+void Solver::replant(FlowNode& root) {
+  if (!isIn(tree, root)) {
+    for (ArcRef ref = root.firstArc; ref != kNone; ref = arc(ref).next) {
+      const FlowArc& away = arc(ref);
+      FlowNode& neighbour = node(away.head);
+      if ((neighbour.flags & kMarked) != 0) continue;
       if (neighbour.parent == away.sister) orphanLast(away.head);
-      if (inTree<tree>(neighbour.height) < 0 && roomFromRoot<tree>(away) != 0) {
+      if (isIn(otherThan(tree), neighbour) && roomFromRoot<tree>(away) != 0) {
         activate(graph_, away.head);
       }
     }
   }
-  plant<tree>(ref);
+  plant(root, tree);
 }
 
 void Solver::replantMarked() {
+  // Distances of the last pass of the last solve hold no more.
+  ++graph_.clock;
   for (NodeRef ref = takeAllQueued(); ref != kNone;) {
-    FlowNode& changed = nodes_[ref];
+    FlowNode& changed = node(ref);
     const NodeRef next = changed.nextActive == ref ? kNone : changed.nextActive;
     changed.nextActive = kNone;
-    terminals_[ref].flags &= ~kMarked;
+    changed.flags &= ~kMarked;
     activate(graph_, ref);
-    if (terminals_[ref].capacity > 0) {
-      replant<Tree::source>(ref);
-    } else if (terminals_[ref].capacity < 0) {
-      replant<Tree::sink>(ref);
-    } else if (nodes_[ref].height != 0) {
+    if (changed.trCapacity > 0) {
+      replant<Tree::source>(changed);
+    } else if (changed.trCapacity < 0) {
+      replant<Tree::sink>(changed);
+    } else if (changed.parent != kNone) {
       orphanLast(ref);
     }
     ref = next;
@@ -215,50 +193,50 @@ void Solver::replantMarked() {
   adoptAll();
 }
 
-// Adds what a node reaches to its tree, from an arc of it on. Returns the arc by which it reaches
-// the other tree, or kNone.
+// Adds what a node reaches to its tree. Returns the arc by which it reaches the other tree, in the
+// direction of the flow, or kNone.
 template <Tree tree>
-ArcRef Solver::grow(NodeRef ref, ArcRef& next) {
-  const int32_t above = inTree<tree>(nodes_[ref].height) + 1;
-  const ArcRef end = nodes_[ref + 1].firstArc;
-  for (; next != end; ++next) {
-    const FlowArc& away = arcs_[next];
-    if (roomFromRoot<tree>(away) == 0) continue;
-    FlowNode& child = nodes_[away.head];
-    const int32_t height = inTree<tree>(child.height);
-    if (height < 0) return next;
-    if (height == 0) {
-      graph_.highest = std::max(graph_.highest, above);
-      activate(graph_, away.head);
-    } else if (height <= above || height == kOrphanHeight) {
-      continue;
+ArcRef Solver::grow(NodeRef ref) {
+  const FlowNode& parent = node(ref);
+  const int32_t timestamp = parent.timestamp;
+  const int32_t distance = parent.distance;
+  for (ArcRef awayRef = parent.firstArc; awayRef != kNone;) {
+    const FlowArc& away = arc(awayRef);
+    if (roomFromRoot<tree>(away) != 0) {
+      FlowNode& child = node(away.head);
+      if (child.parent == kNone) {
+        child.flags = (child.flags & ~kIsSink) | static_cast<uint32_t>(tree);
+        child.parent = away.sister;
+        child.timestamp = timestamp;
+        child.distance = distance + 1;
+        activate(graph_, away.head);
+      } else if (!isIn(tree, child)) {
+        return tree == Tree::source ? awayRef : away.sister;
+      } else if (child.timestamp <= timestamp && child.distance > distance) {
+        child.parent = away.sister;
+        child.timestamp = timestamp;
+        child.distance = distance + 1;
+      }
     }
-    child.setParent(away.sister, inTree<tree>(above));
+    awayRef = away.next;
   }
   return kNone;
-}
-
-void Solver::move(FlowArc& along, uint32_t amount) {
-  FlowArc& back = arcs_[along.sister];
-  along.residual -= amount;
-  along.reverse += amount;
-  back.residual += amount;
-  back.reverse -= amount;
 }
 
 // Cuts an amount of flow down to what the way between a node and its terminal lets through. False
 // where the way ends at an orphan that was lost.
 template <Tree tree>
-bool Solver::narrow(NodeRef ref, uint32_t& amount) const {
+bool Solver::narrow(NodeRef ref, uint32_t& amount) {
   for (;;) {
-    const ArcRef parent = nodes_[ref].parent;
-    if (parent >= kOrphanBit) return false;
-    if (parent == kToTerminal) {
-      amount = std::min(amount, terminalRoom<tree>(terminals_[ref]));
+    const FlowNode& at = node(ref);
+    if (at.parent == kOrphan) return false;
+    if (at.parent == kToTerminal) {
+      amount = std::min(amount, terminalRoom<tree>(at));
       return true;
     }
-    amount = std::min(amount, roomToRoot<tree>(arcs_[parent]));
-    ref = arcs_[parent].head;
+    const FlowArc& link = arc(at.parent);
+    amount = std::min(amount, roomToRoot<tree>(link));
+    ref = link.head;
   }
 }
 
@@ -267,16 +245,17 @@ bool Solver::narrow(NodeRef ref, uint32_t& amount) const {
 template <Tree tree>
 void Solver::push(NodeRef ref, uint32_t amount) {
   for (;;) {
-    const ArcRef parent = nodes_[ref].parent;
-    if (parent == kToTerminal) {
-      FlowTerminal& root = terminals_[ref];
-      root.capacity = plus(root.capacity, tree == Tree::source ? -amount : amount);
-      if (terminalRoom<tree>(root) == 0) orphanFirst(ref);
+    FlowNode& at = node(ref);
+    if (at.parent == kToTerminal) {
+      at.trCapacity = plus(at.trCapacity, tree == Tree::source ? -amount : amount);
+      if (terminalRoom<tree>(at) == 0) orphanFirst(ref);
       return;
     }
-    FlowArc& link = arcs_[parent];
-    move(tree == Tree::source ? arcs_[link.sister] : link, amount);
-    if (roomToRoot<tree>(link) == 0) orphanFirst(ref);
+    FlowArc& link = arc(at.parent);
+    FlowArc& along = tree == Tree::source ? arc(link.sister) : link;
+    arc(along.sister).residual += amount;
+    along.residual -= amount;
+    if (along.residual == 0) orphanFirst(ref);
     ref = link.head;
   }
 }
@@ -284,14 +263,15 @@ void Solver::push(NodeRef ref, uint32_t amount) {
 // Pushes what the path over an arc from the source's tree to the sink's lets through. False when an
 // end of it is lost.
 bool Solver::augment(ArcRef bridgeRef) {
-  FlowArc& bridge = arcs_[bridgeRef];
-  const NodeRef tail = arcs_[bridge.sister].head;
+  FlowArc& bridge = arc(bridgeRef);
+  FlowArc& back = arc(bridge.sister);
   uint32_t amount = bridge.residual;
-  if (!narrow<Tree::source>(tail, amount) || !narrow<Tree::sink>(bridge.head, amount)) {
+  if (!narrow<Tree::source>(back.head, amount) || !narrow<Tree::sink>(bridge.head, amount)) {
     return false;
   }
-  move(bridge, amount);
-  push<Tree::source>(tail, amount);
+  bridge.residual -= amount;
+  back.residual += amount;
+  push<Tree::source>(back.head, amount);
   push<Tree::sink>(bridge.head, amount);
   graph_.flow = plus(graph_.flow, amount);
   return true;
@@ -300,10 +280,7 @@ bool Solver::augment(ArcRef bridgeRef) {
 // Takes a node's parent away. Returns a record for it; without memory none, and the node stays as
 // it is: nothing is adopted by it or flows through it any more.
 OrphanRecord* Solver::makeOrphan(NodeRef ref) {
-  FlowNode& node = nodes_[ref];
-  const bool inSource = node.height > 0;
-  const auto height = static_cast<uint32_t>(inSource ? node.height : -node.height);
-  node.setParent(kOrphanBit | height, inSource ? kOrphanHeight : -kOrphanHeight);
+  node(ref).parent = kOrphan;
   if (graph_.nodePool == nullptr) graph_.nodePool = newRecord<FlowPool>();
   OrphanRecord* const record = graph_.nodePool == nullptr ? nullptr : graph_.nodePool->take();
   if (record == nullptr) {
@@ -337,74 +314,106 @@ void Solver::adoptAll() {
     if (graph_.orphanHead == nullptr) graph_.orphanTail = nullptr;
     const NodeRef ref = record->node;
     graph_.nodePool->giveBack(record);
-    nodes_[ref].height < 0 ? adopt<Tree::sink>(ref) : adopt<Tree::source>(ref);
+    node(ref).inSinkTree() ? adopt<Tree::sink>(ref) : adopt<Tree::source>(ref);
   }
 }
 
-// Looks for the lowest parent. One that is lower than the node cannot be below it in the tree; for
-// another the node rises above it and lets the children go that it reaches by that. So no walk to
-// the root is needed, and what nothing holds rises until it is above the tree and leaves it.
+// Hops from a node to its terminal, kUnreachable where the way ends at an orphan. What the way
+// leads through is stamped with its own distance, so that other walks of this pass end there.
+int32_t Solver::distanceToTerminal(NodeRef start) {
+  int32_t hops = 0;
+  for (NodeRef ref = start;; ++hops) {
+    FlowNode& at = node(ref);
+    if (at.timestamp == graph_.clock) {
+      hops += at.distance;
+      break;
+    }
+    if (at.parent == kOrphan) return kUnreachable;
+    if (at.parent == kToTerminal) {
+      at.timestamp = graph_.clock;
+      at.distance = 1;
+      ++hops;
+      break;
+    }
+    ref = arc(at.parent).head;
+  }
+  int32_t distance = hops;
+  for (NodeRef ref = start; node(ref).timestamp != graph_.clock; --distance) {
+    FlowNode& at = node(ref);
+    at.timestamp = graph_.clock;
+    at.distance = distance;
+    ref = arc(at.parent).head;
+  }
+  return hops;
+}
+
+// Looks for the parent nearest to the terminal, the first of those equally near.
 template <Tree tree>
 void Solver::adopt(NodeRef ref) {
-  const auto height = static_cast<int32_t>(nodes_[ref].parent & ~kOrphanBit);
+  FlowNode& child = node(ref);
   ArcRef parent = kNone;
-  int32_t lowest = std::min(graph_.highest, height + kMostRise);
-  const ArcRef end = nodes_[ref + 1].firstArc;
-  for (ArcRef awayRef = nodes_[ref].firstArc; awayRef != end; ++awayRef) {
-    const FlowArc& away = arcs_[awayRef];
-    const FlowNode& candidate = nodes_[away.head];
-    const int32_t candidateHeight = inTree<tree>(candidate.height);
-    const bool fits = (candidateHeight > 0) & (candidateHeight < lowest) &
-                      (candidate.parent != away.sister) & (roomToRoot<tree>(away) != 0);
-    lowest = fits ? candidateHeight : lowest;
-    parent = fits ? awayRef : parent;
+  int32_t nearest = kUnreachable;
+  for (ArcRef awayRef = child.firstArc; awayRef != kNone; awayRef = arc(awayRef).next) {
+    const FlowArc& away = arc(awayRef);
+    if (roomToRoot<tree>(away) == 0 || !isIn(tree, node(away.head))) continue;
+    const int32_t distance = distanceToTerminal(away.head);
+    if (distance >= nearest) continue;
+    nearest = distance;
+    parent = awayRef;
+    if (nearest == 1) break;  // a root: none is nearer
   }
   if (parent == kNone) {
     release<tree>(ref);
     return;
   }
-  if (lowest >= height) letGo<tree>(ref, lowest + 1);
-  nodes_[ref].setParent(parent, inTree<tree>(std::max(height, lowest + 1)));
-}
-
-// Takes away the children that a node reaches when it rises.
-template <Tree tree>
-void Solver::letGo(NodeRef ref, int32_t height) {
-  for (const FlowArc& away : graph_.row(ref)) {
-    const FlowNode& child = nodes_[away.head];
-    if (child.parent == away.sister && inTree<tree>(child.height) <= height) orphanLast(away.head);
-  }
+  child.parent = parent;
+  child.timestamp = graph_.clock;
+  child.distance = nearest + 1;
 }
 
 // A node leaves its tree: its children lose their parent, and what may reach it again tries to.
 template <Tree tree>
 void Solver::release(NodeRef ref) {
-  nodes_[ref].setParent(kNone, 0);
-  for (const FlowArc& away : graph_.row(ref)) {
-    const FlowNode& neighbour = nodes_[away.head];
-    if (inTree<tree>(neighbour.height) <= 0) continue;
+  FlowNode& leaving = node(ref);
+  leaving.parent = kNone;
+  for (ArcRef awayRef = leaving.firstArc; awayRef != kNone; awayRef = arc(awayRef).next) {
+    const FlowArc& away = arc(awayRef);
+    FlowNode& neighbour = node(away.head);
+    if (!isIn(tree, neighbour)) continue;
     if (roomToRoot<tree>(away) != 0) activate(graph_, away.head);
     if (neighbour.parent == away.sister) orphanLast(away.head);
   }
 }
 
-// Goes on as long as the node stays in its tree. What is released meanwhile may queue it again.
-template <Tree tree>
-void Solver::growFrom(NodeRef ref) {
-  ArcRef next = nodes_[ref].firstArc;
-  for (;;) {
-    const int32_t height = inTree<tree>(nodes_[ref].height);
-    if (height <= 0 || height == kOrphanHeight) return;
-    if (graph_.highest >= kHighest) return plantTrees();
-    const ArcRef bridge = grow<tree>(ref, next);
-    if (bridge == kNone || !augment(tree == Tree::source ? bridge : arcs_[bridge].sister)) return;
-    adoptAll();
-  }
-}
-
 void Solver::run() {
-  for (NodeRef ref = takeActive(); ref != kNone; ref = takeActive()) {
-    nodes_[ref].height > 0 ? growFrom<Tree::source>(ref) : growFrom<Tree::sink>(ref);
+  NodeRef current = kNone;
+  for (;;) {
+    if (current != kNone) {
+      node(current).nextActive = kNone;
+      if (node(current).parent == kNone) current = kNone;
+    }
+    if (current == kNone) current = takeActive();
+    if (current == kNone) break;
+    const ArcRef bridge =
+        node(current).inSinkTree() ? grow<Tree::sink>(current) : grow<Tree::source>(current);
+    if (graph_.clock >= kLastClock) {
+      plantTrees();
+      current = kNone;
+      continue;
+    }
+    ++graph_.clock;
+    if (bridge == kNone) {
+      current = kNone;
+      continue;
+    }
+    // It looks queued, so that adoption leaves it alone, and goes on when that is done.
+    node(current).nextActive = current;
+    if (augment(bridge)) {
+      adoptAll();
+    } else {
+      node(current).nextActive = kNone;
+      current = kNone;
+    }
   }
 }
 
@@ -417,28 +426,26 @@ void finish(MaxFlowGraph& graph) {
 }  // namespace
 
 void activate(MaxFlowGraph& graph, NodeRef ref) {
-  FlowNode& waiting = graph.nodes[ref];
+  FlowNode& waiting = recordAt(graph.nodes, ref);
   if (waiting.nextActive != kNone) return;
   waiting.nextActive = ref;
   if (graph.activeTail[1] == kNone) {
     graph.activeHead[1] = ref;
   } else {
-    graph.nodes[graph.activeTail[1]].nextActive = ref;
+    recordAt(graph.nodes, graph.activeTail[1]).nextActive = ref;
   }
   graph.activeTail[1] = ref;
 }
 
 void solveWhole(MaxFlowGraph& graph) {
-  sortArcs(graph);
   Solver solver(graph);
-  solver.pushToNeighbours();
   solver.plantTrees();
   solver.run();
   finish(graph);
 }
 
 void solveMarked(MaxFlowGraph& graph) {
-  if (graph.solveCount == 0 || graph.orphansLost || graph.sortedEdges != graph.edgeCount) {
+  if (graph.solveCount == 0 || graph.orphansLost) {
     solveWhole(graph);
     return;
   }

@@ -1,8 +1,7 @@
 // Maximum flow by two search trees, after Y. Boykov and V. Kolmogorov, "An Experimental Comparison
 // of Min-Cut/Max-Flow Algorithms for Energy Minimization in Vision" (2004); trees that outlive a
 // solve after P. Kohli and P. H. S. Torr, "Efficiently Solving Dynamic Markov Random Fields Using
-// Graph Cuts" (2005); heights that orphans are adopted by after A. V. Goldberg, S. Hed, H. Kaplan,
-// R. E. Tarjan and R. F. Werneck, "Maximum Flows by Incremental Breadth-First Search" (2011).
+// Graph Cuts" (2005).
 #pragma once
 
 #include "segment/max_flow_graph.h"

@@ -53,7 +53,7 @@ std::vector<uint8_t> sidesOf(const Dots& dots) {
 }
 
 // More than a pin is worth can flow from so many neighbours of the same colour.
-TEST(RegionGraph, CutsAnewWhereNeighboursUseAPinUp) {
+TEST(RegionGraph, PinsGiveWayToTooManyNeighbours) {
   Dots dots(2500);
   const auto count = static_cast<int32_t>(dots.regions.size());
   RegionGraph graph;
@@ -79,7 +79,7 @@ TEST(RegionGraph, CutsAnewWhereNeighboursUseAPinUp) {
   expectFresh("no pins");
 }
 
-// A pin holds against these, but not against what they gave in the cut before as well.
+// Nothing of a cut is left in the next, whichever of them a pin holds against.
 TEST(RegionGraph, MarksThatChangeSidesGiveTheCutOfAFreshGraph) {
   for (const size_t dotCount : {500, 560, 700, 1060}) {
     Dots dots(dotCount);
