@@ -360,7 +360,6 @@ void Solver::adopt(NodeRef ref) {
     if (distance >= nearest) continue;
     nearest = distance;
     parent = awayRef;
-    if (nearest == 1) break;  // a root: none is nearer
   }
   if (parent == kNone) {
     release<tree>(ref);

@@ -1,6 +1,7 @@
 #include <qpx/convert.h>
 
 #include <algorithm>
+#include <tuple>
 #include <vector>
 
 #include "convert/conversion_model.h"
@@ -299,6 +300,35 @@ TEST(PostProcess, WorksFromExcerpts) {
     ASSERT_EQ(QPX_OK, MPProcessEx(context.handle, excerpt.plane, &needed, &clip, excerpt.pitches(),
                                   dst.planes(), dst.pitches()));
     ASSERT_TRUE(dst.sameBytes(expected)) << std::hex << job.from << ", case " << std::dec << i;
+  }
+}
+
+// A mirrored picture whose rows lie a pixel apart has the steps of a turned one, with longer runs
+// and, resampled, as many rows at a time.
+// Its rows overwrite each other, so that nothing can be said of what they come to.
+TEST(PostProcess, StaysInRowsThatLieAPixelApart) {
+  constexpr int32_t kColumns = 511, kRows = 16;
+  const std::vector<uint8_t> pixels(size_t{3} * kColumns * (kRows + 1), 77);
+  for (const auto& [to, bytes, step] :
+       {std::tuple{0x37000777u, 4, 3}, std::tuple{0x37000777u, 4, -3},
+        std::tuple{uint32_t{QPX_FORMAT_YUYV}, 2, 1},
+        std::tuple{uint32_t{QPX_FORMAT_YUYV}, 2, -1}}) {
+    const PostProcessImage src = {QPX_FORMAT_BGR24, kColumns - 3, kRows + 1, {}, nullptr};
+    const PostProcessImage dst = {to, kColumns, kRows, {}, nullptr};
+    PostProcessOption option = {};
+    option.resampleMode = 1;
+    option.orientation = 2;
+    option.alignMode = 256;
+    option.alpha = 255;
+    PostProcessContext* handle = nullptr;
+    ASSERT_EQ(QPX_OK, MPPCreate(&src, &dst, &option, &handle));
+    const size_t above = static_cast<size_t>(kRows) * 3;
+    std::vector<uint8_t> made(above + static_cast<size_t>(bytes * (kColumns + 1)) + above);
+    const uint8_t* const from[3] = {pixels.data(), nullptr, nullptr};
+    uint8_t* const into[3] = {made.data() + above, nullptr, nullptr};
+    const int32_t srcPitch[3] = {3 * kColumns, 0, 0}, dstPitch[3] = {step, 0, 0};
+    EXPECT_EQ(QPX_OK, MPProcess(handle, from, nullptr, srcPitch, into, dstPitch));
+    MPPDestroy(handle);
   }
 }
 

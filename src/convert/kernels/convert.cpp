@@ -40,44 +40,28 @@ bool convertDithered(const Call& call, FormatSet from, FormatSet to, const CellG
   return true;
 }
 
-// Walks the rectangle with an open sink and, where it takes more of them, others that `open` opens.
-template <typename Sink, typename Open>
-void walk(const Call& call, const CellGrid& cells, bool needsNoRooms, Sink* sink,
-          const Open& open) {
-  const Walk walk(call, cells, runLength(*call.record, needsNoRooms));
-  RunSinks<Sink> sinks(sink, walk.isSampled() ? walk.runs() : 1);
-  if (sinks.count() == 1) {
-    walk.run(sink);
-    return;
-  }
-  sinks.open(open);
-  walk.run(&sinks);
-}
-
 bool convertToRgb(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
-  const auto open = [&](RgbSink* sink) { return sink->open(call, from, to); };
   RgbSink sink;
-  if (!open(&sink)) return false;
+  if (!sink.open(call, from, to)) return false;
   const Positions positions(call);
   const bool isCopied = from == to && sink.copyPixels(positions);
-  if (!isCopied) walk(call, cells, sink.needsNoRooms(positions), &sink, open);
+  if (!isCopied) walk(call, cells, runLength(*call.record, sink.needsNoRooms(positions)), &sink);
   return true;
 }
 
 bool convertToGroups(const Call& call, FormatSet from, const CellGrid& cells) {
-  const auto open = [&](GroupSink* sink) { return sink->open(call, from, cells); };
   GroupSink sink;
-  if (!open(&sink)) return false;
-  walk(call, cells, false, &sink, open);
+  if (!sink.open(call, from, cells)) return false;
+  walk(call, cells, runLength(*call.record, false), &sink);
   return true;
 }
 
 bool convertToPlanes(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells) {
-  const auto open = [&](PlanarSink* sink) { return sink->open(call, from, to, cells); };
   PlanarSink sink;
-  if (!open(&sink)) return false;
+  if (!sink.open(call, from, to, cells)) return false;
   const Positions positions(call);
-  if (!sink.copyPlanes(positions)) walk(call, cells, sink.needsNoRooms(positions), &sink, open);
+  const bool isCopied = sink.copyPlanes(positions);
+  if (!isCopied) walk(call, cells, runLength(*call.record, sink.needsNoRooms(positions)), &sink);
   return true;
 }
 

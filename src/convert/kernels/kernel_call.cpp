@@ -33,7 +33,8 @@ int32_t targetPlanes(const ConvRecord& record) {
 
 bool hasPlanes(const Pictures& pictures, const ConvRecord& record) {
   const auto isThere = [](const uint8_t* plane) { return plane != nullptr; };
-  return std::all_of(pictures.srcPlanes, pictures.srcPlanes + record.srcPlane.count, isThere) &&
+  return std::all_of(pictures.srcPlanes,
+                     pictures.srcPlanes + std::min<uint32_t>(record.srcPlane.count, 3), isThere) &&
          std::all_of(pictures.dstPlanes, pictures.dstPlanes + targetPlanes(record), isThere);
 }
 

@@ -7,7 +7,7 @@
 
 namespace qpx::convert::fast {
 
-void Lane::open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes) {
+void Lane::open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes, bool turned) {
   rows_ = &simd::convertRows();
   base_ = base;
   along_ = along;
@@ -18,7 +18,7 @@ void Lane::open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes)
   } else if (along == -bytes) {
     way_ = Way::backward;
   } else {
-    way_ = across == bytes || across == -bytes ? Way::tiled : Way::scattered;
+    way_ = turned && (across == bytes || across == -bytes) ? Way::tiled : Way::scattered;
   }
 }
 

@@ -1,7 +1,5 @@
 #include "convert/kernels/planar_sink.h"
 
-#include <algorithm>
-
 #include "convert/format_decoder.h"
 #include "convert/kernels/rgb_sink.h"
 
@@ -96,8 +94,10 @@ bool PlanarSink::open(const Call& call, FormatSet from, FormatSet to, const Cell
   cells_ = cells;
   rect_ = call.rect;
   if (call.dstPlanes[0] == nullptr || !maker_.open(call, from)) return false;
+  const bool turned = call.record->swapXY != 0;
   const Stride stride = strideOf(call, 0, 0);
-  luma_.open(call.dstPlanes[0] + call.record->dstPlane.offset[0], stride.along, stride.across, 1);
+  luma_.open(call.dstPlanes[0] + call.record->dstPlane.offset[0], stride.along, stride.across, 1,
+             turned);
   chroma_ = Chroma::none;
   return to == kInGrey || openChroma(call, to);
 }
@@ -108,15 +108,15 @@ bool PlanarSink::openChroma(const Call& call, FormatSet to) {
   uint8_t *const u = call.dstPlanes[planeU], *const v = call.dstPlanes[planeV];
   if (u == nullptr || v == nullptr) return false;
   const Stride strideU = strideOf(call, 1, planeU), strideV = strideOf(call, 2, planeV);
-  const bool adjacent = u + 1 == v || v + 1 == u;
+  const bool turned = call.record->swapXY != 0, adjacent = u + 1 == v || v + 1 == u;
   if ((to & kInNv) != 0 && adjacent && call.dstPitch[1] == call.dstPitch[2]) {
     chroma_ = Chroma::pairs;
     vFirst_ = v < u;
-    u_.open(vFirst_ ? v : u, strideU.along, strideU.across, 2);
+    u_.open(vFirst_ ? v : u, strideU.along, strideU.across, 2, turned);
   } else {
     chroma_ = Chroma::planes;
-    u_.open(u + call.record->dstPlane.offset[1], strideU.along, strideU.across, 1);
-    v_.open(v + call.record->dstPlane.offset[2], strideV.along, strideV.across, 1);
+    u_.open(u + call.record->dstPlane.offset[1], strideU.along, strideU.across, 1, turned);
+    v_.open(v + call.record->dstPlane.offset[2], strideV.along, strideV.across, 1, turned);
   }
   return true;
 }

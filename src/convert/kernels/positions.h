@@ -16,7 +16,6 @@ class Positions {
   // Pixels correspond one to one and all of the rectangle lies inside the clip: column x of the
   // destination is column x + shiftX() of the source, without any test.
   bool isDirect() const { return direct_; }
-  bool isBilinear() const { return bilinear_; }
   int32_t shiftX() const { return shiftX_; }
   int32_t shiftY() const { return shiftY_; }
 

@@ -19,11 +19,12 @@ bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
   keepsAlpha_ = bytes_ == 4 && (from & (kIn24 | kIn16)) != 0;
   redFirst_ = (to & kInRedFirst) != 0;
   alpha_ = static_cast<uint8_t>(record.alpha);
+  const bool turned = record.swapXY != 0;
   const Stride stride = strideOf(call, 0, 0);
-  lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
+  lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_, turned);
   if (keepsAlpha_ && !lane_.isForward()) {
     bytes_ = 3;
-    lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_);
+    lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_, turned);
   }
   return true;
 }
@@ -32,7 +33,7 @@ bool RgbSink::copyPixels(const Positions& positions) {
   if (!positions.isDirect()) return false;
   const Source::Plane plane = source_.plane(0);
   const int32_t x = rect_.left + positions.shiftX(), y = rect_.top + positions.shiftY();
-  lane_.take(plane.at(y, bytes_ * x), plane.pitch, rect_.right - rect_.left,
+  lane_.take(plane.at(y, ptrdiff_t{bytes_} * x), plane.pitch, rect_.right - rect_.left,
              rect_.bottom - rect_.top);
   return true;
 }

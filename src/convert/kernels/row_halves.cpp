@@ -72,7 +72,8 @@ bool RowHalves::open(FormatSet from, FormatSet to) {
 void RowHalves::halvePixels() const {
   const simd::SampledRows& rows = simd::sampledRows();
   const Source::Plane plane = source_.plane(0);
-  const int32_t first = bytes_ * columnOf(rect_.left), count = rect_.right - rect_.left;
+  const ptrdiff_t first = ptrdiff_t{bytes_} * columnOf(rect_.left);
+  const int32_t count = rect_.right - rect_.left;
   for (int32_t y = rect_.top; y < rect_.bottom; ++y) {
     const SourcePair place = positions_.row(y);
     (bytes_ == 1 ? rows.halve1 : rows.halve4)(

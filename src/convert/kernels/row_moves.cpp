@@ -15,7 +15,7 @@ struct Samples {
   ptrdiff_t pitch = 0;
   ptrdiff_t step = 0;
 
-  Byte* row(int32_t y) const { return first + pitch * y; }
+  Byte* row(int32_t y) const { return advance(const_cast<uint8_t*>(first), pitch, y); }
   bool hasGaps(int32_t count) const { return pitch != step * count; }
 };
 using SourceSamples = Samples<const uint8_t>;
@@ -81,9 +81,8 @@ bool RowMoves::openLuma(const Call& call, const Source& source) {
   const ptrdiff_t step = record.srcPlane.step[0];
   lumaOffset_ = record.srcPlane.offset[0];
   const Source::Plane plane = source.plane(0);
-  srcY_ = {plane.base + plane.pitch * (rect_.top + shiftY_) + step * (rect_.left + shiftX_) +
-               lumaOffset_,
-           plane.pitch, step};
+  srcY_ = {plane.at(rect_.top + shiftY_, step * (rect_.left + shiftX_) + lumaOffset_), plane.pitch,
+           step};
   if (call.dstPlanes[0] == nullptr) return false;
   dstY_ = {call.dstPlanes[0] + record.dstPlane.offset[0], call.dstPitch[0], record.dstStep[0]};
   return true;
@@ -107,7 +106,7 @@ bool RowMoves::openChroma(const Call& call, const Source& source) {
   const auto samplesOf = [&](int32_t component) {
     const Source::Plane plane = source.plane(component);
     const ptrdiff_t step = record.srcPlane.step[component];
-    return SourceSamples{plane.base + step * column + record.srcPlane.offset[component],
+    return SourceSamples{plane.at(0, step * column + record.srcPlane.offset[component]),
                          plane.pitch, step};
   };
   srcU_ = samplesOf(1);

@@ -10,6 +10,7 @@
 #include "convert/kernels/columns.h"
 #include "convert/kernels/formats.h"
 #include "convert/kernels/sampler.h"
+#include "engine/address.h"
 #include "simd/convert_rows.h"
 #include "simd/rows.h"
 
@@ -49,7 +50,10 @@ class Source {
   struct Plane {
     const uint8_t* base;
     ptrdiff_t pitch;
-    const uint8_t* at(int32_t row, int32_t byte) const { return base + pitch * row + byte; }
+    // As numbers: a band's plane is rebased to the origin of its picture.
+    const uint8_t* at(int32_t row, ptrdiff_t byte) const {
+      return advance(advance(const_cast<uint8_t*>(base), pitch, row), 1, byte);
+    }
   };
   // Of Y or pixels, U, V.
   Plane plane(int32_t component) const { return {plane_[component], pitch_[component]}; }
@@ -97,9 +101,7 @@ class Source {
  private:
   enum class Chroma { none, planes, pairs, apart, groups };
 
-  const uint8_t* rowOf(int32_t plane, int32_t row) const {
-    return plane_[plane] + pitch_[plane] * row;
-  }
+  const uint8_t* rowOf(int32_t plane, int32_t row) const { return this->plane(plane).at(row, 0); }
   void openSamplers();
   // The run's elements of plane 0, nearest or mixed.
   void sample(const SourcePair& row, const Columns& columns, uint8_t* room);

@@ -74,10 +74,9 @@ bool takeTask(McvParallel* engine, McvTask* task) {
 }
 
 // Threads that `tasks` are worth waking for: those that have a processor beside that of the caller.
-// More would only take turns with it.
+// More would only take turns with it. Processors that are off may be on by the time.
 int32_t wantedThreads(const McvParallel& engine, int32_t tasks) {
-  const int32_t processors = engine.cpuFired != 0 ? engine.cpuConfigured : engine.cpuOnline;
-  return std::min(tasks, std::max(processors - 1, 1)) - engine.idle;
+  return std::min(tasks, std::max(engine.cpuConfigured - 1, 1)) - engine.idle;
 }
 
 // How many found a place; the others have no id.
