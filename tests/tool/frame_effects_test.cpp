@@ -129,7 +129,8 @@ TEST_F(FrameEffectsTest, EffectsOfAnotherFormatAreReachedWithoutRgb) {
 TEST_F(FrameEffectsTest, TurnedFramesKeepTheirNewSize) {
   const std::vector<EffectCall> chain = {parseEffect("Fx4400:degrees=90")};
   const PixelFormat& format = pixelFormatByName("bgr24");
-  FrameEffects kept(shapeIn(format), chain, RunOptions());
+  const RunOptions options;
+  FrameEffects kept(shapeIn(format), chain, options);
   for (uint32_t i = 0; i < 2; ++i) {
     const Frame frame = randomFrame(format, 95 + i);
     Progress unseen;
