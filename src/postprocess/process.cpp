@@ -5,6 +5,7 @@
 
 #include "convert/format_decoder.h"
 #include "convert/strip_walk.h"
+#include "convert/wide/puzumpe_all.h"
 #include "engine/address.h"
 #include "postprocess/split.h"
 
@@ -53,12 +54,22 @@ bool hasSmallCells(const ConvRecord& record) {
   return record.dst.klass != convert::kPlanarYuv && record.dst.klass != convert::kPlanarYvu;
 }
 
+// Whether pieces come to other pixels than the whole: by kernels that round their own way, as
+// dither hands its rests on, or where a format counts its chroma cells from the rectangle's first
+// column.
+bool differsInPieces(const ConvRecord& record, const MRect& request, const Piece& inner) {
+  const bool movesCells = record.dst.klass == convert::kYuyv && request.left % 2 != 0;
+  const bool mayBeWide = inner.stage == 2 && convert::wide::mayBeWide(record);
+  return record.dither != 0 || movesCells || mayBeWide;
+}
+
 void runSplit(const PostProcessContext& context, const Planes& planes, const MRect& request) {
-  if (!hasSmallCells(context.stage[0]->record)) {
+  const Piece inner = innerPiece(request, takesWideBlocks(context.stage[2]->record, planes));
+  const ConvRecord& record = context.stage[inner.stage]->record;
+  if (!hasSmallCells(record) || !differsInPieces(record, request, inner)) {
     runStage(*context.stage[0], planes, request);
     return;
   }
-  const Piece inner = innerPiece(request, takesWideBlocks(context.stage[2]->record, planes));
   runStage(*context.stage[inner.stage], planes, inner.rect);
   for (const MRect& margin : marginsOf(request, inner.rect).part) {
     runStage(*context.stage[0], planes, margin);

@@ -8,6 +8,8 @@
 
 #include <hwy/highway.h>
 
+#include <algorithm>
+
 #include "simd/convert_rows.h"
 
 // A target without vectors runs the plain forms.
@@ -157,49 +159,81 @@ void swapPairs(const uint8_t* src, ptrdiff_t pairs, uint8_t* dst) {
   plain::swapPairs(src + 2 * done, pairs - done, dst + 2 * done);
 }
 
-HWY_ALIGN constexpr uint8_t kReversed1[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
-HWY_ALIGN constexpr uint8_t kReversed2[16] = {14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1};
-HWY_ALIGN constexpr uint8_t kReversed4[16] = {12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3};
+// Elements of 1, 2 and 4 bytes in reverse order within words of 8.
+HWY_ALIGN constexpr uint8_t kReversed1[16] = {7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8};
+HWY_ALIGN constexpr uint8_t kReversed2[16] = {6, 7, 4, 5, 2, 3, 0, 1, 14, 15, 12, 13, 10, 11, 8, 9};
+HWY_ALIGN constexpr uint8_t kReversed4[16] = {4, 5, 6, 7, 0, 1, 2, 3, 12, 13, 14, 15, 8, 9, 10, 11};
 
-// Whole blocks from the end of the source; the plain form takes what is left at its beginning.
-template <int kBytes>
-HWY_INLINE ptrdiff_t reverseBlocks(const uint8_t* src, ptrdiff_t count, uint8_t* dst,
-                                   const uint8_t* order) {
-  constexpr ptrdiff_t kLength = 16 / kBytes;
-  const Block d;
-  const auto indices = hn::Load(d, order);
-  const uint8_t* const end = src + count * kBytes;
-  return wholeVectors(count, kLength, [&](ptrdiff_t i) HWY_ATTR {
-    const auto v = hn::LoadU(d, end - (i + kLength) * kBytes);
-    hn::StoreU(hn::TableLookupBytes(v, indices), d, dst + i * kBytes);
+template <class D>
+HWY_INLINE hn::Vec<D> reversed(D d, hn::Vec<D> v, const uint8_t* order) {
+  const hn::Repartition<uint64_t, D> words;
+  const auto turned = hn::BitCast(d, hn::Reverse(words, hn::BitCast(words, v)));
+  return hn::TableLookupBytes(turned, hn::LoadDup128(d, order));
+}
+
+// Calls step(from, to) for whole vectors of `length` elements, of which the last may overlap the
+// one before it. False if there are fewer. Forwards through the source: where rows are turned
+// upside down as well, both pictures are walked through in the order of memory.
+template <class Step>
+HWY_INLINE bool eachReversed(ptrdiff_t length, ptrdiff_t count, const Step& step) {
+  const ptrdiff_t last = count - length;
+  if (last < 0) return false;
+  for (ptrdiff_t next = 0; next < count; next += length) {
+    const ptrdiff_t from = std::min(next, last);
+    step(from, last - from);
+  }
+  return true;
+}
+
+template <ptrdiff_t kBytes, class D>
+HWY_INLINE bool reverseWhole(D d, const uint8_t* src, ptrdiff_t count, uint8_t* dst,
+                             const uint8_t* order) {
+  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(d)) / kBytes;
+  return eachReversed(length, count, [&](ptrdiff_t from, ptrdiff_t to) HWY_ATTR {
+    hn::StoreU(reversed(d, hn::LoadU(d, src + from * kBytes), order), d, dst + to * kBytes);
+  });
+}
+
+template <class D>
+HWY_INLINE bool reverseTriplets(D d, const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
+  const auto length = static_cast<ptrdiff_t>(hn::Lanes(d));
+  return eachReversed(length, count, [&](ptrdiff_t from, ptrdiff_t to) HWY_ATTR {
+    auto v0 = hn::Undefined(d), v1 = v0, v2 = v0;
+    hn::LoadInterleaved3(d, src + 3 * from, v0, v1, v2);
+    hn::StoreInterleaved3(reversed(d, v0, kReversed1), reversed(d, v1, kReversed1),
+                          reversed(d, v2, kReversed1), d, dst + 3 * to);
   });
 }
 
 void reverse1(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const ptrdiff_t done = reverseBlocks<1>(src, count, dst, kReversed1);
-  plain::reverse1(src, count - done, dst + done);
+  const hn::ScalableTag<uint8_t> d;
+  if (!reverseWhole<1>(d, src, count, dst, kReversed1) &&
+      !reverseWhole<1>(Block(), src, count, dst, kReversed1)) {
+    plain::reverse1(src, count, dst);
+  }
 }
 
 void reverse2(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const ptrdiff_t done = reverseBlocks<2>(src, count, dst, kReversed2);
-  plain::reverse2(src, count - done, dst + 2 * done);
+  const hn::ScalableTag<uint8_t> d;
+  if (!reverseWhole<2>(d, src, count, dst, kReversed2) &&
+      !reverseWhole<2>(Block(), src, count, dst, kReversed2)) {
+    plain::reverse2(src, count, dst);
+  }
 }
 
 void reverse3(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const Block d;
-  const auto indices = hn::Load(d, kReversed1);
-  const ptrdiff_t done = wholeVectors(count, 16, [&](ptrdiff_t i) HWY_ATTR {
-    auto v0 = hn::Undefined(d), v1 = v0, v2 = v0;
-    hn::LoadInterleaved3(d, src + (count - i - 16) * 3, v0, v1, v2);
-    hn::StoreInterleaved3(hn::TableLookupBytes(v0, indices), hn::TableLookupBytes(v1, indices),
-                          hn::TableLookupBytes(v2, indices), d, dst + 3 * i);
-  });
-  plain::reverse3(src, count - done, dst + 3 * done);
+  const hn::ScalableTag<uint8_t> d;
+  if (!reverseTriplets(d, src, count, dst) && !reverseTriplets(Block(), src, count, dst)) {
+    plain::reverse3(src, count, dst);
+  }
 }
 
 void reverse4(const uint8_t* src, ptrdiff_t count, uint8_t* dst) {
-  const ptrdiff_t done = reverseBlocks<4>(src, count, dst, kReversed4);
-  plain::reverse4(src, count - done, dst + 4 * done);
+  const hn::ScalableTag<uint8_t> d;
+  if (!reverseWhole<4>(d, src, count, dst, kReversed4) &&
+      !reverseWhole<4>(Block(), src, count, dst, kReversed4)) {
+    plain::reverse4(src, count, dst);
+  }
 }
 
 // One step of a transposition: element i of the first half of the vectors beside element i of the

@@ -43,13 +43,13 @@ struct YuvToRgb {
 // Samples of a picture row, or of two rows that share their chroma, where they stand, and where the
 // pixels go. Luma i is at luma[i * lumaStep], chroma i at u[i * chromaStep] and v[i * chromaStep].
 // Steps are 1 and 1; 1 and 2, where u and v stand side by side; or 2 and 4, where groups of four
-// bytes hold two lumas in turn with a sample of each chroma. All bytes of a pair or group may be
-// read.
+// bytes hold two lumas in turn with a sample of each chroma, which is halved then. All bytes of a
+// pair or group may be read.
 struct YuvRow {
   const uint8_t* luma[2];  // the second null: of one row
   const uint8_t* u;
   const uint8_t* v;
-  bool halved;  // pixel i takes chroma sample i / 2, as it always does in groups, else sample i
+  bool halved;  // pixel i takes chroma sample i / 2, else sample i
   ptrdiff_t lumaStep = 1;
   ptrdiff_t chromaStep = 1;
   uint8_t* dst[2] = {};

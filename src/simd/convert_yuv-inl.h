@@ -199,6 +199,32 @@ struct HalvedPlanes : FullPlanes {
   }
 };
 
+struct FullPairs : FullPlanes {
+  HWY_INLINE FullPairs(const YuvRow& row, bool redFirst)
+      : FullPlanes(row, redFirst), first_(third < first ? 8 : 0), pairs_(std::min(first, third)) {}
+  template <class Order>
+  HWY_INLINE ChromaWords evenChroma(ptrdiff_t i, const Order& order) const {
+    return {evenBytes(order.placed(bytes(i, first_))),
+            evenBytes(order.placed(bytes(i, 8 - first_)))};
+  }
+  template <class Order>
+  HWY_INLINE ChromaWords oddChroma(ptrdiff_t i, const Order& order) const {
+    return {oddBytes(order.placed(bytes(i, first_))), oddBytes(order.placed(bytes(i, 8 - first_)))};
+  }
+
+ private:
+  // Those of each pair that begin at bit `shift`.
+  HWY_INLINE V8 bytes(ptrdiff_t i, int shift) const {
+    const auto at = [shift](const uint8_t* from) HWY_ATTR {
+      return hn::BitCast(D8(), hn::ShiftRightSame(hn::BitCast(D16(), loadBytes(from)), shift));
+    };
+    return hn::ConcatEven(D8(), at(pairs_ + 2 * i + byteLanes()), at(pairs_ + 2 * i));
+  }
+
+  int first_;
+  const uint8_t* pairs_;
+};
+
 struct Pairs : FullPlanes {
   static constexpr bool kHalved = true;
   HWY_INLINE Pairs(const YuvRow& row, bool redFirst)
@@ -335,8 +361,10 @@ HWY_INLINE void convertVectors(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pi
 template <class Store>
 HWY_INLINE void convertVectors(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pixels,
                                const ConvertTask& task) {
-  if (!rows->halved) {
+  if (!rows->halved && rows->chromaStep == 1) {
     convertVectors<FullPlanes, Store>(rows, count, pixels, task);
+  } else if (!rows->halved) {
+    convertVectors<FullPairs, Store>(rows, count, pixels, task);
   } else if (rows->chromaStep == 1) {
     convertVectors<HalvedPlanes, Store>(rows, count, pixels, task);
   } else if (rows->chromaStep == 2) {

@@ -117,17 +117,21 @@ class PixelStore;
 
 #if HWY_TARGET == HWY_AVX3_DL
 
-// Byte t of the vectors that 64 pixels make up is byte (t / kBytes) of channel t % kBytes.
+// Byte t of the vectors that 64 pixels make up is byte (t / kBytes) of channel t % kBytes. Those of
+// the first two channels are looked up in both at once.
 template <size_t kBytes>
 struct PixelPlaces {
   alignas(64) uint8_t place[kBytes * 64] = {};
-  uint64_t mask[kBytes][3] = {};  // of output and channel
+  uint64_t ofTwo[kBytes] = {};  // bytes of an output, and those of the third channel
+  uint64_t ofThird[kBytes] = {};
 
   constexpr PixelPlaces() {
     for (size_t t = 0; t < kBytes * 64; ++t) {
-      const size_t pixel = t / kBytes;
-      place[t] = static_cast<uint8_t>(pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2);
-      if (t % kBytes < 3) mask[t / 64][t % kBytes] |= uint64_t{1} << t % 64;
+      const size_t pixel = t / kBytes, channel = t % kBytes;
+      const size_t packed = pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+      place[t] = static_cast<uint8_t>(packed + (channel == 1 ? 64 : 0));
+      if (channel < 2) ofTwo[t / 64] |= uint64_t{1} << t % 64;
+      if (channel == 2) ofThird[t / 64] |= uint64_t{1} << t % 64;
     }
   }
 };
@@ -139,7 +143,7 @@ template <PixelOrder kOrder, ptrdiff_t kBytes>
 class PixelStore : public GroupsInOrder {
  public:
   explicit HWY_INLINE PixelStore(uint8_t alpha)
-      : rest_(_mm512_set1_epi8(static_cast<char>(alpha))) {}
+      : rest_(_mm512_set1_epi32(static_cast<int32_t>(uint32_t{alpha} << 24))) {}
   HWY_INLINE void operator()(V8 r, V8 g, V8 b, uint8_t* dst) const {
     const V8 first = blueFirst(kOrder) ? b : r, third = blueFirst(kOrder) ? r : b;
     store<0>(first, g, third, dst);
@@ -151,13 +155,16 @@ class PixelStore : public GroupsInOrder {
  private:
   template <size_t kOutput>
   HWY_INLINE void store(V8 c0, V8 c1, V8 c2, uint8_t* dst) const {
-    constexpr const uint64_t(&mask)[3] = kPixelPlaces<kBytes>.mask[kOutput];
-    const __m512i places = _mm512_load_si512(kPixelPlaces<kBytes>.place + 64 * kOutput);
-    __m512i bytes = kBytes == 4 ? _mm512_mask_permutexvar_epi8(rest_, mask[0], places, c0.raw)
-                                : _mm512_maskz_permutexvar_epi8(mask[0], places, c0.raw);
-    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[1], places, c1.raw);
-    bytes = _mm512_mask_permutexvar_epi8(bytes, mask[2], places, c2.raw);
-    _mm512_storeu_si512(dst + 64 * kOutput, bytes);
+    constexpr const PixelPlaces<kBytes>& kPlaces = kPixelPlaces<kBytes>;
+    constexpr uint64_t kTwo = kPlaces.ofTwo[kOutput], kThird = kPlaces.ofThird[kOutput];
+    const __m512i places = _mm512_load_si512(kPlaces.place + 64 * kOutput);
+    const __m512i two = _mm512_maskz_permutex2var_epi8(kTwo, c0.raw, places, c1.raw);
+    if constexpr (kBytes == 3) {
+      storeBytes(V8{_mm512_mask_permutexvar_epi8(two, kThird, places, c2.raw)}, dst + 64 * kOutput);
+    } else {
+      const __m512i third = _mm512_maskz_permutexvar_epi8(kThird, places, c2.raw);
+      storeBytes(hn::Or(V8{two}, hn::Or(V8{third}, V8{rest_})), dst + 64 * kOutput);
+    }
   }
 
   __m512i rest_;

@@ -200,10 +200,11 @@ void down(const uint8_t* top, const uint8_t* bottom, int32_t fraction, ptrdiff_t
   plain::down(top + i, bottom + i, fraction, count - i, keepsFourth, dst + i);
 }
 
-// (a + b) >> 1, cut as the fractions cut.
-HWY_INLINE V8 meanOf(V8 a, V8 b) {
-  const V8 odd = hn::And(hn::Xor(a, b), hn::Set(D8(), uint8_t{1}));
-  return hn::Sub(hn::AverageRound(a, b), odd);
+// Fractions cut, where averages of bytes round up: but those of complements cut.
+HWY_INLINE V8 cutMeanOfFour(V8 a, V8 b, V8 c, V8 d) {
+  const V8 upper = hn::AverageRound(hn::Not(a), hn::Not(b));
+  const V8 lower = hn::AverageRound(hn::Not(c), hn::Not(d));
+  return hn::Not(hn::AverageRound(upper, lower));
 }
 
 // Calls step(i) for all vectors of a row that is halved, the first and the last of them where the
@@ -222,12 +223,13 @@ HWY_INLINE bool halveVectors(const uint8_t* src, ptrdiff_t count, const Step& st
 }
 
 void halve1(const uint8_t* top, const uint8_t* bottom, ptrdiff_t count, uint8_t* dst) {
-  const auto meanAcross = [](const uint8_t* row) HWY_ATTR {
-    const V8 first = loadBytes(row), second = loadBytes(row + byteLanes());
-    return meanOf(hn::ConcatEven(D8(), second, first), hn::ConcatOdd(D8(), second, first));
-  };
+  const D8 d;
   const bool done = halveVectors<1>(top, count, [=](ptrdiff_t i) HWY_ATTR {
-    storeBytes(meanOf(meanAcross(top + 2 * i), meanAcross(bottom + 2 * i)), dst + i);
+    const V8 t0 = loadBytes(top + 2 * i), t1 = loadBytes(top + 2 * i + byteLanes());
+    const V8 b0 = loadBytes(bottom + 2 * i), b1 = loadBytes(bottom + 2 * i + byteLanes());
+    const V8 mean = cutMeanOfFour(hn::ConcatEven(d, t1, t0), hn::ConcatOdd(d, t1, t0),
+                                  hn::ConcatEven(d, b1, b0), hn::ConcatOdd(d, b1, b0));
+    storeBytes(mean, dst + i);
   });
   if (!done) plain::halve1(top, bottom, count, dst);
 }
@@ -236,20 +238,17 @@ void halve1(const uint8_t* top, const uint8_t* bottom, ptrdiff_t count, uint8_t*
 void halve4(const uint8_t* top, const uint8_t* bottom, ptrdiff_t count, uint8_t* dst) {
   const hn::Repartition<uint32_t, D8> d;
   const ptrdiff_t vector = byteLanes();
-  const auto colours = hn::Set(d, 0x00FFFFFFu);
+  const V8 colours = hn::BitCast(D8(), hn::Set(d, 0x00FFFFFFu));
   const auto load = [=](const uint8_t* at) HWY_ATTR { return hn::BitCast(d, loadBytes(at)); };
-  const auto mean = [](hn::Vec<decltype(d)> left, hn::Vec<decltype(d)> right) HWY_ATTR {
-    return meanOf(hn::BitCast(D8(), left), hn::BitCast(D8(), right));
-  };
+  const auto bytes = [](hn::Vec<decltype(d)> v) HWY_ATTR { return hn::BitCast(D8(), v); };
   const bool done = halveVectors<4>(top, count, [=](ptrdiff_t i) HWY_ATTR {
     const auto t0 = load(top + 8 * i), t1 = load(top + 8 * i + vector);
     const auto b0 = load(bottom + 8 * i), b1 = load(bottom + 8 * i + vector);
-    const auto left = hn::ConcatEven(d, t1, t0);
-    const V8 upper = mean(left, hn::ConcatOdd(d, t1, t0));
-    const V8 lower = mean(hn::ConcatEven(d, b1, b0), hn::ConcatOdd(d, b1, b0));
-    const auto mixed = hn::BitCast(d, meanOf(upper, lower));
-    const auto pixels = hn::Or(hn::And(mixed, colours), hn::AndNot(colours, left));
-    storeBytes(hn::BitCast(D8(), pixels), dst + 4 * i);
+    const V8 left = bytes(hn::ConcatEven(d, t1, t0));
+    const V8 mean =
+        cutMeanOfFour(left, bytes(hn::ConcatOdd(d, t1, t0)), bytes(hn::ConcatEven(d, b1, b0)),
+                      bytes(hn::ConcatOdd(d, b1, b0)));
+    storeBytes(hn::Or(hn::And(colours, mean), hn::AndNot(colours, left)), dst + 4 * i);
   });
   if (!done) plain::halve4(top, bottom, count, dst);
 }

@@ -164,5 +164,37 @@ TEST(SplitProcess, LeavesSmallRequestsToTheOthers) {
   EXPECT_FALSE(differs({0, 9, 64, 23}));
 }
 
+// Without a wide middle there is one of blocks of 2x2.
+void expectPieces(uint32_t format, uint32_t dither) {
+  const ConversionPicture src(QPX_FORMAT_NV21, kWidth, kHeight, 1);
+  const auto runAs = [&](uint32_t alignMode, const MRect& rect, ConversionPicture* dst) {
+    PostProcessOption option = optionOf(alignMode);
+    option.palette = dither;
+    const Context context(imageOf(QPX_FORMAT_NV21, kWidth, kHeight),
+                          imageOf(format, kWidth, kHeight), option);
+    ASSERT_EQ(QPX_OK, context.result);
+    ASSERT_EQ(dither, context.handle->stage[0]->record.dither);
+    ASSERT_EQ(QPX_OK, context.run(src, &rect, dst));
+  };
+  ConversionPicture whole(format, kWidth, kHeight, 2);
+  ConversionPicture pieces(whole), split(whole);
+  constexpr MRect kNarrow = {3, 5, 17, 37};
+  runAs(1, kNarrow, &whole);
+  runAs(256, kNarrow, &split);
+  runAs(2, {4, 6, 16, 36}, &pieces);
+  for (const MRect& margin :
+       {MRect{3, 5, 17, 6}, MRect{3, 36, 17, 37}, MRect{3, 6, 4, 36}, MRect{16, 6, 17, 36}}) {
+    runAs(1, margin, &pieces);
+  }
+  EXPECT_TRUE(pieces.sameBytes(split));
+  EXPECT_FALSE(whole.sameBytes(split));
+}
+
+// The rests of dithered pixels are handed on within a piece.
+TEST(SplitProcess, DithersPieceByPiece) { expectPieces(QPX_FORMAT_RGB565, 1); }
+
+// Its cells begin with each piece.
+TEST(SplitProcess, PacksYuyvPieceByPiece) { expectPieces(QPX_FORMAT_YUYV, 0); }
+
 }  // namespace
 }  // namespace qpx::testing

@@ -124,20 +124,24 @@ struct Samples {
         {{a, b}, a + 3, a + 1, true, 2, 4},
         {{a + 1, behind(b, 1)}, a, a + 2, true, 2, 4},
         {{a + 1, behind(b, 1)}, a + 2, a, true, 2, 4},
+        {{a, b}, c, c + 1, false, 1, 2},
+        {{a, b}, c + 1, c, false, 1, 2},
     };
     row = shapes[shape];
   }
-  static constexpr int32_t kShapes = 8;
+  static constexpr int32_t kShapes = 10;
 
   Bytes luma[2], chroma[2];
   YuvRow row;
 
  private:
   static size_t sizeOf(ptrdiff_t pixels, int32_t shape) {
-    return static_cast<size_t>(shape < 4 ? pixels : (pixels + 1) / 2 * 4);
+    const bool isGroups = shape >= 4 && shape < 8;
+    return static_cast<size_t>(isGroups ? (pixels + 1) / 2 * 4 : pixels);
   }
   static size_t chromaSizeOf(ptrdiff_t pixels, int32_t shape) {
     const ptrdiff_t cells = (pixels + 1) / 2;
+    if (shape >= 8) return static_cast<size_t>(2 * pixels);
     return static_cast<size_t>(shape == 0 ? pixels : shape == 1 ? cells : 2 * cells);
   }
 };

@@ -53,6 +53,10 @@ struct Columns {
   int32_t fraction[kRun];
   ChromaColumns chroma;
 
+  // Columns of the source.
+  int32_t first() const { return columnOf(0); }
+  int32_t last() const { return columnOf(count - 1); }
+
   // A run that is asked for again stays as it is.
   void locate(const Positions& positions, int32_t firstX, int32_t pixels);
   // One chroma sample for each pixel, or one for two where they lie so.

@@ -5,19 +5,6 @@
 namespace qpx::convert::fast {
 namespace {
 
-struct ClassFormat {
-  uint32_t klass;
-  FormatSet format;
-};
-
-constexpr ClassFormat kYuvFormats[] = {
-    {kGrey, kInGrey},   {kI420, kInI420}, {kI422V, kInI422V},     {kI422H, kInI422H},
-    {kI444, kInI444},   {kYv12, kInYv12}, {kYv12 + 1, kInYv422V}, {kYv12 + 2, kInYv422H},
-    {kYv444, kInYv444}, {kNv21, kInNv21}, {kNv12, kInNv12},       {kNv61, kInNv61},
-    {kNv16, kInNv16},   {kYuyv, kInYuyv}, {kYvyu, kInYvyu},       {kUyvy, kInUyvy},
-    {kVyuy, kInVyuy},
-};
-
 struct Fields {
   int32_t bits, position;
   bool operator==(const Fields&) const = default;
@@ -37,10 +24,44 @@ FormatSet rgbFormat(uint32_t bits, const Fields& red, const Fields& green, const
 }
 
 FormatSet yuvFormat(uint32_t klass) {
-  for (const ClassFormat& known : kYuvFormats) {
-    if (known.klass == klass) return known.format;
+  switch (klass) {
+    case kGrey:
+      return kInGrey;
+    case kI420:
+      return kInI420;
+    case kI422V:
+      return kInI422V;
+    case kI422H:
+      return kInI422H;
+    case kI444:
+      return kInI444;
+    case kYv12:
+      return kInYv12;
+    case kYv12 + 1:
+      return kInYv422V;
+    case kYv12 + 2:
+      return kInYv422H;
+    case kYv444:
+      return kInYv444;
+    case kNv21:
+      return kInNv21;
+    case kNv12:
+      return kInNv12;
+    case kNv61:
+      return kInNv61;
+    case kNv16:
+      return kInNv16;
+    case kYuyv:
+      return kInYuyv;
+    case kYvyu:
+      return kInYvyu;
+    case kUyvy:
+      return kInUyvy;
+    case kVyuy:
+      return kInVyuy;
+    default:
+      return 0;
   }
-  return 0;
 }
 
 }  // namespace

@@ -15,13 +15,14 @@ using Kernel = void (*)(QPX_CONVERT_KERNEL_ARGUMENTS);
 using SubsampledKernel = int32_t (*)(QPX_CONVERT_SUBSAMPLED_ARGUMENTS);
 using PairedKernel = int32_t (*)(QPX_CONVERT_PAIRED_ARGUMENTS);
 
-struct Entry {
-  Kernel kernel;
+template <typename Function>
+struct Line {
+  Function kernel;
   Member member;
 };
+using Entry = Line<Kernel>;
 
 #define QPX_ENTRY(name, ...) {name, {__VA_ARGS__}},
-#define QPX_NAME(name, ...) name,
 
 constexpr Entry kRgb24Kernels[] = {QPX_RGB24_KERNELS(QPX_ENTRY)};
 constexpr Entry kRgb16Kernels[] = {QPX_RGB16_KERNELS(QPX_ENTRY)};
@@ -33,8 +34,8 @@ constexpr Entry kYuvRgb32Kernels[] = {QPX_YUV_RGB32_KERNELS(QPX_ENTRY)};
 constexpr Entry kYuyvRgb32Kernels[] = {QPX_YUYV_RGB32_KERNELS(QPX_ENTRY)};
 constexpr Entry kRgb32Kernels[] = {QPX_RGB32_KERNELS(QPX_ENTRY)};
 constexpr Entry kGreyKernels[] = {QPX_GREY_KERNELS(QPX_ENTRY)};
-constexpr SubsampledKernel kSubsampledKernels[] = {QPX_SUBSAMPLED_KERNELS(QPX_NAME)};
-constexpr PairedKernel kPairedKernels[] = {QPX_PAIRED_KERNELS(QPX_NAME)};
+constexpr Line<SubsampledKernel> kSubsampledKernels[] = {QPX_SUBSAMPLED_KERNELS(QPX_ENTRY)};
+constexpr Line<PairedKernel> kPairedKernels[] = {QPX_PAIRED_KERNELS(QPX_ENTRY)};
 
 bool involves(const ConvRecord& record, FormatSet formats) {
   return ((sourceFormat(record) | destinationFormat(record)) & formats) != 0;
@@ -44,8 +45,9 @@ bool involves(const ConvRecord& record, FormatSet formats) {
 int32_t pick(std::span<const Entry> entries, const Pictures& pictures, const ConvRecord& record) {
   const MRect& rect = *pictures.rect;
   if (!isInDestination(rect, record)) return QPX_UNSUPPORTED;
+  const Work work = workOf(record);
   for (const Entry& entry : entries) {
-    if (!takes(entry.member, record) || !suits(entry.member, record, rect)) continue;
+    if (!takes(entry.member, work) || !suits(entry.member, record, rect)) continue;
     const Steps steps = stepsOf(record, rect);
     const bool fromRgb = record.src.klass == kRgb;
     const int32_t subX = fromRgb ? record.dstSubX[1] : record.srcSubX[1];
@@ -58,8 +60,9 @@ int32_t pick(std::span<const Entry> entries, const Pictures& pictures, const Con
   return QPX_UNSUPPORTED;
 }
 
-int32_t trySubsampled(const Pictures& pictures, const ConvRecord& record) {
-  for (const SubsampledKernel kernel : kSubsampledKernels) {
+int32_t trySubsampled(const Pictures& pictures, const ConvRecord& record, const Work& work) {
+  for (const auto& [kernel, member] : kSubsampledKernels) {
+    if (!takes(member, work)) continue;
     const int32_t result = kernel(pictures.rect, pictures.srcPlanes, pictures.dstPlanes,
                                   pictures.srcPitch, pictures.dstPitch, record.srcSubX,
                                   record.srcSubY, record.dstSubX, record.dstSubY, &record);
@@ -68,9 +71,10 @@ int32_t trySubsampled(const Pictures& pictures, const ConvRecord& record) {
   return QPX_UNSUPPORTED;
 }
 
-int32_t tryPaired(const Pictures& pictures, const ConvRecord& record) {
-  const int32_t isNV21 = (destinationFormat(record) & (kInNv21 | kInNv61)) != 0 ? 1 : 0;
-  for (const PairedKernel kernel : kPairedKernels) {
+int32_t tryPaired(const Pictures& pictures, const ConvRecord& record, const Work& work) {
+  const int32_t isNV21 = (work.to & (kInNv21 | kInNv61)) != 0 ? 1 : 0;
+  for (const auto& [kernel, member] : kPairedKernels) {
+    if (!takes(member, work)) continue;
     const int32_t result = kernel(pictures.rect, pictures.srcPlanes, pictures.dstPlanes,
                                   pictures.srcPitch, pictures.dstPitch, isNV21, &record);
     if (result != QPX_UNSUPPORTED) return result;
@@ -99,7 +103,7 @@ int32_t runTurned(const TurnedMember& member, const Pictures& pictures, const Co
   const ConvRecord changed = resampledAs(member.sampling, *record);
   const Member whole = {kInI420,        member.to, Order::any,  member.sampling,
                         member.orients, 1,         Dither::none};
-  if (record->blockMode != 3 || !takes(whole, changed) || !isInDestination(rect, changed)) {
+  if (record->blockMode != 3 || !takes(whole, workOf(changed)) || !isInDestination(rect, changed)) {
     return QPX_UNSUPPORTED;
   }
   const Steps steps = stepsOf(changed, rect);
@@ -125,8 +129,9 @@ int32_t YUV2YUV_Fast(QPX_CONVERT_FRAME_ARGUMENTS) {
   const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
   if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
   if (record->useLut != 0 || record->convKind != 0) return QPX_UNSUPPORTED;
-  const int32_t result = trySubsampled(pictures, *record);
-  return result != QPX_UNSUPPORTED ? result : tryPaired(pictures, *record);
+  const Work work = workOf(*record);
+  const int32_t result = trySubsampled(pictures, *record, work);
+  return result != QPX_UNSUPPORTED ? result : tryPaired(pictures, *record, work);
 }
 
 int32_t ANY_ANY_C_FAST_R5G6B5(QPX_CONVERT_FRAME_ARGUMENTS) {

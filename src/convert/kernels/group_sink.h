@@ -13,6 +13,7 @@ class GroupSink {
   bool open(const Call& call, FormatSet from, const CellGrid& cells);
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
+  void expect(const SourcePair& place) const { maker_.expect(place); }
   void row(int32_t index, int32_t y, const SourcePair& place);
   void end(int32_t rows);
 

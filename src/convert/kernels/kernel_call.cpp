@@ -22,7 +22,7 @@ int32_t convertByRecord(const Pictures& pictures, const ConvRecord& record) {
 
 // Rectangle, block, and that no colour table is in use: what a kernel of YUV2YUV_Fast asks for.
 bool ownsCall(const Member& member, const MRect& rect, const ConvRecord& record) {
-  return record.useLut == 0 && takes(member, record) && suits(member, record, rect) &&
+  return record.useLut == 0 && takes(member, workOf(record)) && suits(member, record, rect) &&
          isInDestination(rect, record);
 }
 
@@ -62,7 +62,7 @@ Steps stepsOf(const ConvRecord& record, const MRect& rect) {
 
 bool runKernel(const Member& member, const Pictures& pictures, const Steps& steps,
                const ConvRecord* record) {
-  if (!isComplete(pictures, record) || !takes(member, *record) ||
+  if (!isComplete(pictures, record) || !takes(member, workOf(*record)) ||
       !isInDestination(*pictures.rect, *record) || steps.stepX != record->stepX ||
       steps.stepY != record->stepY) {
     return false;

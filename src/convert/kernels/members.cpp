@@ -7,11 +7,9 @@ namespace {
 
 constexpr FormatSet kVFirst = kInYv12 | kInYv422V | kInYv422H | kInYv444 | kInNv21 | kInNv61;
 
-bool isInOrder(Order order, FormatSet from, FormatSet to) {
-  if (order == Order::any) return true;
-  const FormatSet reversed = kInRedFirst | kVFirst;
-  const bool same = ((from & reversed) != 0) == ((to & reversed) != 0);
-  return same == (order == Order::same);
+Order orderOf(FormatSet from, FormatSet to) {
+  constexpr FormatSet kReversed = kInRedFirst | kVFirst;
+  return ((from & kReversed) != 0) == ((to & kReversed) != 0) ? Order::same : Order::other;
 }
 
 SamplingSet samplingOf(const ConvRecord& record) {
@@ -42,11 +40,10 @@ bool keepsDither(const Member& member, const ConvRecord& record) {
 
 }  // namespace
 
-bool takes(const Member& member, const ConvRecord& record) {
+Work workOf(const ConvRecord& record) {
+  if (!canConvert(record)) return {};
   const FormatSet from = sourceFormat(record), to = destinationFormat(record);
-  return (member.from & from) != 0 && (member.to & to) != 0 && isInOrder(member.order, from, to) &&
-         (member.sampling & samplingOf(record)) != 0 && (member.orients & orientOf(record)) != 0 &&
-         canConvert(record);
+  return {from, to, orderOf(from, to), samplingOf(record), orientOf(record)};
 }
 
 bool suits(const Member& member, const ConvRecord& record, const MRect& rect) {

@@ -44,8 +44,23 @@ struct Member {
   Dither dither;
 };
 
-// Whether the record's conversion is one of the member's.
-bool takes(const Member& member, const ConvRecord& record);
+// What lines tell conversions apart by. Without formats, and no line's, where the record's do not
+// make up a conversion.
+struct Work {
+  FormatSet from = 0;
+  FormatSet to = 0;
+  Order order = Order::any;
+  SamplingSet sampling = 0;
+  OrientSet orient = 0;
+};
+Work workOf(const ConvRecord& record);
+
+// Whether it is one of the member's.
+constexpr bool takes(const Member& member, const Work& work) {
+  return (member.from & work.from) != 0 && (member.to & work.to) != 0 &&
+         (member.sampling & work.sampling) != 0 && (member.orients & work.orient) != 0 &&
+         (member.order == Order::any || member.order == work.order);
+}
 
 // Whether a frame may hand the rectangle to the member: its block, and that neither the dither that
 // the record asks for is dropped nor one that only this kernel does is taken up.

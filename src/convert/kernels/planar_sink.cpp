@@ -30,7 +30,6 @@ void YuvMaker::begin(const Positions& positions, int32_t x, int32_t count, const
 
 void YuvMaker::load(const SourcePair& place) {
   place_ = place;
-  source_.fetchAhead(place, columns_);
   if (!source_.isRgb()) return;
   pixels_ = source_.pixels(place, columns_, pixelRoom_);
   if (pixels_.bytes != 2) return;

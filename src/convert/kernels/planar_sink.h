@@ -20,6 +20,7 @@ class YuvMaker {
   const Columns& columns() const { return columns_; }
   bool copies() const { return !source_.isRgb() && lut_.luma == nullptr; }
 
+  void expect(const SourcePair& place) const { source_.fetch(place, columns_); }
   // The row whose luma and chroma are asked for next.
   void load(const SourcePair& place);
   const uint8_t* luma(uint8_t* room);
@@ -57,6 +58,7 @@ class PlanarSink {
   bool needsNoRooms(const Positions& positions) const;
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
+  void expect(const SourcePair& place) const { maker_.expect(place); }
   void row(int32_t index, int32_t y, const SourcePair& place);
   void end(int32_t rows);
 

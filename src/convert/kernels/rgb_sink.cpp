@@ -1,7 +1,5 @@
 #include "convert/kernels/rgb_sink.h"
 
-#include "convert/kernels/tables.h"
-
 namespace qpx::convert::fast {
 
 Stride strideOf(const Call& call, int32_t component, int32_t plane) {
@@ -13,12 +11,11 @@ bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
   if (call.dstPlanes[0] == nullptr || !source_.open(call, from)) return false;
   const ConvRecord& record = *call.record;
   rows_ = &simd::convertRows();
-  if (!source_.isRgb()) tables_ = yuvToRgbOf(record);
+  if (!source_.isRgb()) pixels_.open(record, to);
   rect_ = call.rect;
   bytes_ = pixelBytes(to);
   keepsAlpha_ = bytes_ == 4 && (from & (kIn24 | kIn16)) != 0;
   redFirst_ = (to & kInRedFirst) != 0;
-  alpha_ = static_cast<uint8_t>(record.alpha);
   const bool turned = record.swapXY != 0;
   const Stride stride = strideOf(call, 0, 0);
   lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_, turned);
@@ -51,7 +48,6 @@ void RgbSink::begin(const Positions& positions, int32_t x, int32_t count, int32_
 }
 
 void RgbSink::row(int32_t index, int32_t, const SourcePair& place) {
-  source_.fetchAhead(place, columns_);
   places_[index] = place;
   if (source_.isRgb()) {
     fromRgb(index);
@@ -94,19 +90,9 @@ void RgbSink::fromYuv(int32_t first, int32_t end) {
     for (int32_t line = 0; line < lines; ++line) row.dst[line] = lane_.room(i + line);
     i += lines;
     if (together && i < end) continue;
-    convertYuv(made, count);
+    pixels_.convert(made, count, columns_.count);
     count = 0;
     for (; delivered < i; ++delivered) lane_.put(delivered, lane_.room(delivered));
-  }
-}
-
-void RgbSink::convertYuv(const simd::YuvRow* rows, int32_t count) const {
-  if (bytes_ == 2) {
-    rows_->yuvToRgb16(rows, count, columns_.count, tables_, redFirst_);
-  } else if (bytes_ == 3) {
-    rows_->yuvToRgb24(rows, count, columns_.count, tables_, redFirst_);
-  } else {
-    rows_->yuvToRgb32(rows, count, columns_.count, tables_, redFirst_, alpha_);
   }
 }
 

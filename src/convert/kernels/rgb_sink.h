@@ -4,6 +4,7 @@
 #include "convert/kernels/lane.h"
 #include "convert/kernels/source.h"
 #include "convert/kernels/walk.h"
+#include "convert/kernels/yuv_pixels.h"
 
 namespace qpx::convert::fast {
 
@@ -19,24 +20,23 @@ class RgbSink {
   bool needsNoRooms(const Positions& positions) const;
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
+  void expect(const SourcePair& place) const { source_.fetch(place, columns_); }
   void row(int32_t index, int32_t y, const SourcePair& place);
   void end(int32_t rows);
 
  private:
   void fromYuv(int32_t first, int32_t end);
   int32_t linesTogether(int32_t index, int32_t end) const;
-  void convertYuv(const simd::YuvRow* rows, int32_t count) const;
   void fromRgb(int32_t index);
   void reorder(const PixelRow& row, uint8_t* room) const;
 
   Source source_;
   const simd::ConvertRows* rows_;
-  simd::YuvToRgb tables_;
+  YuvPixels pixels_;  // of a YUV source
   MRect rect_;
   int32_t bytes_;    // of a stored pixel
   bool keepsAlpha_;  // the fourth byte of the destination is not written
   bool redFirst_;
-  uint8_t alpha_;
   Columns columns_;
   SourcePair places_[kBandRows];
   Lane lane_;

@@ -8,8 +8,8 @@
 
 namespace qpx::convert::fast {
 
-// Halves the rectangle: of pixels of 32 bits, grey or planes that keep their format, not turned.
-// Returns false where it is more than that: then nothing was written.
+// Halves the rectangle, not turned: of pixels of 32 bits, grey or planes that keep their format, or
+// from halved chroma to RGB. Returns false where it is more than that: then nothing was written.
 bool halveRows(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells);
 
 }  // namespace qpx::convert::fast

@@ -11,16 +11,10 @@ namespace {
 
 constexpr uint8_t kNoColour = 128;
 
-// As many rows as memory takes to answer, and half of it for chroma.
-constexpr int32_t kRowsAhead = 16;
-
 // The address may lie behind the picture.
-void fetch(const uint8_t* row, ptrdiff_t pitch, int32_t rows, ptrdiff_t begin, ptrdiff_t bytes) {
+void fetchBytes(const Source::Plane& plane, int32_t row, ptrdiff_t begin, ptrdiff_t end) {
   constexpr ptrdiff_t kLine = 64;
-  auto* const plane = const_cast<uint8_t*>(row);
-  for (ptrdiff_t i = begin; i < begin + bytes + kLine; i += kLine) {
-    __builtin_prefetch(advance(advance(plane, pitch, rows), i, 1));
-  }
+  for (ptrdiff_t i = begin; i < end + kLine; i += kLine) __builtin_prefetch(plane.at(row, i));
 }
 
 }  // namespace
@@ -29,7 +23,6 @@ bool Source::open(const Call& call, FormatSet format) {
   const ConvRecord& record = *call.record;
   rows_ = &simd::rows();
   format_ = format;
-  turned_ = record.swapXY != 0;
   bilinear_ = record.bilinearY != 0;
   shiftX_ = record.srcSubX[1] - 1;
   shiftY_ = record.srcSubY[1] - 1;
@@ -201,17 +194,21 @@ bool Source::needsNoRooms(const Positions& positions, int32_t start) const {
   return wholeCells && hasReadyChroma();
 }
 
-void Source::fetchAhead(const SourcePair& row, const Columns& columns) const {
-  if (!turned_ || !columns.direct) return;
+void Source::fetch(const SourcePair& rows, const Columns& columns) const {
   const ptrdiff_t bytes = isRgb() ? pixelBytes(format_) : chroma_ == Chroma::groups ? 2 : 1;
-  fetch(rowOf(0, row.first), pitch_[0], kRowsAhead, bytes * columns.start, bytes * columns.count);
-  const bool startsCell = ((row.first >> shiftY_) << shiftY_) == row.first;
-  if (!startsCell || (chroma_ != Chroma::pairs && chroma_ != Chroma::planes)) return;
-  const ptrdiff_t step = chroma_ == Chroma::pairs ? 2 : 1;
-  for (int32_t c = 1; c <= (chroma_ == Chroma::pairs ? 1 : 2); ++c) {
-    fetch(rowOf(c, row.first >> shiftY_), pitch_[c], kRowsAhead >> shiftY_,
-          step * (columns.start >> shiftX_), step * (columns.count >> shiftX_));
-  }
+  const ptrdiff_t begin = bytes * columns.first(), end = bytes * (columns.last() + 1);
+  fetchBytes(plane(0), rows.first, begin, end);
+  if (rows.second != rows.first) fetchBytes(plane(0), rows.second, begin, end);
+  const bool startsCell = ((rows.first >> shiftY_) << shiftY_) == rows.first;
+  if (startsCell && (hasPairs() || hasPlanes())) fetchChroma(rows.first >> shiftY_, columns);
+}
+
+void Source::fetchChroma(int32_t row, const Columns& columns) const {
+  const ptrdiff_t step = hasPairs() ? 2 : 1;
+  const ptrdiff_t begin = step * (columns.first() >> shiftX_);
+  const ptrdiff_t end = step * ((columns.last() >> shiftX_) + 1);
+  fetchBytes(plane(1), row, begin, end);
+  if (hasPlanes()) fetchBytes(plane(2), row, begin, end);
 }
 
 PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) {

@@ -87,9 +87,8 @@ class Source {
   // they are.
   bool needsNoRooms(const Positions& positions, int32_t start) const;
 
-  // Asks memory for the columns of a row that follows `row`, where a picture is turned: runs are
-  // short then and lie below each other.
-  void fetchAhead(const SourcePair& row, const Columns& columns) const;
+  // Asks memory for the columns of rows that will be wanted.
+  void fetch(const SourcePair& rows, const Columns& columns) const;
 
   // Bytes of a pixel as it is returned: those of the format, or 3 where 16-bit pixels are blended.
   int32_t bytesOf(const Columns& columns) const {
@@ -107,6 +106,7 @@ class Source {
   void sample(const SourcePair& row, const Columns& columns, uint8_t* room);
   void sampleChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room);
   bool hasReadyChroma() const { return chroma_ != Chroma::none && chroma_ != Chroma::apart; }
+  void fetchChroma(int32_t row, const Columns& columns) const;
   void groupsAt(const SourcePair& row, const Columns& columns, simd::YuvRow* made) const;
   const uint8_t* packedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
   ChromaRow groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,
@@ -116,7 +116,6 @@ class Source {
 
   const simd::Rows* rows_;
   FormatSet format_;
-  bool turned_;
   bool bilinear_;
   Chroma chroma_;
   const uint8_t* plane_[3];

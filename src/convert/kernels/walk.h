@@ -20,20 +20,28 @@ inline CellGrid cellsOf(const ConvRecord& record, const MRect& rect, bool counts
           Cells(record.dstSubY[1] - 1, odd(frameY(record)))};
 }
 
+// As many rows as memory takes to answer.
+inline constexpr int32_t kRowsAhead = 16;
+
 // The rectangle in bands of rows and runs of columns, at most `run` pixels long. A sink is told of
 // a run in a band, begin(columns, y), then of each of its rows, row(index, y, place), and that was
-// all, end(rows).
+// all, end(rows). Where a picture is turned, runs are short and lie below each other: it is told of
+// rows to come, expect(place).
 template <typename Sink>
 void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const Positions positions(call);
   const MRect& rect = call.rect;
   const auto runEnd = [&](int32_t left) { return cells.x.runEnd(left, run, rect.right); };
+  const bool isTurned = call.record->swapXY != 0;
   const auto walkBand = [&](int32_t left, int32_t top, int32_t bottom) {
     sink->begin(positions, left, runEnd(left) - left, top);
-    for (int32_t y = top; y < bottom; ++y) sink->row(y - top, y, positions.row(y));
+    for (int32_t y = top; y < bottom; ++y) {
+      if (isTurned && positions.isDirect()) sink->expect(positions.row(y + kRowsAhead));
+      sink->row(y - top, y, positions.row(y));
+    }
     sink->end(bottom - top);
   };
-  if (!positions.isDirect() || call.record->swapXY != 0) {
+  if (!positions.isDirect() || isTurned) {
     // What is found out about columns serves all of their rows; tiles are as high as can be.
     for (int32_t left = rect.left; left < rect.right; left = runEnd(left)) {
       for (int32_t top = rect.top, bottom; top < rect.bottom; top = bottom) {

@@ -1,4 +1,4 @@
-// Which wide kernel a record gets, if any.
+#include "convert/wide/puzumpe_all.h"
 
 #include <qpx/convert_wide.h>
 
@@ -110,19 +110,24 @@ bool turnsNv21(const ConvRecord& record) {
          record.dst.klass == kRgb && record.dst.colour == 32 && isBgr(record);
 }
 
-Kernel kernelFor(const MRect& rect, const ConvRecord& record) {
-  if (record.blockMode != kBlocksOf4 || !isPlain(record) || !hasWholeBlocks(rect) ||
-      !fast::isInDestination(rect, record)) {
-    return nullptr;
-  }
+// For rectangles that it takes.
+Kernel kernelFor(const ConvRecord& record) {
+  if (record.blockMode != kBlocksOf4 || !isPlain(record)) return nullptr;
   if (turnsNv21(record)) return PUZUMPE_NV21toBGR32_Fast_BilNear_R90;
   if (record.params.orient != 0) return nullptr;
   if (record.bilinearY != 0) return resampled(record);
-  if (record.isUnit == 0 || record.convKind != 1 || !liesInSource(rect, record)) return nullptr;
-  return toPixels(record);
+  return record.isUnit != 0 && record.convKind == 1 ? toPixels(record) : nullptr;
+}
+
+bool takesRect(const MRect& rect, const ConvRecord& record) {
+  return hasWholeBlocks(rect) && fast::isInDestination(rect, record) &&
+         (record.bilinearY != 0 || liesInSource(rect, record));
 }
 
 }  // namespace
+
+bool mayBeWide(const ConvRecord& record) { return kernelFor(record) != nullptr; }
+
 }  // namespace qpx::convert::wide
 
 int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* srcPitch,
@@ -131,8 +136,8 @@ int32_t PUZUMPE_ALL(const MRect* rect, const int32_t* dstPitch, const int32_t* s
   using namespace qpx::convert::wide;
   const WideCall call = {rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record};
   if (!call.isComplete()) return QPX_BAD_PARAM;
-  const Kernel kernel = kernelFor(*rect, *record);
-  if (kernel == nullptr) return QPX_UNSUPPORTED;
+  const Kernel kernel = kernelFor(*record);
+  if (kernel == nullptr || !takesRect(*rect, *record)) return QPX_UNSUPPORTED;
   kernel(rect, dstPitch, srcPitch, dstPlanes, srcPlanes, record);
   return QPX_OK;
 }

@@ -52,7 +52,7 @@ const FrameLines* frameOf(const std::string& name) {
 
 const char* firstOf(const FrameLines& frame, const ConvRecord& record, const MRect& rect) {
   for (const Line& line : frame.lines) {
-    if (takes(line.member, record) && suits(line.member, record, rect)) return line.name;
+    if (takes(line.member, workOf(record)) && suits(line.member, record, rect)) return line.name;
   }
   return "";
 }

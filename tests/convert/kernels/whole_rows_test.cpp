@@ -74,6 +74,29 @@ TEST(ConvertWholeRows, HalvesEqualTheGeneralPath) {
   }
 }
 
+// Chroma of half the columns has a sample for each pixel of half the size.
+TEST(ConvertWholeRows, HalvesToRgbEqualTheGeneralPath) {
+  Random random(85);
+  uint64_t seed = 1200;
+  for (const uint32_t from :
+       {uint32_t{QPX_FORMAT_NV21}, uint32_t{QPX_FORMAT_NV12}, uint32_t{QPX_FORMAT_I420},
+        uint32_t{0x70000004}, uint32_t{QPX_FORMAT_I422}, uint32_t{QPX_FORMAT_I440},
+        uint32_t{QPX_FORMAT_I444}, uint32_t{QPX_FORMAT_YUYV}, uint32_t{QPX_FORMAT_GREY8}}) {
+    for (const uint32_t to :
+         {uint32_t{QPX_FORMAT_BGR24}, uint32_t{QPX_FORMAT_RGBA32}, uint32_t{QPX_FORMAT_RGB565}}) {
+      for (int32_t i = 0; i < 8; ++i) {
+        const int32_t width = random.between(1, i == 0 ? 4500 : 330), height = random.between(1, 6);
+        Conversion c = {from, to, 2 * width, 2 * height, width, height, {}};
+        c.params.interp = i % 5 == 4 ? 1 : 2;
+        c.params.orient = i % 3 == 2 ? static_cast<uint32_t>(random.between(0, 7)) : 0;
+        if (c.turns()) std::swap(c.dstWidth, c.dstHeight);
+        if (i > 3) place(random, &c);
+        ASSERT_NO_FATAL_FAILURE(expectGeneral(c, random, ++seed));
+      }
+    }
+  }
+}
+
 Conversion wideConversion(uint32_t from, uint32_t to, Random& random) {
   Conversion c = {from,
                   to,
