@@ -10,20 +10,20 @@ namespace {
 constexpr uint32_t kColourBits = 0x3000;
 constexpr uint32_t kColours[4] = {kBt601Video, kBt601Full, kBt709Video, kBt709Full};
 
-struct YuvLayout {
+struct ClassOfWord {
   uint32_t word;  // without its colour bits
   uint32_t klass;
 };
 
 // The packed orders are numbered from YVYU, the words from YUYV.
-constexpr YuvLayout kLayouts[] = {
+constexpr ClassOfWord kLayouts[] = {
     {0x50000010, kYuyv},          {0x50000210, kYvyu},          {0x50000410, kUyvy},
     {0x50000610, kVyuy},          {0x50000110, kYuyv + 16},     {0x50000310, kYvyu + 16},
     {0x50000510, kUyvy + 16},     {0x50000710, kVyuy + 16},     {0x50000000, kPacked444},
     {0x50000200, kPacked444 + 1}, {0x50000400, kPacked444 + 2}, {0x50000600, kPacked444 + 3},
     {0x50000500, kPacked444 + 4}, {0x50000700, kPacked444 + 5}, {0x50000811, kI420},
     {0x50000801, kI422V},         {0x50000810, kI422H},         {0x50000800, kI444},
-    {0x50000A11, kYv12},          {0x50000A01, kYv12 + 1},      {0x50000A10, kYv12 + 2},
+    {0x50000A11, kYv12},          {0x50000A01, kYv422V},        {0x50000A10, kYv422H},
     {0x50000A00, kYv444},         {0x64000000, kGrey},          {0x70000002, kNv21},
     {0x70000003, kNv12},          {0x70000004, kNv61},          {0x70000005, kNv16},
     {0x70000008, kPacked422In16}, {0x70000009, kPacked444In32},
@@ -31,7 +31,7 @@ constexpr YuvLayout kLayouts[] = {
 
 // Class of a YUV or grey word, or 0.
 uint32_t yuvClass(uint32_t word) {
-  for (const YuvLayout& layout : kLayouts) {
+  for (const ClassOfWord& layout : kLayouts) {
     if (layout.word == word) return layout.klass;
   }
   if ((word & ~0xFFu) == 0x50000800) return kPlanarYuv;

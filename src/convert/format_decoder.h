@@ -19,6 +19,8 @@ inline constexpr uint32_t kPacked444 = 576;  // 576 to 581: YUV, YVU, UVY, VUY, 
 inline constexpr uint32_t kGrey = 640;
 inline constexpr uint32_t kPlanarYvu = 768;  // any subsampling
 inline constexpr uint32_t kYv12 = 769;
+inline constexpr uint32_t kYv422V = 770;
+inline constexpr uint32_t kYv422H = 771;
 inline constexpr uint32_t kYv444 = 772;
 inline constexpr uint32_t kPlanarYuv = 1024;  // any subsampling
 inline constexpr uint32_t kI420 = 1025;
@@ -38,6 +40,25 @@ inline constexpr uint32_t kBt601Full = 0x10002;
 inline constexpr uint32_t kBt709Video = 0x20001;
 inline constexpr uint32_t kBt709Full = 0x20002;
 
+constexpr bool isVideoRange(uint32_t colour) { return (colour & 1) != 0; }
+constexpr bool isFullRange(uint32_t colour) { return (colour & 2) != 0; }
+
+// Kinds of conversion, ConvRecord::convKind.
+inline constexpr uint32_t kYuvToYuv = 0;
+inline constexpr uint32_t kYuvToRgb = 1;
+inline constexpr uint32_t kRgbToRgb = 2;
+inline constexpr uint32_t kRgbToYuv = 3;
+
+constexpr uint32_t kindOf(bool fromRgb, bool toRgb) {
+  if (fromRgb) return toRgb ? kRgbToRgb : kRgbToYuv;
+  return toRgb ? kYuvToRgb : kYuvToYuv;
+}
+
+// Chroma divisors are the format's own.
+constexpr bool isGenericPlanar(uint32_t klass) {
+  return klass == kPlanarYvu || klass == kPlanarYuv;
+}
+
 constexpr bool swapsLumas(uint32_t klass) { return klass >= kSwappedYvyu && klass <= kSwappedVyuy; }
 
 // The second plane holds V and the third U.
@@ -46,6 +67,12 @@ constexpr bool hasVBeforeU(uint32_t klass) { return klass >= kPlanarYvu && klass
 // Indexes of the planes that hold U and V.
 constexpr int32_t planeOfU(uint32_t klass) { return hasVBeforeU(klass) ? 2 : 1; }
 constexpr int32_t planeOfV(uint32_t klass) { return hasVBeforeU(klass) ? 1 : 2; }
+
+// The plane that holds component 0, 1 or 2: Y or pixels, U, V.
+inline int32_t planeOf(const ConvPlanes& planes, int32_t component) {
+  if (planes.count == 1 || component == 0) return 0;
+  return component == 1 ? planeOfU(planes.klass) : planeOfV(planes.klass);
+}
 
 // Everything that one side of a conversion is described by.
 struct DecodedFormat {

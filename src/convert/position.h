@@ -11,6 +11,13 @@
 
 namespace qpx::convert {
 
+// 1 and 1/2 in 16.16.
+inline constexpr int32_t kFixedOne = 0x10000;
+inline constexpr int32_t kFixedHalf = 0x8000;
+
+// a / b, cut towards the lesser number, for b above 0.
+constexpr int64_t floorDivide(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
+
 // A pair of neighbouring rows or columns, and how far the position lies from the first to the
 // second, 0..65535. Nearest sampling takes the first; its fraction is 0.
 struct SourcePair {
@@ -21,9 +28,9 @@ struct SourcePair {
 
 // Bilinear: pixel centres map to pixel centres. Nearest: the left edge of the source cell.
 inline int64_t sourcePosition(int32_t origin, uint32_t step, int32_t distance, bool bilinear) {
-  const int64_t start = int64_t{origin} * 65536;
+  const int64_t start = int64_t{origin} * kFixedOne;
   if (!bilinear) return start + int64_t{step} * distance;
-  return start - 32768 + int64_t{step} * (int64_t{distance} + 1) - step / 2;
+  return start - kFixedHalf + int64_t{step} * (int64_t{distance} + 1) - step / 2;
 }
 
 inline int64_t sourceXOf(const ConvRecord& record, int32_t x) {
@@ -58,7 +65,7 @@ inline SourcePair sourceRow(const ConvRecord& record, int32_t y) {
 
 // `fraction` of the way from a to b, truncated.
 constexpr int32_t between(int32_t a, int32_t b, int32_t fraction) {
-  return (a * 65536 + fraction * (b - a)) >> 16;
+  return (a * kFixedOne + fraction * (b - a)) >> 16;
 }
 
 // The unrotated frame and the destination. An axis of the frame runs along X of the destination, or
@@ -68,7 +75,7 @@ struct FrameAxis {
   int32_t extent;
   bool mirrored;
 
-  // There and back again: of one pixel.
+  // From the destination to the frame and back: its own inverse.
   constexpr int32_t across(int32_t coordinate) const {
     return mirrored ? origin + (origin + (extent - 1) - coordinate) : coordinate;
   }

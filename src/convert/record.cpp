@@ -6,12 +6,11 @@
 #include <utility>
 
 #include "convert/format_decoder.h"
+#include "convert/position.h"
 #include "convert/tables.h"
 
 namespace qpx::convert {
 namespace {
-
-constexpr uint32_t kOne = 65536;
 
 bool isValidSide(const Side& side, int32_t x, int32_t y) {
   return side.width > 0 && side.height > 0 && x >= 0 && y >= 0 &&
@@ -87,7 +86,7 @@ void takeFormats(const DecodedFormat& dst, const DecodedFormat& src, ConvRecord*
 
 // How much of `to` one of `from` is, 16.16 and truncated; 0 where it does not fit.
 uint32_t ratio(uint32_t from, uint32_t to) {
-  const double step = static_cast<double>(from) / to * kOne;
+  const double step = static_cast<double>(from) / to * kFixedOne;
   return step < 4294967296.0 ? static_cast<uint32_t>(step) : 0;
 }
 
@@ -106,15 +105,15 @@ void noteSteps(ConvRecord* record) {
   const auto bothAre = [record](uint32_t step) {
     return record->stepX == step && record->stepY == step;
   };
-  record->isHalf = bothAre(kOne / 2);
-  record->isUnit = bothAre(kOne);
+  record->isHalf = bothAre(kFixedOne / 2);
+  record->isUnit = bothAre(kFixedOne);
   record->bilinearY = record->params.interp == 2 && record->isUnit == 0;
   record->bilinearU = record->bilinearV = record->src.klass == kRgb ? record->bilinearY : 0;
 }
 
 void chooseKind(ConvRecord* record) {
   const bool fromRgb = record->src.klass == kRgb, toRgb = record->dst.klass == kRgb;
-  record->convKind = fromRgb ? (toRgb ? 2 : 3) : (toRgb ? 1 : 0);
+  record->convKind = kindOf(fromRgb, toRgb);
   record->dither =
       record->params.dither != 0 && toRgb && record->dstPlane.bitsPerPixel == 16 ? 1 : 0;
 }
@@ -127,11 +126,9 @@ void chooseColours(ConvRecord* record) {
   }
   const ConvParams& params = record->params;
   const bool adjusts = params.brightness != 0 || params.contrast != 0 || params.saturation != 0;
-  record->useLut =
-      record->convKind == 0 && (adjusts || ((record->src.colour ^ record->dst.colour) & 3) != 0);
+  record->useLut = record->convKind == kYuvToYuv &&
+                   (adjusts || ((record->src.colour ^ record->dst.colour) & 3) != 0);
 }
-
-bool isGenericPlanar(uint32_t klass) { return klass == kPlanarYvu || klass == kPlanarYuv; }
 
 void chooseBlockMode(ConvRecord* record) {
   uint32_t& mode = record->blockMode;
@@ -149,7 +146,7 @@ void chooseBlockMode(ConvRecord* record) {
 
 int64_t blockSide(const ConvRecord& record) {
   if (record.blockMode < 2) return 1;
-  return record.blockMode == 2 ? 2 : 4;
+  return record.blockMode == kBlocksOf2 ? 2 : 4;
 }
 
 int64_t roundDown(int64_t value, int64_t block) { return value / block * block; }
@@ -227,8 +224,11 @@ bool makeTables(ConvRecord* record) {
 }
 
 void settleBlockMode(ConvRecord* record) {
-  if (record->isUnit != 0 && record->blockMode == 4) record->blockMode = 3;
-  if (record->blockMode == 3 && record->isUnit != 0 && record->useLut != 0) record->blockMode = 2;
+  if (record->isUnit != 0 && record->blockMode == kBilinearBlocksOf4)
+    record->blockMode = kBlocksOf4;
+  if (record->blockMode == kBlocksOf4 && record->isUnit != 0 && record->useLut != 0) {
+    record->blockMode = kBlocksOf2;
+  }
 }
 
 void turnDestination(ConvRecord* record) {
@@ -255,11 +255,9 @@ void takeClip(ConvRecord* record) {
   record->clipB = record->srcOrgY + static_cast<int32_t>(record->src.height);
 }
 
-int64_t floorDivide(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 // The first destination coordinate whose position lies behind source column or row `at`.
 int32_t firstBehind(uint32_t step, int32_t at, int32_t srcOrg, int64_t dstOrg) {
-  const int64_t distance = int64_t{step / 2} + 32768 + (int64_t{at} - srcOrg) * kOne;
+  const int64_t distance = int64_t{step / 2} + kFixedHalf + (int64_t{at} - srcOrg) * kFixedOne;
   const int64_t place = dstOrg + floorDivide(distance, step);
   return static_cast<int32_t>(std::clamp<int64_t>(place, INT32_MIN + 1, INT32_MAX - 1));
 }
@@ -310,7 +308,7 @@ int32_t buildRecord(const Side& dst, const Side& src, const ConvParams& params,
 }
 
 void setUnitSteps(ConvRecord* record) {
-  record->stepX = record->stepY = record->invStepX = record->invStepY = kOne;
+  record->stepX = record->stepY = record->invStepX = record->invStepY = kFixedOne;
   noteSteps(record);
   computeValidWindow(record);
 }

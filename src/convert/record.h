@@ -7,6 +7,11 @@
 
 namespace qpx::convert {
 
+// Block modes that are told apart by more than their size.
+inline constexpr uint32_t kBlocksOf2 = 2;
+inline constexpr uint32_t kBlocksOf4 = 3;
+inline constexpr uint32_t kBilinearBlocksOf4 = 4;
+
 // One side of a conversion: a rectangle of an image. Its origin is in ConvParams.
 struct Side {
   uint32_t format = 0;

@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "convert/format_decoder.h"
 #include "convert/slow_path.h"
 #include "convert/tables.h"
 
@@ -60,9 +63,9 @@ void rgbToYuv(const ConvRecord& record, Carries*, PixelRun* run) {
   const auto* const t = static_cast<const int32_t*>(record.tables);
   for (int32_t i = 0; i < run->count; ++i) {
     const int32_t r = run->sample[0][i], g = run->sample[1][i], b = run->sample[2][i];
-    const int32_t y = t[r] + t[256 + g] + t[512 + b];
-    const int32_t u = t[768 + r] + t[1024 + g] + t[1280 + b];
-    const int32_t v = t[1280 + r] + t[1536 + g] + t[1792 + b];
+    const int32_t y = t[kRedToY + r] + t[kGreenToY + g] + t[kBlueToY + b];
+    const int32_t u = t[kRedToU + r] + t[kGreenToU + g] + t[kBlueToU + b];
+    const int32_t v = t[kRedToV + r] + t[kGreenToV + g] + t[kBlueToV + b];
     run->sample[0][i] = static_cast<uint8_t>(y >> 16);
     run->sample[1][i] = static_cast<uint8_t>(u >> 16);
     run->sample[2][i] = static_cast<uint8_t>(v >> 16);
@@ -71,7 +74,7 @@ void rgbToYuv(const ConvRecord& record, Carries*, PixelRun* run) {
 
 void throughLut(const ConvRecord& record, Carries*, PixelRun* run) {
   const auto* const luma = static_cast<const uint8_t*>(record.tables);
-  const uint8_t* const chroma = luma + 256;
+  const uint8_t* const chroma = luma + kChromaLut;
   for (int32_t i = 0; i < run->count; ++i) {
     run->sample[0][i] = luma[run->sample[0][i]];
     run->sample[1][i] = chroma[run->sample[1][i]];
@@ -96,11 +99,11 @@ Carries startCarries(const ConvRecord& record) {
 
 ConvertRun convertFor(const ConvRecord& record) {
   switch (record.convKind) {
-    case 0:
+    case kYuvToYuv:
       return record.useLut != 0 ? throughLut : keep;
-    case 1:
+    case kYuvToRgb:
       return record.dither != 0 ? yuvToRgbDithered : yuvToRgb;
-    case 3:
+    case kRgbToYuv:
       return rgbToYuv;
     default:
       return keep;

@@ -132,14 +132,8 @@ void fetchRgb(const Source& source, const SourceRows& rows, const ColumnRun& col
   }
 }
 
-int32_t planeOf(const ConvRecord& record, int32_t component) {
-  if (record.srcPlane.count == 1 || component == 0) return 0;
-  return component == 1 ? planeOfU(record.src.klass) : planeOfV(record.src.klass);
-}
-
 const uint8_t* rowOf(const SourceComponent& component, int32_t row) {
-  return advance(const_cast<uint8_t*>(component.base), component.pitch,
-                 cellOf(row, component.subY));
+  return advance(component.base, component.pitch, cellOf(row, component.subY));
 }
 
 }  // namespace
@@ -148,10 +142,9 @@ bool openSource(const ConvRecord& record, const uint8_t* const* planes, const in
                 Source* source) {
   source->record = &record;
   for (int32_t c = 0; c < 3; ++c) {
-    const int32_t plane = planeOf(record, c);
+    const int32_t plane = planeOf(record.srcPlane, c);
     if (planes[plane] == nullptr) return false;
-    const uint8_t* base =
-        advance(const_cast<uint8_t*>(planes[plane]), record.srcPlane.offset[c], 1);
+    const uint8_t* base = advance(planes[plane], record.srcPlane.offset[c], 1);
     source->component[c] = {base, pitches[plane], record.srcPlane.step[c], record.srcSubX[c],
                             record.srcSubY[c]};
   }

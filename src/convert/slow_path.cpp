@@ -13,13 +13,6 @@ void locateColumns(const ConvRecord& record, int32_t x, int32_t count, ColumnRun
   for (int32_t i = 0; i < count; ++i) columns->column[i] = sourceColumn(record, x + i);
 }
 
-// True where the rectangle, not empty, lies in the destination of the record.
-bool isInside(const ConvRecord& record, const MRect& rect) {
-  const MRect all = toFrame(record, destinationRect(record));
-  return rect.left >= all.left && rect.top >= all.top && rect.right <= all.right &&
-         rect.bottom <= all.bottom;
-}
-
 void convertAll(const Source& from, const Destination& to) {
   const ConvRecord& record = *from.record;
   const FetchRun fetch = fetchFor(record);
@@ -54,7 +47,7 @@ int32_t ANY_ANY_C_SLOW(const MRect* rect, const int32_t* dstPitch, const int32_t
   if (convert::isEmpty(*rect)) return QPX_OK;
   convert::Source source;
   convert::Destination destination;
-  if (!convert::isInside(*record, *rect) ||
+  if (!convert::isInDestination(*rect, *record) ||
       !convert::openSource(*record, srcPlanes, srcPitch, &source) ||
       !convert::openDestination(*record, *rect, dstPlanes, dstPitch, &destination)) {
     return QPX_BAD_PARAM;

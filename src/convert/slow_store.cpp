@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "convert/format_decoder.h"
 #include "convert/slow_path.h"
@@ -115,7 +116,7 @@ int32_t componentsOf(const ConvRecord& record) {
 }
 
 // Planes of packed formats begin at different pixels, one for each component.
-int32_t planeOf(const ConvRecord& record, int32_t component) {
+int32_t entryOf(const ConvRecord& record, int32_t component) {
   if (component == 0 || record.dstPlane.count == 1) return component;
   return component == 1 ? planeOfU(record.dst.klass) : planeOfV(record.dst.klass);
 }
@@ -131,7 +132,7 @@ bool openDestination(const ConvRecord& record, const MRect& rect, uint8_t* const
   to.y = frameY(record);
   to.nextPixel = record.mirrorX != 0 ? -ptrdiff_t{record.dstStep[0]} : record.dstStep[0];
   for (int32_t c = 0; c < componentsOf(record); ++c) {
-    const int32_t plane = planeOf(record, c);
+    const int32_t plane = entryOf(record, c);
     if (planes[plane] == nullptr) return false;
     to.plane[c] = advance(planes[plane], record.dstPlane.offset[c], 1);
     to.step[c] = record.dstStep[c];

@@ -77,6 +77,12 @@ MRect fromFrame(const ConvRecord& record, MRect rect) {
   return record.swapXY != 0 ? exchanged(rect) : rect;
 }
 
+bool isInDestination(const MRect& rect, const ConvRecord& record) {
+  const MRect all = toFrame(record, destinationRect(record));
+  return !isEmpty(rect) && rect.left >= all.left && rect.top >= all.top &&
+         rect.right <= all.right && rect.bottom <= all.bottom;
+}
+
 MRect intersect(const MRect& a, const MRect& b) {
   return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
           std::min(a.bottom, b.bottom)};

@@ -23,6 +23,9 @@ MRect destinationRect(const ConvRecord& record);
 MRect toFrame(const ConvRecord& record, MRect rect);
 MRect fromFrame(const ConvRecord& record, MRect rect);
 
+// Whether a rectangle of the frame, not empty, lies in the destination.
+bool isInDestination(const MRect& rect, const ConvRecord& record);
+
 MRect intersect(const MRect& a, const MRect& b);
 constexpr bool isEmpty(const MRect& rect) {
   return rect.left >= rect.right || rect.top >= rect.bottom;

@@ -1,5 +1,7 @@
 #include "convert/tables.h"
 
+#include <algorithm>
+
 #include "convert/format_decoder.h"
 
 namespace qpx::convert {
@@ -130,20 +132,19 @@ const ToYuv& toYuvOf(uint32_t colour) {
   }
 }
 
-// Blue to U and red to V share a coefficient, and so a table.
 void fillRgbToYuv(ConvRecord* record) {
   const ToYuv& m = toYuvOf(record->dst.colour);
-  const int32_t black = (record->dst.colour & 1) != 0 ? 0x100000 : 0;
+  const int32_t black = isVideoRange(record->dst.colour) ? 0x100000 : 0;
   auto* const words = static_cast<int32_t*>(record->tables);
   for (int32_t i = 0; i < 256; ++i) {
-    words[i] = i * m.yR + black;
-    words[256 + i] = i * m.yG;
-    words[512 + i] = i * m.yB;
-    words[768 + i] = -i * m.uR;
-    words[1024 + i] = -i * m.uG;
-    words[1280 + i] = kMiddle + i * m.vR;
-    words[1536 + i] = -i * m.vG;
-    words[1792 + i] = -i * m.vB;
+    words[kRedToY + i] = i * m.yR + black;
+    words[kGreenToY + i] = i * m.yG;
+    words[kBlueToY + i] = i * m.yB;
+    words[kRedToU + i] = -i * m.uR;
+    words[kGreenToU + i] = -i * m.uG;
+    words[kBlueToU + i] = kMiddle + i * m.vR;
+    words[kGreenToV + i] = -i * m.vG;
+    words[kBlueToV + i] = -i * m.vB;
   }
 }
 
@@ -162,11 +163,11 @@ LutLines lutLines(ConvRecord* record) {
   const auto [b, c, s] = adjustmentOf(*record);
   uint32_t& from = record->src.colour;
   uint32_t& to = record->dst.colour;
-  if ((from & 2) != 0 && (to & 1) != 0) {
+  if (isFullRange(from) && isVideoRange(to)) {
     return {{offset(c, s, (b + 16) * 65536, 0), slope(c, s, 56066, false)},
             {offset(c, s, 0x100000, 57344), slope(c, s, 57344, true)}};
   }
-  if ((from & 1) != 0 && (to & 2) != 0) {
+  if (isVideoRange(from) && isFullRange(to)) {
     return {{offset(c, s, b * 65536 + 1225728, 0), slope(c, s, 76608, false)},
             {offset(c, s, -1198372, 74901), slope(c, s, 74901, true)}};
   }
@@ -187,7 +188,7 @@ void fillLut(ConvRecord* record) {
   const LutLines lines = lutLines(record);
   auto* const bytes = static_cast<uint8_t*>(record->tables);
   fillLine(lines.luma, bytes);
-  fillLine(lines.chroma, bytes + 256);
+  fillLine(lines.chroma, bytes + kChromaLut);
 }
 
 }  // namespace
@@ -233,11 +234,11 @@ ToRgbLines toRgbLines(const ConvRecord& record) {
 
 size_t tableBytesOf(const ConvRecord& record) {
   switch (record.convKind) {
-    case 0:
+    case kYuvToYuv:
       return record.useLut != 0 ? kLutBytes : 0;
-    case 1:
+    case kYuvToRgb:
       return toRgbLayout(record).bytes;
-    case 3:
+    case kRgbToYuv:
       return kRgbToYuvBytes;
     default:
       return 0;
@@ -245,9 +246,9 @@ size_t tableBytesOf(const ConvRecord& record) {
 }
 
 void fillTables(ConvRecord* record) {
-  if (record->convKind == 0 && record->useLut != 0) fillLut(record);
-  if (record->convKind == 1) fillYuvToRgb(record);
-  if (record->convKind == 3) fillRgbToYuv(record);
+  if (record->convKind == kYuvToYuv && record->useLut != 0) fillLut(record);
+  if (record->convKind == kYuvToRgb) fillYuvToRgb(record);
+  if (record->convKind == kRgbToYuv) fillRgbToYuv(record);
 }
 
 }  // namespace qpx::convert

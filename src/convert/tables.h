@@ -9,7 +9,6 @@
 
 #include <qpx/convert_record.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -46,6 +45,21 @@ struct ToRgbLines {
   int32_t bSlope, bBase;
 };
 ToRgbLines toRgbLines(const ConvRecord& record);
+
+// Where the tables from RGB to YUV stand in their block, in words. Blue to U and red to V share a
+// coefficient, and so a table.
+inline constexpr int32_t kRedToY = 0;
+inline constexpr int32_t kGreenToY = 256;
+inline constexpr int32_t kBlueToY = 512;
+inline constexpr int32_t kRedToU = 768;
+inline constexpr int32_t kGreenToU = 1024;
+inline constexpr int32_t kBlueToU = 1280;
+inline constexpr int32_t kRedToV = kBlueToU;
+inline constexpr int32_t kGreenToV = 1536;
+inline constexpr int32_t kBlueToV = 1792;
+
+// Where the table of chroma from YUV to YUV stands behind that of luma, in bytes.
+inline constexpr int32_t kChromaLut = 256;
 
 // Size of the block, and where the three tables from YUV to RGB stand in it.
 size_t tableBytesOf(const ConvRecord& record);

@@ -9,15 +9,19 @@
 namespace qpx {
 
 // `count` steps from `plane`. Unsigned, since a senseless rectangle may leave every range.
-inline uint8_t* advance(uint8_t* plane, ptrdiff_t step, ptrdiff_t count) {
-  return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(plane) +
-                                    static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
+template <class Byte>
+Byte* advance(Byte* plane, ptrdiff_t step, ptrdiff_t count) {
+  static_assert(sizeof(Byte) == 1);
+  return reinterpret_cast<Byte*>(reinterpret_cast<uintptr_t>(plane) +
+                                 static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
 }
 
 // The way back. Not advance by -count: the least number has no opposite.
-inline uint8_t* retreat(uint8_t* plane, ptrdiff_t step, ptrdiff_t count) {
-  return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(plane) -
-                                    static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
+template <class Byte>
+Byte* retreat(Byte* plane, ptrdiff_t step, ptrdiff_t count) {
+  static_assert(sizeof(Byte) == 1);
+  return reinterpret_cast<Byte*>(reinterpret_cast<uintptr_t>(plane) -
+                                 static_cast<uintptr_t>(step) * static_cast<uintptr_t>(count));
 }
 
 }  // namespace qpx

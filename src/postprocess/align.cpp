@@ -19,8 +19,6 @@ struct Span {
   int64_t low, high;
 };
 
-int64_t floorDivide(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 // One axis of the frame: source columns and frame columns, or rows and rows.
 struct Axis {
   int64_t step;
@@ -35,17 +33,19 @@ struct Axis {
   // lies at its low end or behind it. Nearest: from the last that lies there or before it, so that
   // the division is the same as at the far end. What the first column makes begins at the edge.
   Span toDestination(const Span& src) const {
-    const int64_t half = bilinear ? step / 2 + 32768 : 0;
-    const int64_t low = (src.low - srcOrigin) * 65536, high = (src.high - srcOrigin) * 65536;
-    const int64_t first = low <= 0 ? 0 : floorDivide(bilinear ? half + low - 1 : low, step);
-    const int64_t behind = floorDivide(half + high - 1, step) + extra();
+    const int64_t half = bilinear ? step / 2 + convert::kFixedHalf : 0;
+    const int64_t low = (src.low - srcOrigin) * convert::kFixedOne,
+                  high = (src.high - srcOrigin) * convert::kFixedOne;
+    const int64_t first =
+        low <= 0 ? 0 : convert::floorDivide(bilinear ? half + low - 1 : low, step);
+    const int64_t behind = convert::floorDivide(half + high - 1, step) + extra();
     return {dstOrigin + std::clamp<int64_t>(first, 0, dstExtent),
             dstOrigin + std::clamp<int64_t>(behind, 0, dstExtent)};
   }
 
   Span toSource(const Span& dst) const {
     const int64_t low = dst.low - dstOrigin, high = dst.high - dstOrigin;
-    const int64_t before = step / 2 + 32768;
+    const int64_t before = step / 2 + convert::kFixedHalf;
     const int64_t first = bilinear ? step * (low + 1) - before : step * low;
     const int64_t last = bilinear ? step * high - before : step * high - 1;
     return {srcOrigin + (first >> 16), srcOrigin + (last >> 16) + extra()};

@@ -49,11 +49,6 @@ bool takesWideBlocks(const ConvRecord& record, const Planes& planes) {
          planes.srcPitch[0] % 4 == 0 && planes.dstPitch[0] % 4 == 0 && blocksMeetEdges(record);
 }
 
-// Chroma cells of any other shape are cut by no piece of a request.
-bool hasSmallCells(const ConvRecord& record) {
-  return record.dst.klass != convert::kPlanarYuv && record.dst.klass != convert::kPlanarYvu;
-}
-
 // Whether pieces come to other pixels than the whole: by kernels that round their own way, as
 // dither hands its rests on, or where a format counts its chroma cells from the rectangle's first
 // column.
@@ -66,7 +61,9 @@ bool differsInPieces(const ConvRecord& record, const MRect& request, const Piece
 void runSplit(const PostProcessContext& context, const Planes& planes, const MRect& request) {
   const Piece inner = innerPiece(request, takesWideBlocks(context.stage[2]->record, planes));
   const ConvRecord& record = context.stage[inner.stage]->record;
-  if (!hasSmallCells(record) || !differsInPieces(record, request, inner)) {
+  // Pieces would cut the cells of the formats whose chroma divisors are their own.
+  const bool cutsCells = convert::isGenericPlanar(record.dst.klass);
+  if (cutsCells || !differsInPieces(record, request, inner)) {
     runStage(*context.stage[0], planes, request);
     return;
   }
@@ -97,9 +94,8 @@ ptrdiff_t columnBytes(const ConvRecord& record, int32_t plane, int32_t column) {
 // From the pixel at (x, y) back to the origin.
 void shiftBack(const ConvRecord& record, int32_t x, int32_t y, Planes* planes) {
   for (int32_t p = 0; p < static_cast<int32_t>(record.srcPlane.count); ++p) {
-    auto* const plane = const_cast<uint8_t*>(planes->src[p]);
-    planes->src[p] = retreat(retreat(plane, planes->srcPitch[p], y / record.srcSubY[p]),
-                             columnBytes(record, p, x), 1);
+    const uint8_t* const row = retreat(planes->src[p], planes->srcPitch[p], y / record.srcSubY[p]);
+    planes->src[p] = retreat(row, columnBytes(record, p, x), 1);
   }
 }
 

@@ -6,12 +6,13 @@
 namespace qpx {
 namespace {
 
-using Member = int32_t (*)(const McvImage*, const McvImage*);
-using AlphaMember = int32_t (*)(const McvImage*, const McvImage*, uint8_t);
+using Conversion = int32_t (*)(const McvImage*, const McvImage*);
+using AlphaConversion = int32_t (*)(const McvImage*, const McvImage*, uint8_t);
 
 struct Converter {
-  constexpr Converter(FormatPair formatPair, Member member) : formats(formatPair), opaque(member) {}
-  constexpr Converter(FormatPair formatPair, AlphaMember member)
+  constexpr Converter(FormatPair formatPair, Conversion member)
+      : formats(formatPair), opaque(member) {}
+  constexpr Converter(FormatPair formatPair, AlphaConversion member)
       : formats(formatPair), withAlpha(member) {}
 
   int32_t operator()(const McvImage* src, const McvImage* dst, uint8_t alpha) const {
@@ -19,8 +20,8 @@ struct Converter {
   }
 
   FormatPair formats;
-  Member opaque = nullptr;
-  AlphaMember withAlpha = nullptr;  // of those that write an alpha channel
+  Conversion opaque = nullptr;
+  AlphaConversion withAlpha = nullptr;  // of those that write an alpha channel
 };
 
 constexpr Converter kConverters[] = {

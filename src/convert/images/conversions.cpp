@@ -36,7 +36,7 @@ int32_t rowsWalked(const McvImage& dst, bool inTwos) {
   return inTwos ? dst.height & ~1 : dst.height;
 }
 
-// Chroma of a row of luma alone is nobody's: `row` is the second of two that share it.
+// A second row has luma alone: its chroma belongs to the row above.
 bool isSecondRow(int32_t row, const YuvLayout& dst) { return dst.halvedDown != 0 && row % 2 != 0; }
 
 // A conversion between two YUV formats.

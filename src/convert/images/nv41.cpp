@@ -37,7 +37,7 @@ void halveRow(const uint8_t* upper, const uint8_t* lower, uint8_t* dst, int32_t 
   }
 }
 
-struct ChromaRow {
+struct ChromaSamples {
   const uint8_t* pairs;
   int32_t last;
 
@@ -47,7 +47,7 @@ struct ChromaRow {
   }
 };
 
-void doubleRow(const ChromaRow& row, uint8_t* dst, int32_t samples) {
+void doubleRow(const ChromaSamples& row, uint8_t* dst, int32_t samples) {
   for (int32_t i = 0; i < samples; ++i) {
     for (int32_t c = 0; c < 2; ++c) {
       const int32_t left = row.at(i / 2, c);
@@ -56,7 +56,8 @@ void doubleRow(const ChromaRow& row, uint8_t* dst, int32_t samples) {
   }
 }
 
-void doubleBetween(const ChromaRow& upper, const ChromaRow& lower, uint8_t* dst, int32_t samples) {
+void doubleBetween(const ChromaSamples& upper, const ChromaSamples& lower, uint8_t* dst,
+                   int32_t samples) {
   for (int32_t i = 0; i < samples; ++i) {
     const int32_t column = i / 2;
     for (int32_t c = 0; c < 2; ++c) {
@@ -89,7 +90,7 @@ int32_t nv41ToNv21(const McvImage* src, const McvImage* dst) {
   const int32_t columns = src->width / 4, rows = src->height / 4;
   if (columns == 0 || rows == 0) return kMcvDone;
   const auto sourceAt = [&](int32_t row) {
-    return ChromaRow{rowOf(*src, 1, std::min(row, rows - 1)), columns - 1};
+    return ChromaSamples{rowOf(*src, 1, std::min(row, rows - 1)), columns - 1};
   };
   for (int32_t row = 0; row < dst->height / 2; ++row) {
     uint8_t* const target = rowOf(*dst, 1, row);

@@ -8,6 +8,7 @@
 #include "convert/kernels/row_halves.h"
 #include "convert/kernels/row_moves.h"
 #include "convert/kernels/walk.h"
+#include "convert/tables.h"
 
 namespace qpx::convert::fast {
 namespace {
@@ -18,14 +19,7 @@ int32_t runLength(const ConvRecord& record, bool needsNoRooms) {
 }
 
 bool hasTables(const ConvRecord& record) {
-  const bool needed =
-      record.convKind == 1 || record.convKind == 3 || (record.convKind == 0 && record.useLut != 0);
-  return !needed || record.tables != nullptr;
-}
-
-uint32_t kindOf(FormatSet from, FormatSet to) {
-  if ((from & kInRgb) != 0) return (to & kInRgb) != 0 ? 2 : 3;
-  return (to & kInRgb) != 0 ? 1 : 0;
+  return tableBytesOf(record) == 0 || record.tables != nullptr;
 }
 
 bool convertDithered(const Call& call, FormatSet from, FormatSet to, const CellGrid& cells,
@@ -74,7 +68,8 @@ bool dithers(const ConvRecord& record, FormatSet from, FormatSet to, Dither dith
 
 bool canConvert(const ConvRecord& record) {
   const FormatSet from = sourceFormat(record), to = destinationFormat(record);
-  return from != 0 && to != 0 && record.convKind == kindOf(from, to) && hasTables(record);
+  return from != 0 && to != 0 &&
+         record.convKind == kindOf((from & kInRgb) != 0, (to & kInRgb) != 0) && hasTables(record);
 }
 
 bool convert(const Call& call, Dither dither) {

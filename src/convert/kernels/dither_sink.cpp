@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "convert/kernels/rgb_sink.h"
 #include "convert/kernels/tables.h"
 #include "convert/tables.h"
 

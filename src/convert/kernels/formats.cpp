@@ -37,9 +37,9 @@ FormatSet yuvFormat(uint32_t klass) {
       return kInI444;
     case kYv12:
       return kInYv12;
-    case kYv12 + 1:
+    case kYv422V:
       return kInYv422V;
-    case kYv12 + 2:
+    case kYv422H:
       return kInYv422H;
     case kYv444:
       return kInYv444;

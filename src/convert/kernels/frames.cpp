@@ -7,6 +7,7 @@
 #include "convert/format_decoder.h"
 #include "convert/kernels/kernel_call.h"
 #include "convert/record.h"
+#include "convert/strip_walk.h"
 
 namespace qpx::convert::fast {
 namespace {
@@ -84,7 +85,7 @@ int32_t tryPaired(const Pictures& pictures, const ConvRecord& record, const Work
 
 // Of the family whose only callers are hosts: blocks of 4x4 in one orientation, from I420,
 // resampled by name.
-struct TurnedMember {
+struct HostMember {
   FormatSet to;
   SamplingSet sampling;
   OrientSet orients;
@@ -97,13 +98,15 @@ ConvRecord resampledAs(SamplingSet sampling, const ConvRecord& record) {
   return changed;
 }
 
-int32_t runTurned(const TurnedMember& member, const Pictures& pictures, const ConvRecord* record) {
+int32_t runHostMember(const HostMember& member, const Pictures& pictures,
+                      const ConvRecord* record) {
   if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
   const MRect& rect = *pictures.rect;
   const ConvRecord changed = resampledAs(member.sampling, *record);
   const Member whole = {kInI420,        member.to, Order::any,  member.sampling,
                         member.orients, 1,         Dither::none};
-  if (record->blockMode != 3 || !takes(whole, workOf(changed)) || !isInDestination(rect, changed)) {
+  if (record->blockMode != kBlocksOf4 || !takes(whole, workOf(changed)) ||
+      !isInDestination(rect, changed)) {
     return QPX_UNSUPPORTED;
   }
   const Steps steps = stepsOf(changed, rect);
@@ -128,7 +131,7 @@ int32_t ANY_ANY_C_FAST_R8G8B8(QPX_CONVERT_FRAME_ARGUMENTS) {
 int32_t YUV2YUV_Fast(QPX_CONVERT_FRAME_ARGUMENTS) {
   const Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
   if (!isComplete(pictures, record)) return QPX_BAD_PARAM;
-  if (record->useLut != 0 || record->convKind != 0) return QPX_UNSUPPORTED;
+  if (record->useLut != 0 || record->convKind != qpx::convert::kYuvToYuv) return QPX_UNSUPPORTED;
   const Work work = workOf(*record);
   const int32_t result = trySubsampled(pictures, *record, work);
   return result != QPX_UNSUPPORTED ? result : tryPaired(pictures, *record, work);
@@ -185,42 +188,43 @@ int32_t Gray2Gray_C_FAST(QPX_CONVERT_FRAME_ARGUMENTS) {
 }
 
 int32_t MCC_I420_Bilinear(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInI420, kBilinear, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInI420, kBilinear, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_Bilinear_90(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInI420, kBilinear, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInI420, kBilinear, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_Bilinear_270(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInI420, kBilinear, kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInI420, kBilinear, kR270},
+                       {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
 }
 
 int32_t MCC_I420_NV12_Resample(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv12, kNearest, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInNv12, kNearest, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_NV12_Resample_90(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv12, kNearest, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInNv12, kNearest, kR90}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_NV12_Resample_270(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv12, kNearest, kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInNv12, kNearest, kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_NV12_NoResample(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv12, kUnit, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
+  return runHostMember({kInNv12, kUnit, kR0}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
+                       record);
 }
 
 int32_t MCC_I420_NV21_NoResampleRotate(QPX_CONVERT_FRAME_ARGUMENTS) {
-  return runTurned({kInNv21, kUnit, kR90 | kR270}, {rect, srcPlanes, dstPlanes, srcPitch, dstPitch},
-                   record);
+  return runHostMember({kInNv21, kUnit, kR90 | kR270},
+                       {rect, srcPlanes, dstPlanes, srcPitch, dstPitch}, record);
 }
 
 namespace qpx::convert {
@@ -228,7 +232,7 @@ namespace qpx::convert {
 int32_t convertByRows(QPX_CONVERT_FRAME_ARGUMENTS) {
   const fast::Pictures pictures = {rect, srcPlanes, dstPlanes, srcPitch, dstPitch};
   if (!fast::isComplete(pictures, record)) return QPX_BAD_PARAM;
-  if (!fast::canConvert(*record) || !fast::isInDestination(*rect, *record)) return QPX_UNSUPPORTED;
+  if (!fast::canConvert(*record) || !isInDestination(*rect, *record)) return QPX_UNSUPPORTED;
   const fast::Steps steps = fast::stepsOf(*record, *rect);
   const bool done = fast::convert({*rect, srcPlanes, dstPlanes, srcPitch, dstPitch, steps.firstSy,
                                    steps.stepX, steps.stepY, record});

@@ -1,4 +1,4 @@
-// The frames' last one.
+// The last specialised frame of the chain.
 #pragma once
 
 #include <qpx/convert_record.h>

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "convert/kernels/rgb_sink.h"
-
 namespace qpx::convert::fast {
 namespace {
 

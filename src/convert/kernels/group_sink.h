@@ -1,7 +1,9 @@
 // Conversions to packed 4:2:2 in whole groups of four bytes: two lumas and the chroma they share.
 #pragma once
 
-#include "convert/kernels/planar_sink.h"
+#include "convert/kernels/lane.h"
+#include "convert/kernels/walk.h"
+#include "convert/kernels/yuv_maker.h"
 
 namespace qpx::convert::fast {
 
@@ -13,7 +15,7 @@ class GroupSink {
   bool open(const Call& call, FormatSet from, const CellGrid& cells);
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
-  void expect(const SourcePair& place) const { maker_.expect(place); }
+  void prefetch(const SourcePair& place) const { maker_.prefetch(place); }
   void row(int32_t index, int32_t y, const SourcePair& place);
   void end(int32_t rows);
 

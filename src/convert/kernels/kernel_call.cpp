@@ -50,12 +50,6 @@ bool isComplete(const Pictures& pictures, const ConvRecord* record) {
          pictures.dstPitch != nullptr && record != nullptr && hasPlanes(pictures, *record);
 }
 
-bool isInDestination(const MRect& rect, const ConvRecord& record) {
-  const MRect all = toFrame(record, destinationRect(record));
-  return !isEmpty(rect) && rect.left >= all.left && rect.top >= all.top &&
-         rect.right <= all.right && rect.bottom <= all.bottom;
-}
-
 Steps stepsOf(const ConvRecord& record, const MRect& rect) {
   return {rowBefore(record, rect.top), record.stepX, record.stepY};
 }

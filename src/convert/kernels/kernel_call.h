@@ -19,9 +19,6 @@ struct Pictures {
 // Whether no argument is null, nor any plane that the record's formats have.
 bool isComplete(const Pictures& pictures, const ConvRecord* record);
 
-// Whether the rectangle, not empty, lies in the destination.
-bool isInDestination(const MRect& rect, const ConvRecord& record);
-
 struct Steps {
   int32_t firstSy;
   uint32_t stepX;

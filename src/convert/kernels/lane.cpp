@@ -7,6 +7,11 @@
 
 namespace qpx::convert::fast {
 
+Stride strideOf(const Call& call, int32_t component, int32_t plane) {
+  const ptrdiff_t step = call.record->dstStep[component], pitch = call.dstPitch[plane];
+  return call.record->swapXY != 0 ? Stride{pitch, step} : Stride{step, pitch};
+}
+
 void Lane::open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes, bool turned) {
   rows_ = &simd::convertRows();
   base_ = base;

@@ -10,6 +10,14 @@
 
 namespace qpx::convert::fast {
 
+// The planes of the record's destination: from a pixel to the next column and to the next row of
+// the source's frame.
+struct Stride {
+  ptrdiff_t along;
+  ptrdiff_t across;
+};
+Stride strideOf(const Call& call, int32_t component, int32_t plane);
+
 class Lane {
  public:
   // From an element to that of the next column, and to that of the next row, are `along` and

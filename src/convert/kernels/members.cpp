@@ -1,6 +1,7 @@
 #include "convert/kernels/members.h"
 
-#include "convert/position.h"
+#include "convert/format_decoder.h"
+#include "convert/record.h"
 
 namespace qpx::convert::fast {
 namespace {
@@ -29,13 +30,13 @@ bool isMultiple(const MRect& rect, int32_t block) {
 // Records with a colour table never have a mode above 2 at the same size.
 bool allowsBlock(const ConvRecord& record, int32_t block) {
   if (block == 8) return true;
-  if (record.useLut != 0 && record.isUnit != 0) return block == 1 || record.blockMode == 2;
-  return block <= (record.blockMode >= 3 ? 4 : static_cast<int32_t>(record.blockMode));
+  if (record.useLut != 0 && record.isUnit != 0) return block == 1 || record.blockMode == kBlocksOf2;
+  return block <= (record.blockMode >= kBlocksOf4 ? 4 : static_cast<int32_t>(record.blockMode));
 }
 
 bool keepsDither(const Member& member, const ConvRecord& record) {
   if (member.dither == Dither::cells || member.dither == Dither::pixels) return record.dither != 0;
-  return member.dither == Dither::byRecord || record.dither == 0 || record.convKind != 1;
+  return member.dither == Dither::byRecord || record.dither == 0 || record.convKind != kYuvToRgb;
 }
 
 }  // namespace

@@ -44,8 +44,8 @@ struct Member {
   Dither dither;
 };
 
-// What lines tell conversions apart by. Without formats, and no line's, where the record's do not
-// make up a conversion.
+// What a line matches on. All zero, so that no line matches, where the record is no conversion
+// known here.
 struct Work {
   FormatSet from = 0;
   FormatSet to = 0;

@@ -5,8 +5,6 @@
 namespace qpx::convert::fast {
 namespace {
 
-constexpr uint32_t kOne = 65536;
-
 int64_t wideRowBefore(const ConvRecord& record, int32_t top) {
   return sourceYOf(record, top) - record.stepY;
 }
@@ -38,11 +36,12 @@ Positions::Positions(const Call& call)
       firstSy_(widened(call.firstSy, record_, top_)),
       stepX_(call.stepX),
       stepY_(call.stepY) {
-  direct_ = stepX_ == kOne && stepY_ == kOne && isInside(call.rect, record_, shiftX_, shiftY_);
+  direct_ =
+      stepX_ == kFixedOne && stepY_ == kFixedOne && isInside(call.rect, record_, shiftX_, shiftY_);
   if (!call.keepsRowsInSource) return;
   firstRow_ = record_.srcOrgY;
   lastRow_ = firstRow_ + static_cast<int32_t>(record_.src.height) - 1;
-  leastSy_ = int64_t{firstRow_} * kOne;
+  leastSy_ = int64_t{firstRow_} * kFixedOne;
 }
 
 // As sourceRow, where rows are held to the clip.

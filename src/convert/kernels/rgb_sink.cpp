@@ -2,11 +2,6 @@
 
 namespace qpx::convert::fast {
 
-Stride strideOf(const Call& call, int32_t component, int32_t plane) {
-  const ptrdiff_t step = call.record->dstStep[component], pitch = call.dstPitch[plane];
-  return call.record->swapXY != 0 ? Stride{pitch, step} : Stride{step, pitch};
-}
-
 bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
   if (call.dstPlanes[0] == nullptr || !source_.open(call, from)) return false;
   const ConvRecord& record = *call.record;

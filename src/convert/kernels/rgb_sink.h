@@ -20,7 +20,7 @@ class RgbSink {
   bool needsNoRooms(const Positions& positions) const;
 
   void begin(const Positions& positions, int32_t x, int32_t count, int32_t y);
-  void expect(const SourcePair& place) const { source_.fetch(place, columns_); }
+  void prefetch(const SourcePair& place) const { source_.prefetch(place, columns_); }
   void row(int32_t index, int32_t y, const SourcePair& place);
   void end(int32_t rows);
 
@@ -41,13 +41,5 @@ class RgbSink {
   SourcePair places_[kBandRows];
   Lane lane_;
 };
-
-// The planes of the record's destination: from a pixel to the next column and to the next row of
-// the source's frame.
-struct Stride {
-  ptrdiff_t along;
-  ptrdiff_t across;
-};
-Stride strideOf(const Call& call, int32_t component, int32_t plane);
 
 }  // namespace qpx::convert::fast

@@ -12,8 +12,7 @@
 namespace qpx::convert::fast {
 namespace {
 
-constexpr uint32_t kTwo = 0x20000;
-constexpr int32_t kMiddle = 0x8000;
+constexpr uint32_t kTwo = 2 * kFixedOne;
 constexpr int32_t kRunOfHalves = 2048;
 
 FormatSet familyOf(FormatSet format) {
@@ -29,8 +28,8 @@ bool halvesAll(const Call& call, const Positions& positions) {
   const MRect& rect = call.rect;
   return record.bilinearY != 0 && call.stepX == kTwo && call.stepY == kTwo &&
          rect.left >= record.validX0 && rect.right < record.validX1 &&
-         positions.row(rect.top).fraction == kMiddle &&
-         positions.row(rect.bottom - 1).fraction == kMiddle;
+         positions.row(rect.top).fraction == kFixedHalf &&
+         positions.row(rect.bottom - 1).fraction == kFixedHalf;
 }
 
 class RowHalves {
@@ -42,8 +41,8 @@ class RowHalves {
   void run() const;
 
  private:
-  bool keepsFormat(FormatSet from, FormatSet to);
-  bool becomesRgb(FormatSet from, FormatSet to);
+  bool openSameFormat(FormatSet from, FormatSet to);
+  bool openToRgb(FormatSet from, FormatSet to);
 
   // The left of the two columns of a pixel, and the upper of its two rows.
   int32_t columnOf(int32_t x) const { return record_.srcOrgX + 2 * (x - record_.dstOrgX); }
@@ -76,11 +75,11 @@ bool RowHalves::open(FormatSet from, FormatSet to) {
     return false;
   }
   firstRow_ = positions_.row(rect_.top).first;
-  toRgb_ = becomesRgb(from, to);
-  return toRgb_ || keepsFormat(from, to);
+  toRgb_ = openToRgb(from, to);
+  return toRgb_ || openSameFormat(from, to);
 }
 
-bool RowHalves::keepsFormat(FormatSet from, FormatSet to) {
+bool RowHalves::openSameFormat(FormatSet from, FormatSet to) {
   const FormatSet family = familyOf(from);
   const bool keeps = family != 0 && family == familyOf(to) && ((from & kIn32) == 0 || from == to);
   if (!keeps || record_.useLut != 0) return false;
@@ -91,7 +90,7 @@ bool RowHalves::keepsFormat(FormatSet from, FormatSet to) {
 }
 
 // Chroma of half the columns has a sample for each pixel.
-bool RowHalves::becomesRgb(FormatSet from, FormatSet to) {
+bool RowHalves::openToRgb(FormatSet from, FormatSet to) {
   const bool lies = (from & kInPlanar) != 0 ? source_.hasPlanes() : source_.hasPairs();
   if ((to & kInRgb) == 0 || !lies || source_.chromaShiftX() == 0) return false;
   bytes_ = pixelBytes(to);

@@ -15,7 +15,7 @@ struct Samples {
   ptrdiff_t pitch = 0;
   ptrdiff_t step = 0;
 
-  Byte* row(int32_t y) const { return advance(const_cast<uint8_t*>(first), pitch, y); }
+  Byte* row(int32_t y) const { return advance(first, pitch, y); }
   bool hasGaps(int32_t count) const { return pitch != step * count; }
 };
 using SourceSamples = Samples<const uint8_t>;
@@ -27,11 +27,11 @@ class RowMoves {
   void run() const;
 
  private:
-  enum class Road { planes, unpack, pack, groups };
+  enum class Path { planes, unpack, pack, groups };
 
   bool openLuma(const Call& call, const Source& source);
   bool openChroma(const Call& call, const Source& source);
-  bool findRoad(const Call& call, FormatSet from, FormatSet to);
+  bool choosePath(const Call& call, FormatSet from, FormatSet to);
 
   // The source row of a row of cells: that of its last pixels.
   int32_t chromaRow(int32_t row) const {
@@ -53,7 +53,7 @@ class RowMoves {
   bool hasChroma_;
   int32_t chromaShiftY_ = 0;
   int32_t firstCellRow_ = 0, cellColumns_ = 0, cellRows_ = 0;
-  Road road_;
+  Path path_;
   SourceSamples srcY_, srcU_, srcV_;
   TargetSamples dstY_, dstU_, dstV_;
 };
@@ -73,7 +73,7 @@ bool RowMoves::open(const Call& call, FormatSet from, FormatSet to, const CellGr
   width_ = rect_.right - rect_.left;
   height_ = rect_.bottom - rect_.top;
   if (!openLuma(call, source)) return false;
-  return (!hasChroma_ || openChroma(call, source)) && findRoad(call, from, to);
+  return (!hasChroma_ || openChroma(call, source)) && choosePath(call, from, to);
 }
 
 bool RowMoves::openLuma(const Call& call, const Source& source) {
@@ -126,34 +126,34 @@ bool areDense(const Samples<Byte>& u, const Samples<Byte>& v) {
 }
 
 // Groups are moved as a whole or not at all.
-bool RowMoves::findRoad(const Call& call, FormatSet from, FormatSet to) {
+bool RowMoves::choosePath(const Call& call, FormatSet from, FormatSet to) {
   const bool fromGroups = (from & kInPacked) != 0, toGroups = (to & kInPacked) != 0;
   if (fromGroups) {
-    road_ = toGroups ? Road::groups : Road::unpack;
+    path_ = toGroups ? Path::groups : Path::unpack;
   } else {
-    road_ = toGroups ? Road::pack : Road::planes;
+    path_ = toGroups ? Path::pack : Path::planes;
   }
   const bool cutsSource = width_ % 2 != 0 || ((rect_.left + shiftX_) & 1) != 0 ||
                           cells_.x.of(rect_.left - 1) == cells_.x.of(rect_.left);
   if ((fromGroups && cutsSource) || (toGroups && !GroupSink::fits(call, cells_))) return false;
-  if (road_ == Road::groups) return from == to;
+  if (path_ == Path::groups) return from == to;
   return !hasChroma_ ||
          ((fromGroups || areDense(srcU_, srcV_)) && (toGroups || areDense(dstU_, dstV_)));
 }
 
 void RowMoves::run() const {
-  switch (road_) {
-    case Road::planes:
+  switch (path_) {
+    case Path::planes:
       moveLuma();
       if (hasChroma_) moveChroma();
       break;
-    case Road::unpack:
+    case Path::unpack:
       unpack();
       break;
-    case Road::pack:
+    case Path::pack:
       pack();
       break;
-    case Road::groups:
+    case Path::groups:
       copyGroups();
       break;
   }

@@ -1,12 +1,8 @@
 #include "convert/kernels/sampler.h"
 
+#include "convert/position.h"
+
 namespace qpx::convert::fast {
-namespace {
-
-constexpr int32_t kMiddle = 0x8000;
-
-}  // namespace
-
 void Sampler::open(int32_t stride, int32_t bytes) {
   rows_ = &simd::sampledRows();
   run_ = {nullptr, nullptr, 0, stride, bytes};
@@ -36,7 +32,7 @@ bool Sampler::isHalving() const {
   if (run_.fraction == nullptr) return false;
   if ((run_.bytes != 1 && run_.bytes != 4) || run_.stride != run_.bytes) return false;
   for (ptrdiff_t i = 0; i < run_.count; ++i) {
-    if (run_.place[i] != run_.place[0] + 2 * i || run_.fraction[i] != kMiddle) return false;
+    if (run_.place[i] != run_.place[0] + 2 * i || run_.fraction[i] != kFixedHalf) return false;
   }
   return true;
 }
@@ -44,7 +40,7 @@ bool Sampler::isHalving() const {
 void Sampler::pick(const uint8_t* row, uint8_t* dst) { rows_->pick(run_, windows(), row, dst); }
 
 void Sampler::blend(const uint8_t* top, const uint8_t* bottom, int32_t fraction, uint8_t* dst) {
-  if (halves_ && fraction == kMiddle) {
+  if (halves_ && fraction == kFixedHalf) {
     const ptrdiff_t first = ptrdiff_t{run_.place[0]} * run_.stride;
     const auto halve = run_.bytes == 1 ? rows_->halve1 : rows_->halve4;
     halve(top + first, bottom + first, run_.count, dst);

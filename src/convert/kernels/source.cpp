@@ -12,7 +12,7 @@ namespace {
 constexpr uint8_t kNoColour = 128;
 
 // The address may lie behind the picture.
-void fetchBytes(const Source::Plane& plane, int32_t row, ptrdiff_t begin, ptrdiff_t end) {
+void prefetchBytes(const Source::Plane& plane, int32_t row, ptrdiff_t begin, ptrdiff_t end) {
   constexpr ptrdiff_t kLine = 64;
   for (ptrdiff_t i = begin; i < end + kLine; i += kLine) __builtin_prefetch(plane.at(row, i));
 }
@@ -194,21 +194,21 @@ bool Source::needsNoRooms(const Positions& positions, int32_t start) const {
   return wholeCells && hasReadyChroma();
 }
 
-void Source::fetch(const SourcePair& rows, const Columns& columns) const {
+void Source::prefetch(const SourcePair& rows, const Columns& columns) const {
   const ptrdiff_t bytes = isRgb() ? pixelBytes(format_) : chroma_ == Chroma::groups ? 2 : 1;
   const ptrdiff_t begin = bytes * columns.first(), end = bytes * (columns.last() + 1);
-  fetchBytes(plane(0), rows.first, begin, end);
-  if (rows.second != rows.first) fetchBytes(plane(0), rows.second, begin, end);
+  prefetchBytes(plane(0), rows.first, begin, end);
+  if (rows.second != rows.first) prefetchBytes(plane(0), rows.second, begin, end);
   const bool startsCell = ((rows.first >> shiftY_) << shiftY_) == rows.first;
-  if (startsCell && (hasPairs() || hasPlanes())) fetchChroma(rows.first >> shiftY_, columns);
+  if (startsCell && (hasPairs() || hasPlanes())) prefetchChroma(rows.first >> shiftY_, columns);
 }
 
-void Source::fetchChroma(int32_t row, const Columns& columns) const {
+void Source::prefetchChroma(int32_t row, const Columns& columns) const {
   const ptrdiff_t step = hasPairs() ? 2 : 1;
   const ptrdiff_t begin = step * (columns.first() >> shiftX_);
   const ptrdiff_t end = step * ((columns.last() >> shiftX_) + 1);
-  fetchBytes(plane(1), row, begin, end);
-  if (hasPlanes()) fetchBytes(plane(2), row, begin, end);
+  prefetchBytes(plane(1), row, begin, end);
+  if (hasPlanes()) prefetchBytes(plane(2), row, begin, end);
 }
 
 PixelRow Source::pixels(const SourcePair& row, const Columns& columns, uint8_t* room) {

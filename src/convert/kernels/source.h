@@ -38,7 +38,6 @@ class Source {
   // False where a plane is missing.
   bool open(const Call& call, FormatSet format);
 
-  FormatSet format() const { return format_; }
   bool isRgb() const { return (format_ & kInRgb) != 0; }
   bool isOf16Bits() const { return (format_ & kIn16) != 0; }
   bool isRedFirst() const { return (format_ & kInRedFirst) != 0; }
@@ -52,7 +51,7 @@ class Source {
     ptrdiff_t pitch;
     // As numbers: a band's plane is rebased to the origin of its picture.
     const uint8_t* at(int32_t row, ptrdiff_t byte) const {
-      return advance(advance(const_cast<uint8_t*>(base), pitch, row), 1, byte);
+      return advance(advance(base, pitch, row), 1, byte);
     }
   };
   // Of Y or pixels, U, V.
@@ -88,7 +87,7 @@ class Source {
   bool needsNoRooms(const Positions& positions, int32_t start) const;
 
   // Asks memory for the columns of rows that will be wanted.
-  void fetch(const SourcePair& rows, const Columns& columns) const;
+  void prefetch(const SourcePair& rows, const Columns& columns) const;
 
   // Bytes of a pixel as it is returned: those of the format, or 3 where 16-bit pixels are blended.
   int32_t bytesOf(const Columns& columns) const {
@@ -106,7 +105,7 @@ class Source {
   void sample(const SourcePair& row, const Columns& columns, uint8_t* room);
   void sampleChroma(const uint8_t* row, const ChromaColumns& columns, uint8_t* room);
   bool hasReadyChroma() const { return chroma_ != Chroma::none && chroma_ != Chroma::apart; }
-  void fetchChroma(int32_t row, const Columns& columns) const;
+  void prefetchChroma(int32_t row, const Columns& columns) const;
   void groupsAt(const SourcePair& row, const Columns& columns, simd::YuvRow* made) const;
   const uint8_t* packedLuma(const SourcePair& row, const Columns& columns, uint8_t* room) const;
   ChromaRow groupedChroma(int32_t row, const ChromaColumns& columns, uint8_t* roomU,

@@ -1,5 +1,6 @@
 #include "convert/kernels/tables.h"
 
+#include "convert/format_decoder.h"
 #include "convert/tables.h"
 
 namespace qpx::convert::fast {
@@ -31,16 +32,16 @@ ToYuvWeights toYuvWeightsOf(const ConvRecord& record, bool redFirst) {
     weights[3] = words[r] + words[g] + words[b];
   };
   ToYuvWeights weights = {};
-  fill(0, 256, 512, weights.y);
-  fill(768, 1024, 1280, weights.chroma.u);
-  fill(1280, 1536, 1792, weights.chroma.v);
+  fill(kRedToY, kGreenToY, kBlueToY, weights.y);
+  fill(kRedToU, kGreenToU, kBlueToU, weights.chroma.u);
+  fill(kRedToV, kGreenToV, kBlueToV, weights.chroma.v);
   return weights;
 }
 
 ColourLut colourLutOf(const ConvRecord& record) {
-  if (record.convKind != 0 || record.useLut == 0) return {};
+  if (record.convKind != kYuvToYuv || record.useLut == 0) return {};
   const auto* const bytes = static_cast<const uint8_t*>(record.tables);
-  return {bytes, bytes + 256};
+  return {bytes, bytes + kChromaLut};
 }
 
 }  // namespace qpx::convert::fast

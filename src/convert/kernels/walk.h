@@ -26,7 +26,7 @@ inline constexpr int32_t kRowsAhead = 16;
 // The rectangle in bands of rows and runs of columns, at most `run` pixels long. A sink is told of
 // a run in a band, begin(columns, y), then of each of its rows, row(index, y, place), and that was
 // all, end(rows). Where a picture is turned, runs are short and lie below each other: it is told of
-// rows to come, expect(place).
+// rows to come, prefetch(place).
 template <typename Sink>
 void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const Positions positions(call);
@@ -36,7 +36,7 @@ void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const auto walkBand = [&](int32_t left, int32_t top, int32_t bottom) {
     sink->begin(positions, left, runEnd(left) - left, top);
     for (int32_t y = top; y < bottom; ++y) {
-      if (isTurned && positions.isDirect()) sink->expect(positions.row(y + kRowsAhead));
+      if (isTurned && positions.isDirect()) sink->prefetch(positions.row(y + kRowsAhead));
       sink->row(y - top, y, positions.row(y));
     }
     sink->end(bottom - top);

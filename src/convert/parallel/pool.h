@@ -25,8 +25,8 @@ struct McvTask {
   int32_t id;
 };
 
-// What a thread is given. `next` chains first workers of all pools that run, and behind the last
-// worker that a pool has a place for, the others.
+// What a thread is given. `next` links the first workers of all running pools; from the last worker
+// that a pool has a place for on, the further workers of its own pool.
 struct McvWorker {
   int32_t index;
   McvWorker* next;

@@ -3,7 +3,8 @@
 #include <qpx/convert_wide.h>
 
 #include "convert/format_decoder.h"
-#include "convert/kernels/kernel_call.h"
+#include "convert/record.h"
+#include "convert/strip_walk.h"
 #include "convert/wide/wide_call.h"
 
 namespace qpx::convert::wide {
@@ -12,7 +13,6 @@ namespace {
 using Kernel = void (*)(const MRect*, const int32_t*, const int32_t*, uint8_t* const*,
                         const uint8_t* const*, const ConvRecord*);
 
-constexpr uint32_t kBlocksOf4 = 3;
 constexpr uint32_t kTurned90 = 3;
 
 bool isNv(uint32_t klass) { return klass == kNv21 || klass == kNv12; }
@@ -116,11 +116,11 @@ Kernel kernelFor(const ConvRecord& record) {
   if (turnsNv21(record)) return PUZUMPE_NV21toBGR32_Fast_BilNear_R90;
   if (record.params.orient != 0) return nullptr;
   if (record.bilinearY != 0) return resampled(record);
-  return record.isUnit != 0 && record.convKind == 1 ? toPixels(record) : nullptr;
+  return record.isUnit != 0 && record.convKind == kYuvToRgb ? toPixels(record) : nullptr;
 }
 
 bool takesRect(const MRect& rect, const ConvRecord& record) {
-  return hasWholeBlocks(rect) && fast::isInDestination(rect, record) &&
+  return hasWholeBlocks(rect) && isInDestination(rect, record) &&
          (record.bilinearY != 0 || liesInSource(rect, record));
 }
 

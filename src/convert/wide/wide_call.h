@@ -53,12 +53,6 @@ struct WideCall {
     return {target(0, row), target(1, row), target(2, row), record->dstPlane.step[0],
             record->dstPlane.step[1]};
   }
-
- private:
-  static int32_t planeOf(const ConvPlanes& planes, int32_t component) {
-    if (planes.count == 1 || component == 0) return 0;
-    return component == 1 ? planeOfU(planes.klass) : planeOfV(planes.klass);
-  }
 };
 
 }  // namespace qpx::convert::wide
