@@ -194,13 +194,12 @@ bool Source::needsNoRooms(const Positions& positions, int32_t start) const {
   return wholeCells && hasReadyChroma();
 }
 
-void Source::prefetch(const SourcePair& rows, const Columns& columns) const {
+void Source::prefetch(const SourcePair& row, const Columns& columns) const {
   const ptrdiff_t bytes = isRgb() ? pixelBytes(format_) : chroma_ == Chroma::groups ? 2 : 1;
   const ptrdiff_t begin = bytes * columns.first(), end = bytes * (columns.last() + 1);
-  prefetchBytes(plane(0), rows.first, begin, end);
-  if (rows.second != rows.first) prefetchBytes(plane(0), rows.second, begin, end);
-  const bool startsCell = ((rows.first >> shiftY_) << shiftY_) == rows.first;
-  if (startsCell && (hasPairs() || hasPlanes())) prefetchChroma(rows.first >> shiftY_, columns);
+  prefetchBytes(plane(0), row.first, begin, end);
+  const bool startsCell = ((row.first >> shiftY_) << shiftY_) == row.first;
+  if (startsCell && (hasPairs() || hasPlanes())) prefetchChroma(row.first >> shiftY_, columns);
 }
 
 void Source::prefetchChroma(int32_t row, const Columns& columns) const {

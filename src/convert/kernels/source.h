@@ -86,8 +86,8 @@ class Source {
   // they are.
   bool needsNoRooms(const Positions& positions, int32_t start) const;
 
-  // Asks memory for the columns of rows that will be wanted.
-  void prefetch(const SourcePair& rows, const Columns& columns) const;
+  // Asks memory for the columns of a row that will be wanted, where pixels correspond one to one.
+  void prefetch(const SourcePair& row, const Columns& columns) const;
 
   // Bytes of a pixel as it is returned: those of the format, or 3 where 16-bit pixels are blended.
   int32_t bytesOf(const Columns& columns) const {
