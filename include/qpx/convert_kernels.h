@@ -11,15 +11,32 @@
  * YUV422, planar with H halved across and with V halved down), NVXY both NV21 and NV12, Gray one
  * plane of luma.
  *
- * Resampling. NORESAMPLE, NoResample, NoResize, NO: both steps are 1. RESAMPLE, N_RESAMPLE,
- * N_RESIZE, Nearest, REAMPLE: the nearest pixel to the left and above. BILINEAR, BILINEARN,
- * BILINAR, BilNear: between four pixels, chroma of YUV sources nearest. No word: as the record
- * says.
+ * Resampling:
  *
- * Orientation, by the three bits of ConvParams.orient (exchange of X and Y, mirror left-right,
- * mirror top-bottom): R0, NOROTATE 0 0 0; R90, 90 1 1 0; R180, 180, Rotate180 0 1 1; R270, 270 1 0
- * 1; SwapXY, SXY 1 0 0; H_Flip, HFlip, HORIZONTAL, MLR 0 1 0; V_Flip, VERTICAL 0 0 1; Rotate a
- * quarter turn either way. No word: any.
+ *   NORESAMPLE, NOREAMPLE,      both steps are 1
+ *   NoResample, NoResize, NO
+ *   RESAMPLE, REAMPLE,          the nearest pixel to the left and above
+ *   N_RESAMPLE, N_RESIZE,
+ *   Resample, Nearest
+ *   BILINEAR, BILINEARN,        between four pixels, chroma of YUV sources nearest
+ *   BILINAR, Bilinear, BilNear
+ *   no word                     as the record says
+ *
+ * Orientation, by the three bits of ConvParams.orient:
+ *
+ *                                   exchange of   mirror       mirror
+ *                                   X and Y       left-right   top-bottom
+ *   R0, NOROTATE, second NO         0             0            0
+ *   R90, 90                         1             1            0
+ *   R180, 180, Rotate180            0             1            1
+ *   R270, 270                       1             0            1
+ *   SwapXY, SXY                     1             0            0
+ *   H_Flip, HFlip, HORIZONTAL, MLR  0             1            0
+ *   V_Flip, VERTICAL                0             0            1
+ *   Rotate                          as R90 or as R270
+ *   R90AndVertical                  as R90 or as VERTICAL
+ *   ROTATE, Any                     any
+ *   no word                         any, or of some names 0 0 0 alone
  *
  * Block. Frames choose kernels of 2x2 and 4x4 for rectangles that are multiples of it, under a
  * block mode that allows it; called by themselves they take any rectangle.

@@ -28,8 +28,10 @@ typedef struct ConvFormat {
   uint32_t klass;
   uint32_t width; /* of the rectangle, after fitting; of the destination as the picture lies */
   uint32_t height;
-  uint32_t colour; /* 0x10001 BT.601 video range, 0x10002 BT.601 full range, 0x20001 BT.709 video
-                      range, 0x20002 BT.709 full range; bits a pixel of an RGB or palette format */
+  uint32_t colour; /* of YUV and grey 0x10001 BT.601 video range, 0x10002 BT.601 full range,
+                      0x20001 BT.709 video range, 0x20002 BT.709 full range; where the range alone
+                      counts, bit 0 (video) and bit 1 (full) are tested by themselves. Bits a pixel
+                      of an RGB or palette format */
   uint32_t maskR;  /* field masks of an RGB pixel; of a YUV format how many columns (maskR) and
                       rows (maskG) of luma share a chroma sample */
   uint32_t maskG;
@@ -41,7 +43,7 @@ typedef struct ConvFormat {
 typedef struct ConvParams {
   uint32_t interp; /* 2 bilinear, anything else nearest */
   uint32_t orient; /* bit 0 exchange of X and Y, bit 1 mirror left-right, bit 2 mirror top-bottom */
-  uint32_t blockHint; /* 4: strips of 64 rows in place of 32, and the wide mark */
+  uint32_t blockHint; /* 4: strips of 64 rows in place of 32 */
   uint32_t blockMode; /* 1 any rectangle, 2 blocks of 2x2, 3 blocks of 4x4, 4 bilinear blocks of
                          4x4 of I420; anything else counts as 1 */
   uint32_t fit;       /* bit 0 shrink the destination rectangle, bit 1 crop the source rectangle, to
@@ -67,7 +69,7 @@ typedef struct ConvPlanes {
   int32_t step[3];      /* bytes between neighbouring samples of Y, U and V (or of pixels) */
   uint32_t interleaved; /* the two chroma planes are one plane of pairs */
   uint32_t planar;
-  uint32_t count;    /* planes */
+  uint32_t count;    /* 1, or 3: semi-planar formats count U and V apart */
   int32_t offset[3]; /* byte offsets of Y, U and V from their plane's start */
   uint32_t bitsPerPixel;
 } ConvPlanes;
@@ -75,8 +77,9 @@ typedef struct ConvPlanes {
 /* A conversion, worked out. */
 typedef struct ConvRecord {
   uint32_t tableBytes;
-  void* tables;    /* the one block of look-up tables; words are 32 bits */
-  uint32_t uIndex; /* word indexes of the three tables from YUV to RGB */
+  void* tables;    /* the one block of look-up tables, or null where none is needed: owned by the
+                      context, shared by its stages; its layout is private to the library */
+  uint32_t uIndex; /* of the three tables from YUV to RGB in it, in words of 32 bits */
   uint32_t vIndex;
   uint32_t yIndex;
   uint32_t useLut;    /* a colour table from YUV to YUV is in use */

@@ -3,10 +3,17 @@
  *
  * A context is made once for a pair of formats and sizes and used for any number of calls:
  *
- *   PostProcessImage from = {QPX_FORMAT_NV21, 1920, 1080}, to = {QPX_FORMAT_BGRA32, 540, 960};
- *   PostProcessOption option = {.resampleMode = 2, .orientation = 3, .alignMode = 256, .alpha =
- * 255}; PostProcessContext* context = NULL; if (MPPCreate(&from, &to, &option, &context) == QPX_OK)
- * { MPProcess(context, nv21Planes, NULL, nv21Pitches, bgraPlanes, bgraPitches);
+ *   PostProcessImage from = {.format = QPX_FORMAT_NV21, .width = 1920, .height = 1080};
+ *   PostProcessImage to = {.format = QPX_FORMAT_BGRA32, .width = 540, .height = 960};
+ *   PostProcessOption option = {
+ *       .resampleMode = 2,
+ *       .orientation = 3,
+ *       .alignMode = 256,
+ *       .alpha = 255,
+ *   };
+ *   PostProcessContext* context = NULL;
+ *   if (MPPCreate(&from, &to, &option, &context) == QPX_OK) {
+ *     MPProcess(context, nv21Planes, NULL, nv21Pitches, bgraPlanes, bgraPitches);
  *     MPPDestroy(context);
  *   }
  *
@@ -30,7 +37,7 @@ typedef struct PostProcessImage {
   uint32_t format; /* a format code */
   uint32_t width;  /* of the rectangle, in pixels */
   uint32_t height;
-  int32_t pitch[3];       /* a host's own note: MPProcess takes pitches with the planes */
+  int32_t pitch[3];       /* not read: MPProcess takes pitches with the planes */
   const uint8_t* palette; /* read with palette formats alone: 2, 16 or 256 entries of four bytes, B,
                              G, R and one unused. It must live as long as the context. */
 } PostProcessImage;
@@ -41,12 +48,14 @@ typedef struct PostProcessOption {
   uint32_t orientation; /* bit 0 exchanges X and Y, bit 1 mirrors left-right, bit 2 top-bottom: 3 is
                            a quarter turn clockwise, 6 a half turn, 5 a quarter turn back */
   uint32_t filterLevel; /* 4: turned pictures are written in bands of 64 rows in place of 32 */
-  uint32_t alignMode; /* 256 cuts every request into an aligned middle and its margins, the fastest
-                         for requests of any shape; 1 none, 2 and 3 rectangles that are multiples of
-                         2 and 4; 4 the same as 3 but for resampled I420. Colours are the same in
-                         all modes, but that the widest kernels for full-range BT.601 are less
-                         exact by a level or two, and that dither follows the pieces in which a
-                         request is done. */
+  uint32_t alignMode;   /* 1 requests of any shape; 2 and 3 requests that are multiples of 2 and 4,
+                           which block kernels take; 4 the same as 3 but for resampled I420; 256
+                           requests of any shape: the aligned middle goes through the block kernels
+                           where these make other bytes than the whole, else the request is done in
+                           one piece. Anything else counts as 1. Bytes are the same in all modes, but
+                           that the widest kernels for full-range BT.601 are off by up to three
+                           levels, by some more where they resample, and that dither, and chroma of
+                           YUYV from odd columns, follow the pieces in which a request is done. */
   uint32_t fitMode; /* keeps the aspect ratio: bit 0 shrinks the destination rectangle, bit 1 crops
                        the source rectangle */
   uint32_t palette; /* non-zero dithers destinations of 16-bit RGB, others not: YUV sources always,

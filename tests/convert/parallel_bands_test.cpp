@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <kesbase.h>
 
+#include <algorithm>
 #include <thread>
 #include <vector>
 
@@ -30,6 +31,12 @@ constexpr Pair kPairs[] = {
     {0x501, 0x201}, {0x201, 0x501}};
 static_assert(std::size(kPairs) == 44);
 
+const Member& memberOf(const Pair& pair) {
+  return *std::ranges::find_if(members(), [&](const Member& member) {
+    return member.dispatched && member.src == pair.src && member.dst == pair.dst;
+  });
+}
+
 // Each test with a context of four threads.
 class Bands : public ::testing::Test {
  protected:
@@ -45,18 +52,19 @@ class Bands : public ::testing::Test {
   McvColorCvtContext* context_ = nullptr;
 };
 
-TEST_F(Bands, GiveTheBytesOfOneCall) {
+TEST_F(Bands, GiveTheBytesOfTheMember) {
   uint32_t seed = 0;
   for (const Pair& pair : kPairs) {
+    const Member& member = memberOf(pair);
     for (const int32_t height : {2, 3, 4, 7, 30, 31, 32, 33, 34, 63, 65, 98, 131}) {
       ++seed;
       const auto alpha = static_cast<uint8_t>(seed);
       const McvPicture src(pair.src, 22 + static_cast<int32_t>(seed % 2), height, seed);
       const McvPicture actual(pair.dst, src.width(), height, seed + 1000);
       const McvPicture expected = actual.copy();
-      ASSERT_EQ(0, mcvColorCvt(src.image(), expected.image(), alpha));
+      ASSERT_EQ(0, member(src.image(), expected.image(), alpha));
       ASSERT_EQ(0, mcvColorCvtProcess_MultiThreads(context_, src.image(), actual.image(), &alpha));
-      ASSERT_EQ("", expected.differenceTo(actual)) << pair.src << ' ' << pair.dst << ' ' << height;
+      ASSERT_EQ("", expected.differenceTo(actual)) << member.name << ' ' << height;
     }
   }
 }

@@ -1,6 +1,7 @@
 // Conversions of whole images in bands of whole pairs of rows, which no row of chroma straddles.
 #include <kesbase.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <new>
@@ -37,75 +38,33 @@ McvImage rowsOf(const McvImage& image, const McvBand& band) {
   return rows;
 }
 
-int32_t call(int32_t (*member)(const McvImage*, const McvImage*), const McvImage& src,
-             const McvImage& dst, uint8_t /*alpha*/) {
-  return member(&src, &dst);
-}
-
-int32_t call(int32_t (*member)(const McvImage*, const McvImage*, uint8_t), const McvImage& src,
-             const McvImage& dst, uint8_t alpha) {
-  return member(&src, &dst, alpha);
-}
-
-// Too few rows are refused by the member, and that is all right.
-template <auto kMember>
+// Too few rows are refused, and that is all right.
 void* convertBand(void* arg) {
   const McvBand& band = *static_cast<const McvBand*>(arg);
-  call(kMember, rowsOf(*band.src, band), rowsOf(*band.dst, band), *band.param);
+  const McvImage src = rowsOf(*band.src, band), dst = rowsOf(*band.dst, band);
+  mcvColorCvt(&src, &dst, *band.param);
   return nullptr;
 }
 
-struct BandedConversion {
-  FormatPair formats;
-  McvTaskFunc convert;
+// By id.
+constexpr FormatPair kBanded[] = {
+    {MCV_NV21, MCV_RGBA8888},    {MCV_NV21, MCV_RGB888},      {MCV_NV21, MCV_BGR888},
+    {MCV_NV21, MCV_I420},        {MCV_NV21, MCV_BGRA8888},    {MCV_NV12, MCV_I420},
+    {MCV_NV12, MCV_RGBA8888},    {MCV_NV12, MCV_BGRA8888},    {MCV_I420, MCV_RGBA8888},
+    {MCV_I420, MCV_RGB888},      {MCV_I420, MCV_NV21},        {MCV_I420, MCV_YUYV},
+    {MCV_I420, MCV_BGRA8888},    {MCV_I420, MCV_BGR888},      {MCV_RGBA8888, MCV_NV21},
+    {MCV_RGBA8888, MCV_NV12},    {MCV_RGBA8888, MCV_I420},    {MCV_BGRA8888, MCV_NV21},
+    {MCV_BGRA8888, MCV_NV12},    {MCV_BGRA8888, MCV_I420},    {MCV_RGB888, MCV_I420},
+    {MCV_BGR888, MCV_I420},      {MCV_BGR888, MCV_NV21},      {MCV_I422H, MCV_I420},
+    {MCV_I422H, MCV_NV21},       {MCV_I422H, MCV_NV12},       {MCV_I422H, MCV_YUYV},
+    {MCV_I422H, MCV_LPI422H},    {MCV_I422V, MCV_I420},       {MCV_I422V, MCV_NV21},
+    {MCV_I422V, MCV_NV12},       {MCV_I422V, MCV_YUYV},       {MCV_I422V, MCV_LPI422H},
+    {MCV_I444, MCV_I420},        {MCV_I444, MCV_NV21},        {MCV_I444, MCV_NV12},
+    {MCV_I444, MCV_YUYV},        {MCV_I444, MCV_LPI422H},     {MCV_BGRA8888, MCV_LPI422H},
+    {MCV_LPI422H, MCV_BGRA8888}, {MCV_RGBA8888, MCV_LPI422H}, {MCV_LPI422H, MCV_RGBA8888},
+    {MCV_YUYV, MCV_BGR888},      {MCV_BGR888, MCV_YUYV},
 };
-
-constexpr BandedConversion kBanded[kConversions] = {
-    {{MCV_NV21, MCV_RGBA8888}, convertBand<mcvColorNV21toRGBA8888u8>},
-    {{MCV_NV21, MCV_RGB888}, convertBand<mcvColorNV21toRGB888u8>},
-    {{MCV_NV21, MCV_BGR888}, convertBand<mcvColorNV21toBGR888u8>},
-    {{MCV_NV21, MCV_I420}, convertBand<mcvColorNV21toI420u8>},
-    {{MCV_NV21, MCV_BGRA8888}, convertBand<mcvColorNV21toBGRA8888u8>},
-    {{MCV_NV12, MCV_I420}, convertBand<mcvColorNV12toI420u8>},
-    {{MCV_NV12, MCV_RGBA8888}, convertBand<mcvColorNV12toRGBA8888u8>},
-    {{MCV_NV12, MCV_BGRA8888}, convertBand<mcvColorNV12toBGRA8888u8>},
-    {{MCV_I420, MCV_RGBA8888}, convertBand<mcvColorI420toRGBA8888u8>},
-    {{MCV_I420, MCV_RGB888}, convertBand<mcvColorI420toRGB888u8>},
-    {{MCV_I420, MCV_NV21}, convertBand<mcvColorI420toNV21u8>},
-    {{MCV_I420, MCV_YUYV}, convertBand<mcvColorI420toYUYVu8>},
-    {{MCV_I420, MCV_BGRA8888}, convertBand<mcvColorI420toBGRA8888u8>},
-    {{MCV_I420, MCV_BGR888}, convertBand<mcvColorI420toBGR888u8>},
-    {{MCV_RGBA8888, MCV_NV21}, convertBand<mcvColorRGBA8888toNV21u8>},
-    {{MCV_RGBA8888, MCV_NV12}, convertBand<mcvColorRGBA8888toNV12u8>},
-    {{MCV_RGBA8888, MCV_I420}, convertBand<mcvColorRGBA8888toI420u8>},
-    {{MCV_BGRA8888, MCV_NV21}, convertBand<mcvColorBGRA8888toNV21u8>},
-    {{MCV_BGRA8888, MCV_NV12}, convertBand<mcvColorBGRA8888toNV12u8>},
-    {{MCV_BGRA8888, MCV_I420}, convertBand<mcvColorBGRA8888toI420u8>},
-    {{MCV_RGB888, MCV_I420}, convertBand<mcvColorRGB888toI420u8>},
-    {{MCV_BGR888, MCV_I420}, convertBand<mcvColorBGR888toI420u8>},
-    {{MCV_BGR888, MCV_NV21}, convertBand<mcvColorBGR888toNV21u8>},
-    {{MCV_I422H, MCV_I420}, convertBand<mcvColorI422HtoI420u8>},
-    {{MCV_I422H, MCV_NV21}, convertBand<mcvColorI422HtoNV21u8>},
-    {{MCV_I422H, MCV_NV12}, convertBand<mcvColorI422HtoNV12u8>},
-    {{MCV_I422H, MCV_YUYV}, convertBand<mcvColorI422HtoYUYVu8>},
-    {{MCV_I422H, MCV_LPI422H}, convertBand<mcvColorI422HtoLPI422Hu8>},
-    {{MCV_I422V, MCV_I420}, convertBand<mcvColorI422VtoI420u8>},
-    {{MCV_I422V, MCV_NV21}, convertBand<mcvColorI422VtoNV21u8>},
-    {{MCV_I422V, MCV_NV12}, convertBand<mcvColorI422VtoNV12u8>},
-    {{MCV_I422V, MCV_YUYV}, convertBand<mcvColorI422VtoYUYVu8>},
-    {{MCV_I422V, MCV_LPI422H}, convertBand<mcvColorI422VtoLPI422Hu8>},
-    {{MCV_I444, MCV_I420}, convertBand<mcvColorI444toI420u8>},
-    {{MCV_I444, MCV_NV21}, convertBand<mcvColorI444toNV21u8>},
-    {{MCV_I444, MCV_NV12}, convertBand<mcvColorI444toNV12u8>},
-    {{MCV_I444, MCV_YUYV}, convertBand<mcvColorI444toYUYVu8>},
-    {{MCV_I444, MCV_LPI422H}, convertBand<mcvColorI444toLPI422Hu8>},
-    {{MCV_BGRA8888, MCV_LPI422H}, convertBand<mcvColorBGRA8888toLPI422Hu8>},
-    {{MCV_LPI422H, MCV_BGRA8888}, convertBand<mcvColorLPI422HtoBGRA8888u8>},
-    {{MCV_RGBA8888, MCV_LPI422H}, convertBand<mcvColorRGBA8888toLPI422Hu8>},
-    {{MCV_LPI422H, MCV_RGBA8888}, convertBand<mcvColorLPI422HtoRGBA8888u8>},
-    {{MCV_YUYV, MCV_BGR888}, convertBand<mcvColorYUYVtoBGR888u8>},
-    {{MCV_BGR888, MCV_YUYV}, convertBand<mcvColorBGR888toYUYVu8>},
-};
+static_assert(std::size(kBanded) == kConversions);
 
 }  // namespace
 }  // namespace qpx
@@ -114,7 +73,7 @@ struct McvColorCvtContext {
   McvParallel* engine;
   int32_t ownsEngine;
   int32_t bandCount;
-  McvTaskFunc bands[qpx::kConversions];
+  McvTaskFunc bands[qpx::kConversions];  // all the same: hosts know the record by its words
 };
 
 namespace qpx {
@@ -162,7 +121,7 @@ using namespace qpx;
 int32_t mcvColorCvtFunc(const McvImage* src, const McvImage* dst) {
   if (src == nullptr || dst == nullptr) return -1;
   for (int32_t id = 0; id < kConversions; ++id) {
-    const FormatPair& formats = kBanded[id].formats;
+    const FormatPair& formats = kBanded[id];
     if (formats.src == src->format && formats.dst == dst->format) return id;
   }
   return -1;
@@ -184,7 +143,7 @@ McvColorCvtContext* mcvColorCvtInit_MultiThreads(void* memContext) {
   context->engine = engine;
   context->ownsEngine = 1;
   context->bandCount = kBandsPerThread * mcvParallelEngineCores(engine);
-  for (int32_t id = 0; id < kConversions; ++id) context->bands[id] = kBanded[id].convert;
+  std::fill(std::begin(context->bands), std::end(context->bands), convertBand);
   return context;
 }
 
@@ -196,7 +155,7 @@ int32_t mcvColorCvtProcess_MultiThreads(McvColorCvtContext* context, const McvIm
     std::printf("[ERROR] mcvColorCvtForBigPixmorph error funcID!! %d\n", static_cast<int>(id));
     return kMcvRefused;
   }
-  if (const int32_t answer = checkImages(kBanded[id].formats, src, dst); answer != kMcvDone) {
+  if (const int32_t answer = checkImages(kBanded[id], src, dst); answer != kMcvDone) {
     return answer;
   }
   McvBand bands[kPlaces];
