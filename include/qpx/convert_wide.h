@@ -1,7 +1,7 @@
 /* The widest kernels of the conversion: whole rows of the pairs of formats that cameras and screens
  * use, in BT.601 full range, with small fixed-point weights in place of look-up tables. They are
- * fast rather than equal: against the other kernels a channel may differ by 2, bilinear samples
- * by 3.
+ * fast rather than equal: against the other kernels a channel may differ by 3 and resampled luma by
+ * 5; resampled chroma is that of another column, or of another pixel of its cell.
  *
  * All have the shape of a frame (convert.h) and are chosen by PUZUMPE_ALL, the first of the chain.
  * A kernel called directly trusts the record: it must be one for which PUZUMPE_ALL chooses it, and
