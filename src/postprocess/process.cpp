@@ -49,13 +49,17 @@ bool takesWideBlocks(const ConvRecord& record, const Planes& planes) {
          planes.srcPitch[0] % 4 == 0 && planes.dstPitch[0] % 4 == 0 && blocksMeetEdges(record);
 }
 
+// YUYV counts its chroma cells from the column that the source has first.
+bool beginsInCell(const ConvRecord& record, const MRect& request) {
+  const int32_t first = record.mirrorX != 0 ? request.right : request.left;
+  return record.dst.klass == convert::kYuyv && record.swapXY == 0 && first % 2 != 0;
+}
+
 // Whether pieces come to other pixels than the whole: by kernels that round their own way, as
-// dither hands its rests on, or where a format counts its chroma cells from the rectangle's first
-// column.
+// dither hands its rests on, or where cells begin with each piece.
 bool differsInPieces(const ConvRecord& record, const MRect& request, const Piece& inner) {
-  const bool movesCells = record.dst.klass == convert::kYuyv && request.left % 2 != 0;
   const bool mayBeWide = inner.stage == 2 && convert::wide::mayBeWide(record);
-  return record.dither != 0 || movesCells || mayBeWide;
+  return record.dither != 0 || beginsInCell(record, request) || mayBeWide;
 }
 
 void runSplit(const PostProcessContext& context, const Planes& planes, const MRect& request) {

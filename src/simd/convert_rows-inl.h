@@ -173,7 +173,7 @@ HWY_INLINE hn::Vec<D> reversed(D d, hn::Vec<D> v, const uint8_t* order) {
 
 // Calls step(from, to) for whole vectors of `length` elements, of which the last may overlap the
 // one before it. False if there are fewer. Forwards through the source: where rows are turned
-// upside down as well, both pictures are walked through in the order of memory.
+// upside down as well, each picture is walked through without jumps.
 template <class Step>
 HWY_INLINE bool eachReversed(ptrdiff_t length, ptrdiff_t count, const Step& step) {
   const ptrdiff_t last = count - length;

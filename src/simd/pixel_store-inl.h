@@ -117,21 +117,21 @@ class PixelStore;
 
 #if HWY_TARGET == HWY_AVX3_DL
 
-// Byte t of the vectors that 64 pixels make up is byte (t / kBytes) of channel t % kBytes. Those of
+// Byte t of the vectors that 64 pixels make up is channel t % kBytes of pixel t / kBytes. Those of
 // the first two channels are looked up in both at once.
 template <size_t kBytes>
 struct PixelPlaces {
   alignas(64) uint8_t place[kBytes * 64] = {};
-  uint64_t ofTwo[kBytes] = {};  // bytes of an output, and those of the third channel
-  uint64_t ofThird[kBytes] = {};
+  uint64_t fromFirstTwo[kBytes] = {};  // bytes of an output, and those of the third channel
+  uint64_t fromThird[kBytes] = {};
 
   constexpr PixelPlaces() {
     for (size_t t = 0; t < kBytes * 64; ++t) {
       const size_t pixel = t / kBytes, channel = t % kBytes;
       const size_t packed = pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
       place[t] = static_cast<uint8_t>(packed + (channel == 1 ? 64 : 0));
-      if (channel < 2) ofTwo[t / 64] |= uint64_t{1} << t % 64;
-      if (channel == 2) ofThird[t / 64] |= uint64_t{1} << t % 64;
+      if (channel < 2) fromFirstTwo[t / 64] |= uint64_t{1} << t % 64;
+      if (channel == 2) fromThird[t / 64] |= uint64_t{1} << t % 64;
     }
   }
 };
@@ -156,7 +156,7 @@ class PixelStore : public GroupsInOrder {
   template <size_t kOutput>
   HWY_INLINE void store(V8 c0, V8 c1, V8 c2, uint8_t* dst) const {
     constexpr const PixelPlaces<kBytes>& kPlaces = kPixelPlaces<kBytes>;
-    constexpr uint64_t kTwo = kPlaces.ofTwo[kOutput], kThird = kPlaces.ofThird[kOutput];
+    constexpr uint64_t kTwo = kPlaces.fromFirstTwo[kOutput], kThird = kPlaces.fromThird[kOutput];
     const __m512i places = _mm512_load_si512(kPlaces.place + 64 * kOutput);
     const __m512i two = _mm512_maskz_permutex2var_epi8(kTwo, c0.raw, places, c1.raw);
     if constexpr (kBytes == 3) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "convert/conversion_model.h"
+#include "engine/address.h"
 #include "postprocess/context.h"
 #include "support/picture.h"
 
@@ -330,6 +331,24 @@ TEST(PostProcess, StaysInRowsThatLieAPixelApart) {
     EXPECT_EQ(QPX_OK, MPProcess(handle, from, nullptr, srcPitch, into, dstPitch));
     MPPDestroy(handle);
   }
+}
+
+// Turned, so that rows are asked for ahead, and where coordinates end.
+TEST(PostProcess, TurnsAtTheLastColumns) {
+  constexpr int32_t kFar = INT32_MAX - 16;
+  const PostProcessImage image = imageOf(QPX_FORMAT_GREY8, 16, 16);
+  const ConversionPicture src(QPX_FORMAT_GREY8, 16, 16, 1);
+  ConversionPicture near(QPX_FORMAT_GREY8, 16, 16, 2), far(near);
+  PostProcessOption option = {};
+  option.orientation = 1;
+  ASSERT_EQ(QPX_OK, Context(image, image, option).run(src, nullptr, &near));
+  option.dstLeft = kFar;
+  const Context context(image, image, option);
+  ASSERT_EQ(QPX_OK, context.result);
+  uint8_t* const planes[3] = {retreat(far.planes()[0], kFar, 1), nullptr, nullptr};
+  ASSERT_EQ(QPX_OK,
+            MPProcess(context.handle, src.planes(), nullptr, src.pitches(), planes, far.pitches()));
+  EXPECT_TRUE(near.sameBytes(far));
 }
 
 // Blocks of four columns of a palette of 1 bit: the excerpt begins with a whole byte.

@@ -164,12 +164,14 @@ TEST(SplitProcess, LeavesSmallRequestsToTheOthers) {
   EXPECT_FALSE(differs({0, 9, 64, 23}));
 }
 
-// Without a wide middle there is one of blocks of 2x2.
-void expectPieces(uint32_t format, uint32_t dither) {
+// A request of which pieces differ from the whole. Without a wide middle there is one of blocks of
+// 2x2.
+void expectPieces(uint32_t format, uint32_t dither, uint32_t orientation, const MRect& request) {
   const ConversionPicture src(QPX_FORMAT_NV21, kWidth, kHeight, 1);
   const auto runAs = [&](uint32_t alignMode, const MRect& rect, ConversionPicture* dst) {
     PostProcessOption option = optionOf(alignMode);
     option.palette = dither;
+    option.orientation = orientation;
     const Context context(imageOf(QPX_FORMAT_NV21, kWidth, kHeight),
                           imageOf(format, kWidth, kHeight), option);
     ASSERT_EQ(QPX_OK, context.result);
@@ -178,12 +180,12 @@ void expectPieces(uint32_t format, uint32_t dither) {
   };
   ConversionPicture whole(format, kWidth, kHeight, 2);
   ConversionPicture pieces(whole), split(whole);
-  constexpr MRect kNarrow = {3, 5, 17, 37};
-  runAs(1, kNarrow, &whole);
-  runAs(256, kNarrow, &split);
+  runAs(1, request, &whole);
+  runAs(256, request, &split);
   runAs(2, {4, 6, 16, 36}, &pieces);
-  for (const MRect& margin :
-       {MRect{3, 5, 17, 6}, MRect{3, 36, 17, 37}, MRect{3, 6, 4, 36}, MRect{16, 6, 17, 36}}) {
+  for (const MRect& margin : {MRect{request.left, request.top, request.right, 6},
+                              MRect{request.left, 36, request.right, request.bottom},
+                              MRect{request.left, 6, 4, 36}, MRect{16, 6, request.right, 36}}) {
     runAs(1, margin, &pieces);
   }
   EXPECT_TRUE(pieces.sameBytes(split));
@@ -191,10 +193,15 @@ void expectPieces(uint32_t format, uint32_t dither) {
 }
 
 // The rests of dithered pixels are handed on within a piece.
-TEST(SplitProcess, DithersPieceByPiece) { expectPieces(QPX_FORMAT_RGB565, 1); }
+TEST(SplitProcess, DithersPieceByPiece) { expectPieces(QPX_FORMAT_RGB565, 1, 0, {3, 5, 17, 37}); }
 
-// Its cells begin with each piece.
-TEST(SplitProcess, PacksYuyvPieceByPiece) { expectPieces(QPX_FORMAT_YUYV, 0); }
+// Its cells begin with each piece, at the column that comes first in the source.
+TEST(SplitProcess, PacksYuyvPieceByPiece) {
+  expectPieces(QPX_FORMAT_YUYV, 0, 0, {3, 5, 17, 37});
+  expectPieces(QPX_FORMAT_YUYV, 0, 4, {3, 5, 16, 37});
+  expectPieces(QPX_FORMAT_YUYV, 0, 2, {4, 5, 17, 37});
+  expectPieces(QPX_FORMAT_YUYV, 0, 6, {4, 5, 17, 37});
+}
 
 }  // namespace
 }  // namespace qpx::testing

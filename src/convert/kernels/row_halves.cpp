@@ -42,7 +42,7 @@ class RowHalves {
 
  private:
   bool openSameFormat(FormatSet from, FormatSet to);
-  bool openToRgb(FormatSet from, FormatSet to);
+  bool openToRgb(FormatSet to);
 
   // The left of the two columns of a pixel, and the upper of its two rows.
   int32_t columnOf(int32_t x) const { return record_.srcOrgX + 2 * (x - record_.dstOrgX); }
@@ -75,7 +75,7 @@ bool RowHalves::open(FormatSet from, FormatSet to) {
     return false;
   }
   firstRow_ = positions_.row(rect_.top).first;
-  toRgb_ = openToRgb(from, to);
+  toRgb_ = openToRgb(to);
   return toRgb_ || openSameFormat(from, to);
 }
 
@@ -90,9 +90,9 @@ bool RowHalves::openSameFormat(FormatSet from, FormatSet to) {
 }
 
 // Chroma of half the columns has a sample for each pixel.
-bool RowHalves::openToRgb(FormatSet from, FormatSet to) {
-  const bool lies = (from & kInPlanar) != 0 ? source_.hasPlanes() : source_.hasPairs();
-  if ((to & kInRgb) == 0 || !lies || source_.chromaShiftX() == 0) return false;
+bool RowHalves::openToRgb(FormatSet to) {
+  const bool canRead = source_.hasPlanes() || source_.hasPairs();
+  if ((to & kInRgb) == 0 || !canRead || source_.chromaShiftX() == 0) return false;
   bytes_ = pixelBytes(to);
   pixels_.open(record_, to);
   return true;

@@ -23,20 +23,23 @@ inline CellGrid cellsOf(const ConvRecord& record, const MRect& rect, bool counts
 // As many rows as memory takes to answer.
 inline constexpr int32_t kRowsAhead = 16;
 
-// The rectangle in bands of rows and runs of columns, at most `run` pixels long. A sink is told of
-// a run in a band, begin(columns, y), then of each of its rows, row(index, y, place), and that was
-// all, end(rows). Where a picture is turned, runs are short and lie below each other: it is told of
-// rows to come, prefetch(place).
+// The rectangle in bands of rows and runs of columns, at most `run` pixels long. A sink hears of
+// a run in a band, begin(positions, x, count, y), then of each of its rows, row(index, y, place),
+// and that was all, end(rows). Where a picture is turned but not resampled, runs are short and lie
+// below each other: it hears of rows to come, prefetch(place).
 template <typename Sink>
 void walk(const Call& call, const CellGrid& cells, int32_t run, Sink* sink) {
   const Positions positions(call);
   const MRect& rect = call.rect;
   const auto runEnd = [&](int32_t left) { return cells.x.runEnd(left, run, rect.right); };
   const bool isTurned = call.record->swapXY != 0;
+  const bool announces = isTurned && positions.isDirect();
   const auto walkBand = [&](int32_t left, int32_t top, int32_t bottom) {
     sink->begin(positions, left, runEnd(left) - left, top);
     for (int32_t y = top; y < bottom; ++y) {
-      if (isTurned && positions.isDirect()) sink->prefetch(positions.row(y + kRowsAhead));
+      if (announces && rect.bottom - y > kRowsAhead) {
+        sink->prefetch(positions.row(y + kRowsAhead));
+      }
       sink->row(y - top, y, positions.row(y));
     }
     sink->end(bottom - top);

@@ -22,10 +22,7 @@ constexpr int32_t kTurnedRun = 64;
 // Where the columns of the rectangle lie in the source.
 class Columns {
  public:
-  explicit Columns(const WideCall& call)
-      : count_(call.width()),
-        memory_(sizeof(int32_t) * (size_t(count_) + size_t(count_) / 2 + 1) +
-                sizeof(uint16_t) * size_t(count_)) {
+  explicit Columns(const WideCall& call) : count_(call.width()), memory_(bytesFor(count_)) {
     if (!*this) return;
     column_ = ::new (memory_.get()) int32_t[size_t(count_)];
     chroma_ = column_ + count_;
@@ -44,6 +41,13 @@ class Columns {
   const uint16_t* fraction() const { return fraction_; }
 
  private:
+  // More than there can be where the number does not fit.
+  static size_t bytesFor(int32_t count) {
+    const auto n = static_cast<uint64_t>(count);
+    const uint64_t bytes = sizeof(int32_t) * (n + n / 2 + 1) + sizeof(uint16_t) * n;
+    return static_cast<size_t>(std::min<uint64_t>(bytes, SIZE_MAX));
+  }
+
   int32_t count_;
   Scratch memory_;
   int32_t* column_ = nullptr;
