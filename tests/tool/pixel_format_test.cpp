@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <string>
@@ -38,6 +39,20 @@ TEST(PixelFormat, NamesAndCodesStandForOneFormat) {
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_TRUE(codes.insert(format.code).second) << format.name;
   }
+}
+
+TEST(PixelFormat, CodesTellHowAPixelIsMade) {
+  const std::set<std::string> spare = {"bgra32", "rgba32", "bgrx32", "rgbx32", "yuvx32"};
+  const std::set<std::string> chromaFirst = {"uyvy", "vyuy", "iyu2"};
+  for (const PixelFormat& format : pixelFormats()) {
+    EXPECT_EQ(hasSpareByte(format), spare.contains(format.name)) << format.name;
+    EXPECT_EQ(beginsWithChroma(format), chromaFirst.contains(format.name)) << format.name;
+  }
+  using Bits = std::array<int, 3>;
+  EXPECT_EQ(fieldBits(pixelFormatByName("rgb565")), (Bits{5, 6, 5}));
+  EXPECT_EQ(fieldBits(pixelFormatByName("bgr444")), (Bits{4, 4, 4}));
+  EXPECT_EQ(narrowestField(pixelFormatByName("rgb565")), 5);
+  EXPECT_EQ(narrowestField(pixelFormatByName("rgbx32")), 8);
 }
 
 TEST(PixelFormat, PlanesAtARowAddressItsChromaBlock) {

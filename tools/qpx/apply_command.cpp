@@ -32,19 +32,6 @@ namespace qpx::tool {
 
 namespace {
 
-// What goes wrong with an input is reported with its name.
-template <typename Work>
-auto named(const Job& job, const Work& work) {
-  const std::string name = displayName(job.in, true);
-  try {
-    return work();
-  } catch (const RunError& error) {
-    throw RunError(name + ": " + error.what());
-  } catch (const std::bad_alloc&) {
-    throw RunError(name + ": not enough memory: use a smaller picture");
-  }
-}
-
 void runPicture(const Job& job, const Plan& plan, const RunOptions& options, int quality,
                 Picture picture, Progress& progress) {
   say(displayName(job.in, true) + ": " + std::to_string(picture.width()) + "x" +
@@ -53,8 +40,8 @@ void runPicture(const Job& job, const Plan& plan, const RunOptions& options, int
   const std::string problem = sizeProblem(kind, picture.width(), picture.height());
   if (!problem.empty()) throw RunError(displayName(job.out, false) + ": " + problem);
   refuseUnwritable(job.out);
-  picture =
-      named(job, [&] { return applyEffects(std::move(picture), plan.chain, options, progress); });
+  picture = withInputName(
+      job.in, [&] { return applyEffects(std::move(picture), plan.chain, options, progress); });
   writePicture(picture, job.out, kind, quality, {progress, kWriteSteps});
   say(displayName(job.out, false) + ": written");
 }
@@ -63,12 +50,12 @@ class EffectLane : public FrameLane {
  public:
   EffectLane(const Job& job, const FrameShape& shape, const std::vector<EffectCall>& chain,
              const RunOptions& options)
-      : job_(job),
-        effects_(
-            named(job, [&] { return std::make_unique<FrameEffects>(shape, chain, options); })) {}
+      : job_(job), effects_(withInputName(job.in, [&] {
+          return std::make_unique<FrameEffects>(shape, chain, options);
+        })) {}
 
   const Frame& run(const Frame& frame) override {
-    return *named(job_, [&] { return &effects_->run(frame, unseen_); });
+    return *withInputName(job_.in, [&] { return &effects_->run(frame, unseen_); });
   }
 
  private:
@@ -98,7 +85,9 @@ void runFrames(const Job& job, const Plan& plan, const RunOptions& options, Fram
   std::optional<FrameSink> sink;
   try {
     runFramePipeline(
-        [&](std::optional<Frame>& frame) { return named(job, [&] { return source.next(frame); }); },
+        [&](std::optional<Frame>& frame) {
+          return withInputName(job.in, [&] { return source.next(frame); });
+        },
         options.threads,
         [&] { return std::make_unique<EffectLane>(job, shape, plan.chain, laneOptions); },
         [&](const Frame& result, const std::string& parameters) {
@@ -119,7 +108,7 @@ void runStream(const Job& job, const Plan& plan, const RunOptions& options, Inpu
     throw RunError(displayName(job.in, true) +
                    ": frames stay frames under apply: 'qpx convert' makes pictures of them");
   }
-  const auto source = named(job, [&] {
+  const auto source = withInputName(job.in, [&] {
     return plan.frames ? std::make_unique<FrameSource>(file, *plan.frames)
                        : std::make_unique<FrameSource>(file, plan.range, false);
   });
@@ -134,8 +123,8 @@ void runStream(const Job& job, const Plan& plan, const RunOptions& options, Inpu
 
 void runJob(const Job& job, const Plan& plan, const RunOptions& options, int quality,
             Progress& progress) {
-  const auto file = named(job, [&] { return std::make_unique<InputFile>(job.in); });
-  if (plan.frames || named(job, [&] { return FrameSource::isStream(*file); })) {
+  const auto file = withInputName(job.in, [&] { return std::make_unique<InputFile>(job.in); });
+  if (plan.frames || withInputName(job.in, [&] { return FrameSource::isStream(*file); })) {
     runStream(job, plan, options, *file, progress);
     return;
   }
@@ -144,7 +133,7 @@ void runJob(const Job& job, const Plan& plan, const RunOptions& options, int qua
                    ": is no YUV4MPEG2 stream: 'qpx convert' makes one of " +
                    "pictures, and raw frames need --from and --in-size");
   }
-  Picture picture = named(job, [&] {
+  Picture picture = withInputName(job.in, [&] {
     return decodePicture(file->readAll(), {progress, kReadSteps});
   });
   runPicture(job, plan, options, quality, std::move(picture), progress);
@@ -262,17 +251,11 @@ void addFileOptions(CLI::App& command, ApplyArguments& arguments) {
       ->type_name("DIR");
   command.add_option("--to", arguments.to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
-  command.add_option("--quality", arguments.quality, "Quality of JPEG output (default 95, 4:4:4)")
-      ->transform(wholeNumber(1, 100));
+  addQualityOption(command, arguments.quality);
 }
 
 void addFrameOptions(CLI::App& command, ApplyArguments& arguments) {
-  command.add_option("--from", arguments.from, "Pixel format of raw frames in IN")
-      ->check(notEmpty())
-      ->type_name("FORMAT");
-  command.add_option("--in-size", arguments.inSize, "Size of raw frames in IN")
-      ->check(notEmpty())
-      ->type_name("WxH");
+  addRawFrameOptions(command, arguments.from, arguments.inSize);
   command
       .add_option("--range", arguments.range,
                   "Matrix and range of frames that go by way of RGB (default bt601)")

@@ -127,4 +127,18 @@ CLI::Validator notEmpty() {
           ""};
 }
 
+void addRawFrameOptions(CLI::App& command, std::string& format, std::string& size) {
+  command.add_option("--from", format, "Pixel format of raw frames in IN")
+      ->check(notEmpty())
+      ->type_name("FORMAT");
+  command.add_option("--in-size", size, "Size of raw frames in IN")
+      ->check(notEmpty())
+      ->type_name("WxH");
+}
+
+void addQualityOption(CLI::App& command, int& quality) {
+  command.add_option("--quality", quality, "Quality of JPEG output (default 95, 4:4:4)")
+      ->transform(wholeNumber(1, 100));
+}
+
 }  // namespace qpx::tool

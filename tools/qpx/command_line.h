@@ -30,4 +30,10 @@ std::string formatHelp();
 // For options and names that mean nothing when they are empty.
 CLI::Validator notEmpty();
 
+// --from and --in-size: what frames without headers are.
+void addRawFrameOptions(CLI::App& command, std::string& format, std::string& size);
+
+// --quality, of pictures that JPEG keeps at 4:4:4.
+void addQualityOption(CLI::App& command, int& quality);
+
 }  // namespace qpx::tool

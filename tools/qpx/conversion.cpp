@@ -18,22 +18,15 @@ namespace {
 // of threads makes the same bytes.
 constexpr int32_t kStripUnit = 16;
 
-// Exchange of X and Y, in the words of PostProcessOption.
-constexpr uint32_t kExchanges = 1;
-
-constexpr uint32_t kYuvx32 = 0x70000009;
-
-// Pixels of four bytes of which the last is no colour.
-bool hasSpareByte(const PixelFormat& format) {
-  return format.code >> 24 == 0x37 || format.code >> 24 == 0x17 || format.code == kYuvx32;
-}
+// Where the code of a YUV or grey format has its Range.
+constexpr int kRangePosition = 12;
 
 bool isRgb(const FrameShape& shape) { return shape.format->layout == Layout::packedRgb; }
 
 PostProcessImage imageOf(const FrameShape& shape, int32_t width, int32_t height) {
   PostProcessImage image{};
   image.format = shape.format->code;
-  if (!isRgb(shape)) image.format |= static_cast<uint32_t>(shape.range) << 12;
+  if (!isRgb(shape)) image.format |= static_cast<uint32_t>(shape.range) << kRangePosition;
   image.width = static_cast<uint32_t>(width);
   image.height = static_cast<uint32_t>(height);
   return image;
@@ -83,7 +76,7 @@ void repeatBytes(const MBitmap& image, std::span<const uint8_t> bytes) {
 }
 
 void fillPacked(const MBitmap& image, const PixelFormat& format, uint8_t luma) {
-  const bool chromaFirst = (format.code & 0x400) != 0;
+  const bool chromaFirst = beginsWithChroma(format);
   if (format.layout == Layout::packed422) {
     const std::array<uint8_t, 4> pair = {luma, 128, luma, 128};
     return repeatBytes(image, std::span(pair).subspan(chromaFirst ? 1 : 0, 2));
@@ -124,8 +117,7 @@ void fillBlack(const MBitmap& image, const FrameShape& shape) {
 // The library leaves the low bits of samples that come from narrow fields at 0. With the top bits
 // again in their place white is white.
 void widenSamples(const Frame& frame, const PixelFormat& narrow) {
-  const std::array<uint32_t, 3> bits = {(narrow.code >> 8 & 15) + 1, (narrow.code >> 4 & 15) + 1,
-                                        (narrow.code & 15) + 1};
+  const std::array<int, 3> bits = fieldBits(narrow);
   const MBitmap& image = frame.bitmap();
   for (int32_t y = 0; y < image.height; ++y) {
     uint8_t* row = image.plane[0] + ptrdiff_t{image.pitch[0]} * y;
@@ -135,8 +127,8 @@ void widenSamples(const Frame& frame, const PixelFormat& narrow) {
   }
 }
 
-void completePairs(const MBitmap& image) {
-  const ptrdiff_t luma = (image.format & 0x400) != 0 ? 1 : 0;
+void completePairs(const MBitmap& image, const PixelFormat& format) {
+  const ptrdiff_t luma = beginsWithChroma(format) ? 1 : 0;
   for (int32_t y = 0; y < image.height; ++y) {
     uint8_t* end = image.plane[0] + ptrdiff_t{image.pitch[0]} * y + ptrdiff_t{image.width} * 2;
     end[luma] = end[luma - 2];
@@ -198,30 +190,38 @@ bool isFull(Range range) { return range == Range::bt601Full || range == Range::b
 Conversion::Conversion(const FrameShape& from, const FrameShape& to,
                        const ConversionOptions& options)
     : to_(to), inside_{0, 0, to.width, to.height}, threads_(options.threads) {
-  FrameShape source = shapeBetween(from, to, options);
-  if (source.format) {
-    between_.emplace(*source.format, source.width, source.height);
-    ConversionOptions first;
-    first.threads = options.threads;
-    first.widens = !isRgb(source);
-    if (isRgb(source)) narrow_ = from.format;
-    first_ = std::make_unique<Conversion>(from, source, first);
-  } else {
-    source = from;
-  }
-  if (options.fit == Fit::pad) {
-    inside_ = paddedRect(source, to, (options.orientation & kExchanges) != 0);
-  }
+  const FrameShape source = openFirst(from, options);
   // The error of a dithered pixel goes to the next one, across the ends of strips too.
   wholeCalls_ = options.dither;
+  const int32_t code = openContext(source, options);
+  if (code != QPX_OK) fail(code, from, to);
+}
+
+// Returns what the context then converts from.
+FrameShape Conversion::openFirst(const FrameShape& from, const ConversionOptions& options) {
+  const FrameShape between = shapeBetween(from, to_, options);
+  if (!between.format) return from;
+  between_.emplace(*between.format, between.width, between.height);
+  ConversionOptions first;
+  first.threads = options.threads;
+  first.widens = !isRgb(between);
+  if (isRgb(between)) narrow_ = from.format;
+  first_ = std::make_unique<Conversion>(from, between, first);
+  return between;
+}
+
+int32_t Conversion::openContext(const FrameShape& source, const ConversionOptions& options) {
+  if (options.fit == Fit::pad) {
+    inside_ = paddedRect(source, to_, (options.orientation & kExchanges) != 0);
+  }
   const PostProcessImage src = imageOf(source, source.width, source.height);
   const PostProcessImage dst =
-      imageOf(to, inside_.right - inside_.left, inside_.bottom - inside_.top);
+      imageOf(to_, inside_.right - inside_.left, inside_.bottom - inside_.top);
   const PostProcessOption option = optionOf(options, inside_);
   PostProcessContext* context = nullptr;
   const int32_t code = MPPCreate(&src, &dst, &option, &context);
-  if (code != QPX_OK) fail(code, from, to);
   context_.reset(context);
+  return code;
 }
 
 Conversion::Conversion(const FrameShape& from, const FrameShape& to, int threads)
@@ -258,7 +258,9 @@ void Conversion::convert(const MBitmap& from, const MBitmap& to) const {
   if (worst != QPX_OK) {
     throw RunError("the library refuses to convert it (code " + std::to_string(worst) + ")");
   }
-  if (to_.format->layout == Layout::packed422 && to_.width % 2 != 0) completePairs(to);
+  if (to_.format->layout == Layout::packed422 && to_.width % 2 != 0) {
+    completePairs(to, *to_.format);
+  }
 }
 
 }  // namespace qpx::tool

@@ -16,6 +16,12 @@ namespace qpx::tool {
 // What the samples of a YUV or grey format stand for: bits 12 and 13 of its code.
 enum class Range { bt601, bt601Full, bt709, bt709Full };
 
+// The bits of an orientation, as PostProcessOption has it: X and Y change places first, then the
+// sides do.
+inline constexpr uint32_t kExchanges = 1;
+inline constexpr uint32_t kMirrorsAcross = 2;
+inline constexpr uint32_t kMirrorsDown = 4;
+
 bool isFull(Range range);
 
 enum class Fit { stretch, crop, pad };
@@ -30,7 +36,7 @@ struct FrameShape {
 
 struct ConversionOptions {
   Fit fit = Fit::stretch;
-  uint32_t orientation = 0;  // as PostProcessOption has it
+  uint32_t orientation = 0;
   bool bilinear = false;
   bool dither = false;
   bool widens = true;  // samples of narrow RGB fields, to the whole range
@@ -67,6 +73,8 @@ class Conversion {
   };
   using Context = std::unique_ptr<PostProcessContext, Free>;
 
+  FrameShape openFirst(const FrameShape& from, const ConversionOptions& options);
+  int32_t openContext(const FrameShape& source, const ConversionOptions& options);
   void convert(const MBitmap& from, const MBitmap& to) const;
 
   FrameShape to_;

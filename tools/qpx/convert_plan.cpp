@@ -13,13 +13,13 @@ namespace qpx::tool {
 
 namespace {
 
-constexpr uint32_t kExchanges = 1, kMirrorsAcross = 2, kMirrorsDown = 4;
-
 bool isPictureName(const std::string& name) {
   return sameName(name, "png") || sameName(name, "jpeg") || sameName(name, "jpg");
 }
 
-bool isSixteenBitRgb(const PixelFormat& format) { return format.code >> 24 == 0x15; }
+bool isSixteenBitRgb(const PixelFormat& format) {
+  return format.layout == Layout::packedRgb && bytesPerPixel(format) == 2;
+}
 
 void takeInput(const ConvertArguments& arguments, ConvertPlan& plan) {
   if (arguments.from.empty() != arguments.inSize.empty()) {

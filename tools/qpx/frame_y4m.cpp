@@ -5,6 +5,7 @@
 #include <numeric>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "errors.h"
 #include "picture.h"

@@ -1,7 +1,6 @@
 #include "image_file.h"
 
 #include <algorithm>
-#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -87,13 +86,7 @@ Picture decodePicture(const std::vector<uint8_t>& file, ProgressShare share) {
 }
 
 Picture readPicture(const std::string& path, ProgressShare share) {
-  try {
-    return decodePicture(readFileBytes(path), share);
-  } catch (const RunError& error) {
-    throw RunError(displayName(path, true) + ": " + error.what());
-  } catch (const std::bad_alloc&) {
-    throw RunError(displayName(path, true) + ": not enough memory: use a smaller picture");
-  }
+  return withInputName(path, [&] { return decodePicture(readFileBytes(path), share); });
 }
 
 std::string sizeProblem(FileKind kind, int32_t width, int32_t height) {

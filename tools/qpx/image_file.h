@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "errors.h"
 #include "picture.h"
 #include "progress.h"
 
@@ -59,5 +61,17 @@ std::vector<uint8_t> readFileBytes(const std::string& path);
 
 // How a path is called in messages.
 std::string displayName(const std::string& path, bool input);
+
+// Returns what `work` does. What goes wrong in it with the input `path` is reported with its name.
+template <typename Work>
+auto withInputName(const std::string& path, const Work& work) {
+  try {
+    return work();
+  } catch (const RunError& error) {
+    throw RunError(displayName(path, true) + ": " + error.what());
+  } catch (const std::bad_alloc&) {
+    throw RunError(displayName(path, true) + ": not enough memory: use a smaller picture");
+  }
+}
 
 }  // namespace qpx::tool

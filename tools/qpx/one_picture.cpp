@@ -23,27 +23,19 @@ void addOnePictureOptions(CLI::App& command, OnePicture& files) {
       ->check(notEmpty());
   command.add_option("--to", files.to, "Output format, whatever the name says")
       ->check(CLI::IsMember({"png", "jpeg", "jpg"}));
-  command.add_option("--quality", files.quality, "Quality of JPEG output (default 95, 4:4:4)")
-      ->transform(wholeNumber(1, 100));
+  addQualityOption(command, files.quality);
 }
 
 void changePicture(const OnePicture& files, const Change& change) {
   const std::optional<FileKind> wanted = kindOfOutput(files.out, files.to);
   refuseTerminal(files.out, isatty(STDOUT_FILENO) != 0);
-  const std::string name = displayName(files.in, true);
-  Progress progress(name, kPictureSteps);
+  Progress progress(displayName(files.in, true), kPictureSteps);
   Picture picture = readPicture(files.in, {progress, kReadSteps});
   const FileKind kind = wanted.value_or(picture.kind);
   const std::string problem = sizeProblem(kind, picture.width(), picture.height());
   if (!problem.empty()) throw RunError(displayName(files.out, false) + ": " + problem);
   refuseUnwritable(files.out);
-  try {
-    picture = change(std::move(picture), progress);
-  } catch (const RunError& error) {
-    throw RunError(name + ": " + error.what());
-  } catch (const std::bad_alloc&) {
-    throw RunError(name + ": not enough memory: use a smaller picture");
-  }
+  picture = withInputName(files.in, [&] { return change(std::move(picture), progress); });
   writePicture(picture, files.out, kind, files.quality, {progress, kWriteSteps});
 }
 

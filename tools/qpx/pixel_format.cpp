@@ -35,39 +35,34 @@ constexpr std::array kFormats = {
     PixelFormat{"i422", QPX_FORMAT_I422, Layout::planar, QPX_TAKES_PLANAR, false},
     PixelFormat{"i440", QPX_FORMAT_I440, Layout::planar, QPX_TAKES_PLANAR, false},
     PixelFormat{"i444", QPX_FORMAT_I444, Layout::planar, QPX_TAKES_PLANAR, false},
-    PixelFormat{"i411", 0x50000830, Layout::planar, QPX_TAKES_PLANAR, false},
-    PixelFormat{"i410", 0x50000833, Layout::planar, QPX_TAKES_PLANAR, false},
-    PixelFormat{"yv12", 0x50000A11, Layout::planar, QPX_TAKES_I420, false},
-    PixelFormat{"yv16", 0x50000A10, Layout::planar, QPX_TAKES_PLANAR, false},
-    PixelFormat{"yv24", 0x50000A00, Layout::planar, QPX_TAKES_PLANAR, false},
+    PixelFormat{"i411", QPX_FORMAT_I411, Layout::planar, QPX_TAKES_PLANAR, false},
+    PixelFormat{"i410", QPX_FORMAT_I410, Layout::planar, QPX_TAKES_PLANAR, false},
+    PixelFormat{"yv12", QPX_FORMAT_YV12, Layout::planar, QPX_TAKES_I420, false},
+    PixelFormat{"yv16", QPX_FORMAT_YV16, Layout::planar, QPX_TAKES_PLANAR, false},
+    PixelFormat{"yv24", QPX_FORMAT_YV24, Layout::planar, QPX_TAKES_PLANAR, false},
     PixelFormat{"nv21", QPX_FORMAT_NV21, Layout::semiPlanar, QPX_TAKES_NV21, false},
     PixelFormat{"nv12", QPX_FORMAT_NV12, Layout::semiPlanar, QPX_TAKES_NV12, false},
-    PixelFormat{"nv61", 0x70000004, Layout::semiPlanar, 0, false},
-    PixelFormat{"nv16", 0x70000005, Layout::semiPlanar, 0, false},
+    PixelFormat{"nv61", QPX_FORMAT_NV61, Layout::semiPlanar, 0, false},
+    PixelFormat{"nv16", QPX_FORMAT_NV16, Layout::semiPlanar, 0, false},
     PixelFormat{"yuyv", QPX_FORMAT_YUYV, Layout::packed422, QPX_TAKES_YUYV, false},
     PixelFormat{"yvyu", QPX_FORMAT_YVYU, Layout::packed422, 0, false},
     PixelFormat{"uyvy", QPX_FORMAT_UYVY, Layout::packed422, QPX_TAKES_UYVY, false},
     PixelFormat{"vyuy", QPX_FORMAT_VYUY, Layout::packed422, 0, false},
-    PixelFormat{"yuv24", 0x50000000, Layout::packed444, 0, false},
-    PixelFormat{"iyu2", 0x50000500, Layout::packed444, 0, false},
-    PixelFormat{"yuvx32", 0x70000009, Layout::packed444, 0, false},
+    PixelFormat{"yuv24", QPX_FORMAT_YUV24, Layout::packed444, 0, false},
+    PixelFormat{"iyu2", QPX_FORMAT_UYV24, Layout::packed444, 0, false},
+    PixelFormat{"yuvx32", QPX_FORMAT_YUVX32, Layout::packed444, 0, false},
 };
 
 int32_t divided(int32_t size, int32_t divisor) { return (size + divisor - 1) / divisor; }
 
-// Planes of V in front of those of U.
-constexpr uint32_t kVFirst = 0x200;
+// Flags of codes of YUV: V in front of U, and chroma in front of luma.
+constexpr uint32_t kVFirst = 0x200, kChromaFirst = 0x400;
 
 bool isVFirst(const PixelFormat& format) {
   if (format.layout == Layout::semiPlanar) {
-    return format.code == QPX_FORMAT_NV21 || format.code == 0x70000004;
+    return format.code == QPX_FORMAT_NV21 || format.code == QPX_FORMAT_NV61;
   }
   return format.layout == Layout::planar && (format.code & kVFirst) != 0;
-}
-
-int32_t bytesPerPixel(const PixelFormat& format) {
-  if (format.layout == Layout::packedRgb) return static_cast<int32_t>(format.code >> 24 & 15) - 3;
-  return format.code >> 28 == 7 ? 4 : 3;
 }
 
 // Where the planes of a frame lie.
@@ -123,9 +118,31 @@ int32_t chromaDown(const PixelFormat& format) {
   return format.layout == Layout::planar ? static_cast<int32_t>(format.code & 15) + 1 : 1;
 }
 
+int32_t bytesPerPixel(const PixelFormat& format) {
+  if (format.layout == Layout::packedRgb) return static_cast<int32_t>(format.code >> 24 & 15) - 3;
+  return format.code == QPX_FORMAT_YUVX32 ? 4 : 3;
+}
+
+bool hasSpareByte(const PixelFormat& format) {
+  const bool wholePixels = format.layout == Layout::packedRgb || format.layout == Layout::packed444;
+  return wholePixels && bytesPerPixel(format) == 4;
+}
+
+bool beginsWithChroma(const PixelFormat& format) {
+  const bool packedYuv = format.layout == Layout::packed422 || format.layout == Layout::packed444;
+  return packedYuv && (format.code & kChromaFirst) != 0;
+}
+
+std::array<int, 3> fieldBits(const PixelFormat& format) {
+  const auto bitsAt = [&](int position) {
+    return static_cast<int>(format.code >> position & 15) + 1;
+  };
+  return {bitsAt(8), bitsAt(4), bitsAt(0)};
+}
+
 int narrowestField(const PixelFormat& format) {
-  const uint32_t code = format.code;
-  return static_cast<int>(std::min({code >> 8 & 15, code >> 4 & 15, code & 15})) + 1;
+  const std::array<int, 3> bits = fieldBits(format);
+  return *std::min_element(bits.begin(), bits.end());
 }
 
 // Rows stand close together, without spare bytes at the end, so that memory checkers see any step

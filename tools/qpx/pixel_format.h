@@ -3,6 +3,7 @@
 
 #include <qpx/types.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -32,6 +33,18 @@ const PixelFormat& pixelFormatByName(std::string_view name);
 // Divisors of the chroma of a YUV format.
 int32_t chromaAcross(const PixelFormat& format);
 int32_t chromaDown(const PixelFormat& format);
+
+// Of packed RGB and packed 4:4:4.
+int32_t bytesPerPixel(const PixelFormat& format);
+
+// Pixels of four bytes, of which the last is no colour.
+bool hasSpareByte(const PixelFormat& format);
+
+// Packed YUV whose pixels, or pairs, begin with a chroma sample.
+bool beginsWithChroma(const PixelFormat& format);
+
+// Bits of the red, green and blue samples of packed RGB.
+std::array<int, 3> fieldBits(const PixelFormat& format);
 
 // Samples of packed RGB have so many bits at least: fewer than 8 in narrow formats.
 int narrowestField(const PixelFormat& format);
