@@ -8,6 +8,8 @@
 
 #include <hwy/highway.h>
 
+#include <algorithm>
+
 // A target without vectors runs the plain forms.
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
 
@@ -77,6 +79,28 @@ HWY_INLINE bool eachVector(ptrdiff_t length, ptrdiff_t count, const Make& make,
   return true;
 }
 
+// Calls step(i) for whole vectors of `length` samples; false if the row is shorter than one. The
+// last vector may overlap the one before it: for rows that are not their own outputs. Large steps
+// stand in the code once, since compilers leave those that are called twice out of line; where one
+// function has many kinds of step, these are marked always_inline as well.
+template <class Step>
+HWY_INLINE bool overlappingSteps(ptrdiff_t length, ptrdiff_t count, const Step& step) {
+  const ptrdiff_t last = count - length;
+  if (last < 0) return false;
+  for (ptrdiff_t next = 0; next < count; next += length) step(std::min(next, last));
+  return true;
+}
+
+// The same for steps of a few instructions, of which finding the place would be a good part.
+template <class Step>
+HWY_INLINE bool overlappingShortSteps(ptrdiff_t length, ptrdiff_t count, const Step& step) {
+  const ptrdiff_t last = count - length;
+  if (last < 0) return false;
+  for (ptrdiff_t i = 0; i < last; i += length) step(i);
+  step(last);
+  return true;
+}
+
 HWY_INLINE ptrdiff_t byteLanes() { return static_cast<ptrdiff_t>(hn::Lanes(D8())); }
 HWY_INLINE V8 loadBytes(const uint8_t* from) { return hn::LoadU(D8(), from); }
 HWY_INLINE void storeBytes(V8 v, uint8_t* to) { hn::StoreU(v, D8(), to); }
@@ -84,6 +108,18 @@ HWY_INLINE void storeBytes(V8 v, uint8_t* to) { hn::StoreU(v, D8(), to); }
 struct Bytes3 {
   V8 a, b, c;
 };
+
+// The first three channels of a vector of pixels of kBytes bytes, in memory order.
+template <ptrdiff_t kBytes>
+HWY_INLINE Bytes3 loadChannels(const uint8_t* src) {
+  V8 c0 = hn::Zero(D8()), c1 = c0, c2 = c0, c3 = c0;
+  if constexpr (kBytes == 4) {
+    hn::LoadInterleaved4(D8(), src, c0, c1, c2, c3);
+  } else {
+    hn::LoadInterleaved3(D8(), src, c0, c1, c2);
+  }
+  return {c0, c1, c2};
+}
 
 HWY_INLINE void storeColors(const Bytes3& colors, uint8_t* r, uint8_t* g, uint8_t* b) {
   storeBytes(colors.a, r);

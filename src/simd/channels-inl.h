@@ -10,6 +10,7 @@
 
 #include <algorithm>
 
+#include "simd/byte_vectors-inl.h"
 #include "simd/rows.h"
 
 // A target without vectors runs the plain forms.
@@ -21,18 +22,6 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Calls step(first pixel) for whole vectors of pixels. The vector that ends the row may overlap the
-// one before it, which is harmless: here an output is never an input. False if the row is shorter
-// than a vector.
-template <class Step>
-HWY_INLINE bool forVectors(ptrdiff_t pixels, const Step& step) {
-  const ptrdiff_t length = static_cast<ptrdiff_t>(hn::Lanes(hn::ScalableTag<uint8_t>()));
-  if (pixels < length) return false;
-  for (ptrdiff_t i = 0; i < pixels - length; i += length) step(i);
-  step(pixels - length);
-  return true;
-}
-
 void deinterleave2(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1) {
   const hn::ScalableTag<uint8_t> d;
   const auto step = [&](ptrdiff_t i) HWY_ATTR {
@@ -41,7 +30,7 @@ void deinterleave2(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p
     hn::StoreU(v0, d, p0 + i);
     hn::StoreU(v1, d, p1 + i);
   };
-  if (!forVectors(pixels, step)) plain::deinterleave2(src, pixels, p0, p1);
+  if (!overlappingShortSteps(byteLanes(), pixels, step)) plain::deinterleave2(src, pixels, p0, p1);
 }
 
 void interleave2(const uint8_t* p0, const uint8_t* p1, ptrdiff_t pixels, uint8_t* dst) {
@@ -49,7 +38,7 @@ void interleave2(const uint8_t* p0, const uint8_t* p1, ptrdiff_t pixels, uint8_t
   const auto step = [&](ptrdiff_t i) HWY_ATTR {
     hn::StoreInterleaved2(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), d, dst + 2 * i);
   };
-  if (!forVectors(pixels, step)) plain::interleave2(p0, p1, pixels, dst);
+  if (!overlappingShortSteps(byteLanes(), pixels, step)) plain::interleave2(p0, p1, pixels, dst);
 }
 
 void deinterleave3(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2) {
@@ -61,7 +50,8 @@ void deinterleave3(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p
     hn::StoreU(v1, d, p1 + i);
     hn::StoreU(v2, d, p2 + i);
   };
-  if (!forVectors(pixels, step)) plain::deinterleave3(src, pixels, p0, p1, p2);
+  if (!overlappingShortSteps(byteLanes(), pixels, step))
+    plain::deinterleave3(src, pixels, p0, p1, p2);
 }
 
 void interleave3(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, ptrdiff_t pixels,
@@ -71,7 +61,8 @@ void interleave3(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, ptrdif
     hn::StoreInterleaved3(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i), d,
                           dst + 3 * i);
   };
-  if (!forVectors(pixels, step)) plain::interleave3(p0, p1, p2, pixels, dst);
+  if (!overlappingShortSteps(byteLanes(), pixels, step))
+    plain::interleave3(p0, p1, p2, pixels, dst);
 }
 
 void deinterleave4(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p1, uint8_t* p2,
@@ -85,7 +76,8 @@ void deinterleave4(const uint8_t* src, ptrdiff_t pixels, uint8_t* p0, uint8_t* p
     hn::StoreU(v2, d, p2 + i);
     hn::StoreU(v3, d, p3 + i);
   };
-  if (!forVectors(pixels, step)) plain::deinterleave4(src, pixels, p0, p1, p2, p3);
+  if (!overlappingShortSteps(byteLanes(), pixels, step))
+    plain::deinterleave4(src, pixels, p0, p1, p2, p3);
 }
 
 void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const uint8_t* p3,
@@ -95,7 +87,8 @@ void interleave4(const uint8_t* p0, const uint8_t* p1, const uint8_t* p2, const 
     hn::StoreInterleaved4(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i),
                           hn::LoadU(d, p3 + i), d, dst + 4 * i);
   };
-  if (!forVectors(pixels, step)) plain::interleave4(p0, p1, p2, p3, pixels, dst);
+  if (!overlappingShortSteps(byteLanes(), pixels, step))
+    plain::interleave4(p0, p1, p2, p3, pixels, dst);
 }
 
 // A vector's pixels at a time out of one window of as many, where they all lie in it.

@@ -8,8 +8,7 @@
 
 #include <hwy/highway.h>
 
-#include <algorithm>
-
+#include "simd/byte_vectors-inl.h"
 #include "simd/convert_rows.h"
 
 // A target without vectors runs the plain forms.
@@ -34,13 +33,9 @@ HWY_INLINE ptrdiff_t wholeVectors(ptrdiff_t count, ptrdiff_t length, const Step&
   return i;
 }
 
-inline ptrdiff_t lanesOfBytes() {
-  return static_cast<ptrdiff_t>(hn::Lanes(hn::ScalableTag<uint8_t>()));
-}
-
 void swapEnds3(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
   const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
+  const ptrdiff_t done = wholeVectors(pixels, byteLanes(), [&](ptrdiff_t i) HWY_ATTR {
     auto v0 = hn::Undefined(d), v1 = v0, v2 = v0;
     hn::LoadInterleaved3(d, src + 3 * i, v0, v1, v2);
     hn::StoreInterleaved3(v2, v1, v0, d, dst + 3 * i);
@@ -65,7 +60,7 @@ void swapEnds4(const uint8_t* src, ptrdiff_t pixels, uint8_t* dst) {
 
 void rgb24To32(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
+  const ptrdiff_t done = wholeVectors(pixels, byteLanes(), [&](ptrdiff_t i) HWY_ATTR {
     auto v0 = hn::Undefined(d), v1 = v0, v2 = v0, old0 = v0, old1 = v0, old2 = v0, kept = v0;
     hn::LoadInterleaved3(d, src + 3 * i, v0, v1, v2);
     hn::LoadInterleaved4(d, dst + 4 * i, old0, old1, old2, kept);
@@ -76,7 +71,7 @@ void rgb24To32(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
 
 void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
+  const ptrdiff_t done = wholeVectors(pixels, byteLanes(), [&](ptrdiff_t i) HWY_ATTR {
     auto v0 = hn::Undefined(d), v1 = v0, v2 = v0, v3 = v0;
     hn::LoadInterleaved4(d, src + 4 * i, v0, v1, v2, v3);
     hn::StoreInterleaved3(swap ? v2 : v0, v1, swap ? v0 : v2, d, dst + 3 * i);
@@ -86,7 +81,7 @@ void rgb32To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
 
 // Both bytes of the words of pixels whose lowest field is cut from `low`.
 template <class D, class V>
-HWY_INLINE void storeWords(D d, V low, V middle, V high, uint8_t* dst) {
+HWY_INLINE void store565(D d, V low, V middle, V high, uint8_t* dst) {
   const auto first =
       hn::Or(hn::ShiftRight<3>(low), hn::ShiftLeft<3>(hn::And(middle, hn::Set(d, uint8_t{0x1C}))));
   const auto second = hn::Or(hn::And(high, hn::Set(d, uint8_t{0xF8})), hn::ShiftRight<5>(middle));
@@ -95,10 +90,10 @@ HWY_INLINE void storeWords(D d, V low, V middle, V high, uint8_t* dst) {
 
 void rgb24To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   const hn::ScalableTag<uint8_t> d;
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
+  const ptrdiff_t done = wholeVectors(pixels, byteLanes(), [&](ptrdiff_t i) HWY_ATTR {
     auto v0 = hn::Undefined(d), v1 = v0, v2 = v0;
     hn::LoadInterleaved3(d, src + 3 * i, v0, v1, v2);
-    storeWords(d, swap ? v2 : v0, v1, swap ? v0 : v2, dst + 2 * i);
+    store565(d, swap ? v2 : v0, v1, swap ? v0 : v2, dst + 2 * i);
   });
   plain::rgb24To16(src + 3 * done, pixels - done, swap, dst + 2 * done);
 }
@@ -135,7 +130,7 @@ void rgb32To16(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
 void rgb16To24(const uint8_t* src, ptrdiff_t pixels, bool swap, uint8_t* dst) {
   const hn::ScalableTag<uint8_t> d;
   const auto topFive = hn::Set(d, uint8_t{0xF8});
-  const ptrdiff_t done = wholeVectors(pixels, lanesOfBytes(), [&](ptrdiff_t i) HWY_ATTR {
+  const ptrdiff_t done = wholeVectors(pixels, byteLanes(), [&](ptrdiff_t i) HWY_ATTR {
     auto first = hn::Zero(d), second = first;
     hn::LoadInterleaved2(d, src + 2 * i, first, second);
     const auto low = hn::ShiftLeft<3>(first);
@@ -177,12 +172,7 @@ HWY_INLINE hn::Vec<D> reversed(D d, hn::Vec<D> v, const uint8_t* order) {
 template <class Step>
 HWY_INLINE bool eachReversed(ptrdiff_t length, ptrdiff_t count, const Step& step) {
   const ptrdiff_t last = count - length;
-  if (last < 0) return false;
-  for (ptrdiff_t next = 0; next < count; next += length) {
-    const ptrdiff_t from = std::min(next, last);
-    step(from, last - from);
-  }
-  return true;
+  return overlappingSteps(length, count, [&](ptrdiff_t from) HWY_ATTR { step(from, last - from); });
 }
 
 template <ptrdiff_t kBytes, class D>

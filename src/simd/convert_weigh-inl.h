@@ -12,7 +12,6 @@
 
 #include <hwy/highway.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -86,17 +85,6 @@ class WordWeights {
   V16 lift_, base_;
 };
 
-template <ptrdiff_t kBytes>
-HWY_INLINE Bytes3 loadChannels(const uint8_t* src) {
-  V8 c0 = hn::Zero(D8()), c1 = c0, c2 = c0, c3 = c0;
-  if constexpr (kBytes == 4) {
-    hn::LoadInterleaved4(D8(), src, c0, c1, c2, c3);
-  } else {
-    hn::LoadInterleaved3(D8(), src, c0, c1, c2);
-  }
-  return {c0, c1, c2};
-}
-
 HWY_INLINE V16 evenSamples(const WordWeights& weigh, const Bytes3& c) {
   return weigh(widen(c.a).even, widen(c.b).even, widen(c.c).even);
 }
@@ -146,20 +134,15 @@ class ChromaVector {
 
 #endif  // HWY_TARGET
 
-// Calls step(first pixel) for whole vectors, the last of which may overlap the one before it.
-template <class Step>
-HWY_INLINE void eachVectorOf(ptrdiff_t pixels, const Step& step) {
-  const ptrdiff_t last = pixels - byteLanes();
-  for (ptrdiff_t next = 0; next < pixels; next += byteLanes()) step(std::min(next, last));
-}
-
+// Of a vector of pixels at least.
 template <ptrdiff_t kBytes>
 HWY_INLINE void lumaOf(const uint8_t* src, ptrdiff_t pixels, const int32_t* weights, uint8_t* dst) {
   const LumaVector<kBytes> luma(weights);
-  eachVectorOf(pixels, [&](ptrdiff_t i) HWY_ATTR { luma.at(src + i * kBytes, dst + i); });
+  overlappingSteps(byteLanes(), pixels,
+                   [&](ptrdiff_t i) HWY_ATTR { luma.at(src + i * kBytes, dst + i); });
 }
 
-// Of whole pairs of pixels where chroma is halved.
+// Of a vector of pixels at least, and of whole pairs where chroma is halved.
 template <ptrdiff_t kBytes>
 HWY_INLINE void chromaOf(const uint8_t* src, ptrdiff_t pixels, bool halved,
                          const RgbToChroma& weights, const ChromaTarget& dst) {
@@ -167,14 +150,16 @@ HWY_INLINE void chromaOf(const uint8_t* src, ptrdiff_t pixels, bool halved,
   const ChromaVector<kBytes> chroma(weights, vFirst);
   uint8_t *const first = vFirst ? dst.v : dst.u, *const second = vFirst ? dst.u : dst.v;
   if (dst.step == 2) {
-    eachVectorOf(pixels, [&](ptrdiff_t i) HWY_ATTR { chroma.pairs(src + i * kBytes, first + i); });
+    overlappingSteps(byteLanes(), pixels,
+                     [&](ptrdiff_t i) HWY_ATTR { chroma.pairs(src + i * kBytes, first + i); });
   } else if (halved) {
-    eachVectorOf(pixels, [&](ptrdiff_t i) HWY_ATTR {
+    overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
       chroma.halved(src + i * kBytes, first + i / 2, second + i / 2);
     });
   } else {
-    eachVectorOf(pixels, [&](ptrdiff_t i)
-                             HWY_ATTR { chroma.full(src + i * kBytes, first + i, second + i); });
+    overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
+      chroma.full(src + i * kBytes, first + i, second + i);
+    });
   }
 }
 

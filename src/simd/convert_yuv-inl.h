@@ -142,8 +142,6 @@ class TableLines {
   V16 green_;
 };
 
-// Samples of a vector of pixels, from number `i` on. `order` is as in yuv_load-inl.h.
-
 // Chroma of the first and of the third channel.
 struct ChromaWords {
   V16 first, third;
@@ -163,6 +161,7 @@ class PairOrder {
   int first_;
 };
 
+// Samples of a vector of pixels, from number `i` on. `order` is as in yuv_load-inl.h.
 struct RowSamples {
   const uint8_t* first;  // chroma of the first channel, and of the third
   const uint8_t* third;
@@ -225,9 +224,9 @@ struct FullPairs : FullPlanes {
   const uint8_t* pairs_;
 };
 
-struct Pairs : FullPlanes {
+struct HalvedPairs : FullPlanes {
   static constexpr bool kHalved = true;
-  HWY_INLINE Pairs(const YuvRow& row, bool redFirst)
+  HWY_INLINE HalvedPairs(const YuvRow& row, bool redFirst)
       : FullPlanes(row, redFirst), inOrder(third < first), pairs(std::min(first, third)) {}
   template <class Order>
   HWY_INLINE ChromaWords evenChroma(ptrdiff_t i, const Order& order) const {
@@ -368,7 +367,7 @@ HWY_INLINE void convertVectors(const YuvRow* rows, ptrdiff_t count, ptrdiff_t pi
   } else if (rows->chromaStep == 1) {
     convertVectors<HalvedPlanes, Store>(rows, count, pixels, task);
   } else if (rows->chromaStep == 2) {
-    convertVectors<Pairs, Store>(rows, count, pixels, task);
+    convertVectors<HalvedPairs, Store>(rows, count, pixels, task);
   } else if (rows->luma[0] < std::min(rows->u, rows->v)) {
     convertVectors<Groups<true>, Store>(rows, count, pixels, task);
   } else {

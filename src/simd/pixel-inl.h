@@ -131,20 +131,16 @@ HWY_INLINE V16 word565(V16 low, V16 middle, V16 high) {
 }
 
 void pack565(const uint8_t* src, bool swapped, uint8_t* dst, ptrdiff_t pixels) {
-  const ptrdiff_t length = byteLanes();
-  if (pixels < length) return plain::pack565(src, swapped, dst, pixels);
   const auto step = [&](ptrdiff_t i) HWY_ATTR {
-    V8 c0 = hn::Zero(D8()), c1 = c0, c2 = c0;
-    hn::LoadInterleaved3(D8(), src + 3 * i, c0, c1, c2);
-    const Halves low = widen(swapped ? c2 : c0), middle = widen(c1),
-                 high = widen(swapped ? c0 : c2);
+    const Bytes3 c = loadChannels<3>(src + 3 * i);
+    const Halves low = widen(swapped ? c.c : c.a), middle = widen(c.b),
+                 high = widen(swapped ? c.a : c.c);
     const V16 even = word565(low.even, middle.even, high.even);
     const V16 odd = word565(low.odd, middle.odd, high.odd);
     storeBlocks(hn::BitCast(D8(), hn::InterleaveLower(D16(), even, odd)),
                 hn::BitCast(D8(), hn::InterleaveUpper(D16(), even, odd)), dst + 2 * i);
   };
-  for (ptrdiff_t i = 0; i < pixels - length; i += length) step(i);
-  step(pixels - length);
+  if (!overlappingSteps(byteLanes(), pixels, step)) plain::pack565(src, swapped, dst, pixels);
 }
 
 }  // namespace

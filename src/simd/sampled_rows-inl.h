@@ -23,8 +23,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// What is mixed goes from the nearer of two bytes towards the farther one, by at most half of the
-// way: so that a weight, taken as negative, fits 16 bits.
+// `weight` is as fartherWeight makes it.
 template <class D, class V>
 HWY_INLINE V mixWords(D, V nearer, V farther, V weight) {
   return hn::Add(nearer, hn::MulHigh(weight, hn::Sub(nearer, farther)));
@@ -75,18 +74,13 @@ HWY_INLINE void mixWindows(const SampledWindows& windows, ptrdiff_t made, const 
   }
 }
 
-// The weight of the farther row, in 65536ths and negative.
-HWY_INLINE int16_t weightDown(int32_t fraction) {
-  return static_cast<int16_t>(fraction < 0x8000 ? -fraction : fraction - 0x10000);
-}
-
 void blend(const SampledRun& run, const SampledWindows& windows, const uint8_t* top,
            const uint8_t* bottom, int32_t fraction, uint8_t* dst) {
   if (!windows.found) return plain::blend(run, windows, top, bottom, fraction, dst);
   const SignedWords d;
   const hn::Repartition<uint64_t, SignedWords> d64;
-  const bool fromTop = fraction < 0x8000;
-  const auto weight = hn::Set(d, weightDown(fraction));
+  const bool fromTop = nearerIsFirst(fraction);
+  const auto weight = hn::Set(d, fartherWeight(fraction));
   const auto kept = hn::BitCast(d, hn::Set(d64, run.bytes == 4 ? 0xFFFF000000000000u : 0u));
   const ptrdiff_t made = run.made();
   for (ptrdiff_t b = 0; b < blockCount(made); ++b) {
@@ -113,10 +107,10 @@ HWY_INLINE void gather(const SampledRun& run, ptrdiff_t first, const uint8_t* sr
     const int32_t fraction = run.fraction[first + i];
     const uint8_t* const left = src + ptrdiff_t{run.place[first + i]} * run.stride;
     const uint8_t* const right = fraction != 0 ? left + run.stride : left;
-    const bool isLeft = fraction < 0x8000;
+    const bool isLeft = nearerIsFirst(fraction);
     memcpy(gathered->nearer + kBytes * i, isLeft ? left : right, kBytes);
     memcpy(gathered->farther + kBytes * i, isLeft ? right : left, kBytes);
-    const auto weight = static_cast<int16_t>(isLeft ? -fraction : fraction - 0x10000);
+    const int16_t weight = fartherWeight(fraction);
     for (int c = 0; c < kBytes; ++c) gathered->weight[kBytes * i + c] = weight;
     if constexpr (kBytes == 4) {
       gathered->nearer[4 * i + 3] = left[3];
@@ -166,7 +160,7 @@ void across(const SampledRun& run, const SampledWindows& windows, const uint8_t*
 class Down {
  public:
   HWY_INLINE Down(int32_t fraction, bool keepsFourth)
-      : weight_(signedWord(weightDown(fraction))),
+      : weight_(signedWord(fartherWeight(fraction))),
         kept_(hn::BitCast(
             D8(), hn::Set(hn::Repartition<uint32_t, D8>(), keepsFourth ? 0xFF000000u : 0u))) {}
 
@@ -190,7 +184,7 @@ class Down {
 void down(const uint8_t* top, const uint8_t* bottom, int32_t fraction, ptrdiff_t count,
           bool keepsFourth, uint8_t* dst) {
   const ptrdiff_t length = byteLanes();
-  const bool fromTop = fraction < 0x8000;
+  const bool fromTop = nearerIsFirst(fraction);
   const uint8_t *const nearer = fromTop ? top : bottom, *const farther = fromTop ? bottom : top;
   const Down mix(fraction, keepsFourth);
   ptrdiff_t i = 0;
@@ -200,7 +194,7 @@ void down(const uint8_t* top, const uint8_t* bottom, int32_t fraction, ptrdiff_t
   plain::down(top + i, bottom + i, fraction, count - i, keepsFourth, dst + i);
 }
 
-// Fractions cut, where averages of bytes round up: but those of complements cut.
+// Averages round up; on complements that rounds down, as the definition does.
 HWY_INLINE V8 cutMeanOfFour(V8 a, V8 b, V8 c, V8 d) {
   const V8 upper = hn::AverageRound(hn::Not(a), hn::Not(b));
   const V8 lower = hn::AverageRound(hn::Not(c), hn::Not(d));

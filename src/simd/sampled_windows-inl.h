@@ -101,6 +101,13 @@ HWY_INLINE WindowVector pairsOf(const SampledWindows& windows, ptrdiff_t b, cons
 
 #endif
 
+// A mixture goes from the nearer of two bytes towards the farther one, by at most half of the way:
+// so that the weight of the farther, in 65536ths and taken as negative, fits 16 bits.
+HWY_INLINE bool nearerIsFirst(int32_t fraction) { return fraction < 0x8000; }
+HWY_INLINE int16_t fartherWeight(int32_t fraction) {
+  return static_cast<int16_t>(nearerIsFirst(fraction) ? -fraction : fraction - 0x10000);
+}
+
 // Bytes of a source row that a run reads.
 struct ReadRange {
   ptrdiff_t begin, end;
@@ -127,10 +134,10 @@ inline bool findWindow(const SampledRun& run, const ReadRange& range, ptrdiff_t 
     const int32_t fraction = c == 3 ? 0 : run.fractionOf(element);
     const ptrdiff_t left = ptrdiff_t{run.place[element]} * run.stride + c;
     const ptrdiff_t right = fraction != 0 ? left + run.stride : left;
-    const bool isLeft = fraction < 0x8000;
+    const bool isLeft = nearerIsFirst(fraction);
     nearer[k] = isLeft ? left : right;
     farther[k] = isLeft ? right : left;
-    weight[k] = static_cast<int16_t>(isLeft ? -fraction : fraction - 0x10000);
+    weight[k] = fartherWeight(fraction);
     low = std::min(low, left);
     high = std::max(high, right);
     if (++c == run.bytes) {

@@ -84,7 +84,7 @@ void toPixelsFolded(const YuvSource& src, const FoldedWeights& weights, PixelOrd
 }
 
 template <int kShift>
-HWY_INLINE void convertFullChroma(const YuvSource& src, const FoldedWeights& weights, uint8_t alpha,
+HWY_INLINE bool convertFullChroma(const YuvSource& src, const FoldedWeights& weights, uint8_t alpha,
                                   uint8_t* dst, ptrdiff_t pixels) {
   const FoldedTerms<kShift> terms(weights);
   const PixelStore<PixelOrder::bgra32> store(alpha);
@@ -93,27 +93,21 @@ HWY_INLINE void convertFullChroma(const YuvSource& src, const FoldedWeights& wei
     const VS y = hn::BitCast(DS(), luma);
     return ColorTerms{hn::Add(y, t.red), hn::Add(y, t.green), hn::Add(y, t.blue)};
   };
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
     const Halves y = widen(store.placed(loadBytes(src.y + i)));
     const Halves u = widen(store.placed(loadBytes(src.u + i)));
     const Halves v = widen(store.placed(loadBytes(src.v + i)));
     const ColorTerms even = half(y.even, u.even, v.even), odd = half(y.odd, u.odd, v.odd);
     store(packWords(even.red, odd.red), packWords(even.green, odd.green),
           packWords(even.blue, odd.blue), dst + 4 * i);
-  };
-  for (ptrdiff_t i = 0; i < pixels - byteLanes(); i += byteLanes()) step(i);
-  step(pixels - byteLanes());
+  });
 }
 
 void toPixelsFullChroma(const YuvSource& src, const FoldedWeights& weights, uint8_t alpha,
                         uint8_t* dst, ptrdiff_t pixels) {
-  if (pixels < byteLanes()) {
-    plain::toPixelsFullChroma(src, weights, alpha, dst, pixels);
-  } else if (weights.shift == 6) {
-    convertFullChroma<6>(src, weights, alpha, dst, pixels);
-  } else {
-    convertFullChroma<7>(src, weights, alpha, dst, pixels);
-  }
+  const bool done = weights.shift == 6 ? convertFullChroma<6>(src, weights, alpha, dst, pixels)
+                                       : convertFullChroma<7>(src, weights, alpha, dst, pixels);
+  if (!done) plain::toPixelsFullChroma(src, weights, alpha, dst, pixels);
 }
 
 void toPixelsFine(const YuvSource& src, uint8_t alpha, uint8_t* dst, ptrdiff_t pairs) {

@@ -150,9 +150,8 @@ struct Triplets {
   V8 y, u, v;
 
   static HWY_INLINE Triplets at(const uint8_t* src) {
-    Triplets t = {hn::Zero(D8()), hn::Zero(D8()), hn::Zero(D8())};
-    hn::LoadInterleaved3(D8(), src, t.y, t.u, t.v);
-    return t;
+    const Bytes3 channels = loadChannels<3>(src);
+    return {channels.a, channels.b, channels.c};
   }
 };
 
@@ -194,22 +193,12 @@ struct PackedBytes {
   }
 };
 
-// Calls step(i) for every `length` pairs, at last for those that end the row: they may have been
-// written before. False if the row is shorter.
-template <class Step>
-HWY_INLINE bool overlappingSteps(ptrdiff_t length, ptrdiff_t pairs, const Step& step) {
-  if (pairs < length) return false;
-  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
-  step(pairs - length);
-  return true;
-}
-
 template <bool kLumaFirst>
 HWY_INLINE bool unpackToPlanes(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
   const ptrdiff_t length = byteLanes();
   const uint8_t* const row = kLumaFirst ? src.y : src.y - 1;
   uint8_t *const even = src.u < src.v ? dst.u : dst.v, *const odd = src.u < src.v ? dst.v : dst.u;
-  return overlappingSteps(length, pairs, [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingShortSteps(length, pairs, [&](ptrdiff_t i) HWY_ATTR {
     const PackedBytes first = PackedBytes::at<kLumaFirst>(row + 4 * i);
     const PackedBytes second = PackedBytes::at<kLumaFirst>(row + 4 * i + 2 * length);
     storeBytes(first.luma, dst.y + 2 * i);
@@ -223,7 +212,7 @@ template <bool kLumaFirst, bool kUFirst>
 HWY_INLINE bool unpackToPairs(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
   const uint8_t* const row = kLumaFirst ? src.y : src.y - 1;
   const bool uFirst = src.u < src.v;
-  return overlappingSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingShortSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
     const PackedBytes bytes = PackedBytes::at<kLumaFirst>(row + 4 * i);
     StorePairs<kUFirst>::bytesAt(dst, i, bytes.luma, bytes.chroma, uFirst);
   });
@@ -279,7 +268,7 @@ void moveRow(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
 template <class Load, bool kLumaFirst>
 HWY_INLINE bool pack(const uint8_t* luma, const uint8_t* first, const uint8_t* second, uint8_t* dst,
                      ptrdiff_t pairs) {
-  return overlappingSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingShortSteps(byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR {
     const V8 lumas = loadBytes(luma + 2 * i), chroma = Load::at(first, second, i);
     const V8 even = kLumaFirst ? lumas : chroma, odd = kLumaFirst ? chroma : lumas;
     storeBlocks(hn::InterleaveLower(D8(), even, odd), hn::InterleaveUpper(D8(), even, odd),
@@ -328,17 +317,14 @@ void packPairs(const YuvSource& src, const YuvTarget& dst, ptrdiff_t pairs) {
 HWY_INLINE V8 twice(V16 words) { return narrow({words, words}); }
 
 void packPixels(const YuvSource& src, uint8_t* dst, ptrdiff_t pairs) {
-  const ptrdiff_t length = byteLanes() / 2;
-  if (shapeOf(src) != RowShape::vuPairs || pairs < length) {
-    return plain::packPixels(src, dst, pairs);
-  }
   const auto step = [&](ptrdiff_t i) HWY_ATTR {
     const Halves chroma = widen(loadBytes(src.v + 2 * i));
     hn::StoreInterleaved3(loadBytes(src.y + 2 * i), twice(chroma.odd), twice(chroma.even), D8(),
                           dst + 6 * i);
   };
-  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
-  step(pairs - length);
+  if (shapeOf(src) != RowShape::vuPairs || !overlappingShortSteps(byteLanes() / 2, pairs, step)) {
+    plain::packPixels(src, dst, pairs);
+  }
 }
 
 }  // namespace

@@ -24,16 +24,11 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Channels of pixels as bytes, in order.
+// Red, green and blue of pixels as bytes.
 template <PixelOrder kOrder>
 HWY_INLINE Bytes3 loadPixels(const uint8_t* src) {
-  V8 c0 = hn::Zero(D8()), c1 = c0, c2 = c0, c3 = c0;
-  if constexpr (bytesOf(kOrder) == 4) {
-    hn::LoadInterleaved4(D8(), src, c0, c1, c2, c3);
-  } else {
-    hn::LoadInterleaved3(D8(), src, c0, c1, c2);
-  }
-  return blueFirst(kOrder) ? Bytes3{c2, c1, c0} : Bytes3{c0, c1, c2};
+  const Bytes3 c = loadChannels<bytesOf(kOrder)>(src);
+  return blueFirst(kOrder) ? Bytes3{c.c, c.b, c.a} : c;
 }
 
 // Red, green and blue as words.
@@ -108,43 +103,40 @@ HWY_INLINE auto quadsOf(const FineMath&) {
 }
 
 template <PixelOrder kOrder, class Store, class Math>
-HWY_INLINE void packRow(const uint8_t* src, const Math& math, const YuvTarget& dst,
+HWY_INLINE bool packRow(const uint8_t* src, const Math& math, const YuvTarget& dst,
                         ptrdiff_t pairs) {
-  packQuads<bytesOf(kOrder), Store>(src, quadsOf<kOrder>(math), blueFirst(kOrder), dst, pairs);
+  return packQuads<bytesOf(kOrder), Store>(src, quadsOf<kOrder>(math), blueFirst(kOrder), dst,
+                                           pairs);
 }
 
 template <PixelOrder kOrder, class Math>
-HWY_INLINE void lumaRow(const uint8_t* src, const Math& math, uint8_t* dst, ptrdiff_t pixels) {
-  lumaOfQuads<bytesOf(kOrder)>(src, quadsOf<kOrder>(math), dst, pixels);
+HWY_INLINE bool lumaRow(const uint8_t* src, const Math& math, uint8_t* dst, ptrdiff_t pixels) {
+  return lumaOfQuads<bytesOf(kOrder)>(src, quadsOf<kOrder>(math), dst, pixels);
 }
 
 #else
 
 template <PixelOrder kOrder, class Store, class Math>
-HWY_INLINE void packRow(const uint8_t* src, const Math& math, const YuvTarget& dst,
+HWY_INLINE bool packRow(const uint8_t* src, const Math& math, const YuvTarget& dst,
                         ptrdiff_t pairs) {
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
-    const Bytes3 pixels = loadPixels<kOrder>(src + 2 * i * bytesOf(kOrder));
-    const RgbWords even = evenPixels(pixels);
-    const auto sum = Math::sumOf(even);
-    const V16 odd = Math::luma(Math::sumOf(oddPixels(pixels)));
-    Store::at(dst, i, {{Math::luma(sum), odd}, math.u(even, sum), math.v(even, sum)});
-  };
-  const ptrdiff_t length = byteLanes() / 2;
-  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
-  step(pairs - length);
+  return overlappingSteps(
+      byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR __attribute__((always_inline)) {
+        const Bytes3 pixels = loadPixels<kOrder>(src + 2 * i * bytesOf(kOrder));
+        const RgbWords even = evenPixels(pixels);
+        const auto sum = Math::sumOf(even);
+        const V16 odd = Math::luma(Math::sumOf(oddPixels(pixels)));
+        Store::at(dst, i, {{Math::luma(sum), odd}, math.u(even, sum), math.v(even, sum)});
+      });
 }
 
 template <PixelOrder kOrder, class Math>
-HWY_INLINE void lumaRow(const uint8_t* src, const Math&, uint8_t* dst, ptrdiff_t pixels) {
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+HWY_INLINE bool lumaRow(const uint8_t* src, const Math&, uint8_t* dst, ptrdiff_t pixels) {
+  return overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
     const Bytes3 loaded = loadPixels<kOrder>(src + i * bytesOf(kOrder));
     storeBytes(narrow({Math::luma(Math::sumOf(evenPixels(loaded))),
                        Math::luma(Math::sumOf(oddPixels(loaded)))}),
                dst + i);
-  };
-  for (ptrdiff_t i = 0; i < pixels - byteLanes(); i += byteLanes()) step(i);
-  step(pixels - byteLanes());
+  });
 }
 
 #endif  // HWY_TARGET
@@ -152,29 +144,21 @@ HWY_INLINE void lumaRow(const uint8_t* src, const Math&, uint8_t* dst, ptrdiff_t
 template <PixelOrder kOrder, class Math>
 HWY_INLINE bool packRow(const uint8_t* src, const Math& math, const YuvTarget& dst,
                         ptrdiff_t pairs) {
-  if (2 * pairs < byteLanes()) return false;
   switch (shapeOf(dst)) {
     case RowShape::planes:
-      packRow<kOrder, StorePlanes>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePlanes>(src, math, dst, pairs);
     case RowShape::uvPairs:
-      packRow<kOrder, StorePairs<true>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePairs<true>>(src, math, dst, pairs);
     case RowShape::vuPairs:
-      packRow<kOrder, StorePairs<false>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePairs<false>>(src, math, dst, pairs);
     case RowShape::yuyv:
-      packRow<kOrder, StorePacked<true, true>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePacked<true, true>>(src, math, dst, pairs);
     case RowShape::yvyu:
-      packRow<kOrder, StorePacked<true, false>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePacked<true, false>>(src, math, dst, pairs);
     case RowShape::uyvy:
-      packRow<kOrder, StorePacked<false, true>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePacked<false, true>>(src, math, dst, pairs);
     case RowShape::vyuy:
-      packRow<kOrder, StorePacked<false, false>>(src, math, dst, pairs);
-      return true;
+      return packRow<kOrder, StorePacked<false, false>>(src, math, dst, pairs);
     default:
       return false;
   }
@@ -209,9 +193,8 @@ void fromPixelsFine(const uint8_t* src, const YuvTarget& dst, ptrdiff_t pairs) {
   }
 }
 
-void lumaOfPixels(const uint8_t* src, PixelOrder order, uint8_t* dst, ptrdiff_t pixels) {
-  if (pixels < byteLanes()) return plain::lumaOfPixels(src, order, dst, pixels);
-  const UsualMath math(ChromaWeights{});
+HWY_INLINE bool lumaRow(const uint8_t* src, PixelOrder order, const UsualMath& math, uint8_t* dst,
+                        ptrdiff_t pixels) {
   switch (order) {
     case PixelOrder::rgb24:
       return lumaRow<PixelOrder::rgb24>(src, math, dst, pixels);
@@ -222,35 +205,41 @@ void lumaOfPixels(const uint8_t* src, PixelOrder order, uint8_t* dst, ptrdiff_t 
     case PixelOrder::bgra32:
       return lumaRow<PixelOrder::bgra32>(src, math, dst, pixels);
   }
+  return false;
+}
+
+void lumaOfPixels(const uint8_t* src, PixelOrder order, uint8_t* dst, ptrdiff_t pixels) {
+  if (!lumaRow(src, order, UsualMath(ChromaWeights{}), dst, pixels)) {
+    plain::lumaOfPixels(src, order, dst, pixels);
+  }
 }
 
 void fineLumaOfPixels(const uint8_t* src, uint8_t* dst, ptrdiff_t pixels) {
-  if (pixels < byteLanes()) return plain::fineLumaOfPixels(src, dst, pixels);
-  lumaRow<PixelOrder::rgba32>(src, FineMath(), dst, pixels);
+  if (!lumaRow<PixelOrder::rgba32>(src, FineMath(), dst, pixels)) {
+    plain::fineLumaOfPixels(src, dst, pixels);
+  }
 }
 
 template <PixelOrder kOrder>
-HWY_INLINE void planesRow(const uint8_t* src, const UsualMath& math, uint8_t* const* planes,
+HWY_INLINE bool planesRow(const uint8_t* src, const UsualMath& math, uint8_t* const* planes,
                           ptrdiff_t pixels) {
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
     const Bytes3 loaded = loadPixels<kOrder>(src + i * bytesOf(kOrder));
     const RgbWords even = evenPixels(loaded), odd = oddPixels(loaded);
     const UsualMath::Sum evenSum = UsualMath::sumOf(even), oddSum = UsualMath::sumOf(odd);
     storeBytes(narrow({evenSum.luma, oddSum.luma}), planes[0] + i);
     storeBytes(narrow({math.u(even, evenSum), math.u(odd, oddSum)}), planes[1] + i);
     storeBytes(narrow({math.v(even, evenSum), math.v(odd, oddSum)}), planes[2] + i);
-  };
-  for (ptrdiff_t i = 0; i < pixels - byteLanes(); i += byteLanes()) step(i);
-  step(pixels - byteLanes());
+  });
 }
 
 void planesOfPixels(const uint8_t* src, PixelOrder order, ChromaWeights weights,
                     uint8_t* const* planes, ptrdiff_t pixels) {
   // One member asks for this, from R, G, B.
-  if (pixels < byteLanes() || order != PixelOrder::rgb24) {
-    return plain::planesOfPixels(src, order, weights, planes, pixels);
+  if (order != PixelOrder::rgb24 ||
+      !planesRow<PixelOrder::rgb24>(src, UsualMath(weights), planes, pixels)) {
+    plain::planesOfPixels(src, order, weights, planes, pixels);
   }
-  planesRow<PixelOrder::rgb24>(src, UsualMath(weights), planes, pixels);
 }
 
 }  // namespace

@@ -37,22 +37,20 @@ HWY_INLINE V8 channel(const Halves& luma, VS term) {
 }
 
 template <class Load, PixelOrder kOrder, class Terms>
-HWY_INLINE void convertRow(const Terms& terms, const YuvSource& src, uint8_t alpha, uint8_t* dst,
+HWY_INLINE bool convertRow(const Terms& terms, const YuvSource& src, uint8_t alpha, uint8_t* dst,
                            ptrdiff_t pairs) {
   const PixelStore<kOrder> store(alpha);
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
-    const YuvWords words = Load::at(src, i, store);
-    const ColorTerms t = terms(hn::BitCast(DS(), words.u), hn::BitCast(DS(), words.v));
-    store(channel(words.luma, t.red), channel(words.luma, t.green), channel(words.luma, t.blue),
-          dst + 2 * i * bytesOf(kOrder));
-  };
-  const ptrdiff_t length = byteLanes() / 2;
-  for (ptrdiff_t i = 0; i < pairs - length; i += length) step(i);
-  step(pairs - length);
+  return overlappingSteps(
+      byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR __attribute__((always_inline)) {
+        const YuvWords words = Load::at(src, i, store);
+        const ColorTerms t = terms(hn::BitCast(DS(), words.u), hn::BitCast(DS(), words.v));
+        store(channel(words.luma, t.red), channel(words.luma, t.green), channel(words.luma, t.blue),
+              dst + 2 * i * bytesOf(kOrder));
+      });
 }
 
 template <class Load, class Terms>
-HWY_INLINE void convertRow(const Terms& terms, const YuvSource& src, PixelOrder order,
+HWY_INLINE bool convertRow(const Terms& terms, const YuvSource& src, PixelOrder order,
                            uint8_t alpha, uint8_t* dst, ptrdiff_t pairs) {
   switch (order) {
     case PixelOrder::rgb24:
@@ -64,27 +62,23 @@ HWY_INLINE void convertRow(const Terms& terms, const YuvSource& src, PixelOrder 
     case PixelOrder::bgra32:
       return convertRow<Load, PixelOrder::bgra32>(terms, src, alpha, dst, pairs);
   }
+  return false;
 }
 
-// terms(u, v) takes chroma as it is stored. False where the row is too short or its shape is one
-// that nobody is in a hurry about.
+// terms(u, v) takes chroma as it is stored. False where the row is too short or its shape has no
+// vector form.
 template <class Terms>
 HWY_INLINE bool convertRow(const Terms& terms, const YuvSource& src, PixelOrder order,
                            uint8_t alpha, uint8_t* dst, ptrdiff_t pairs) {
-  if (2 * pairs < byteLanes()) return false;
   switch (shapeOf(src)) {
     case RowShape::planes:
-      convertRow<LoadPlanes>(terms, src, order, alpha, dst, pairs);
-      return true;
+      return convertRow<LoadPlanes>(terms, src, order, alpha, dst, pairs);
     case RowShape::uvPairs:
-      convertRow<LoadPairs<true>>(terms, src, order, alpha, dst, pairs);
-      return true;
+      return convertRow<LoadPairs<true>>(terms, src, order, alpha, dst, pairs);
     case RowShape::vuPairs:
-      convertRow<LoadPairs<false>>(terms, src, order, alpha, dst, pairs);
-      return true;
+      return convertRow<LoadPairs<false>>(terms, src, order, alpha, dst, pairs);
     case RowShape::yuyv:
-      convertRow<LoadYuyv>(terms, src, order, alpha, dst, pairs);
-      return true;
+      return convertRow<LoadYuyv>(terms, src, order, alpha, dst, pairs);
     default:
       return false;
   }

@@ -166,25 +166,22 @@ HWY_INLINE QuadRow loadRow(const LoadQuads<kBytes>& load, const uint8_t* src) {
 }
 
 template <ptrdiff_t kBytes, class Store, class Math>
-HWY_INLINE void packQuads(const uint8_t* src, const Math& math, bool blueIsFirst,
+HWY_INLINE bool packQuads(const uint8_t* src, const Math& math, bool blueIsFirst,
                           const YuvTarget& dst, ptrdiff_t pairs) {
   const LoadQuads<kBytes> load;
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
-    const QuadRow row = loadRow(load, src + 2 * i * kBytes);
-    Store::bytesAt(dst, i, row.luma(math), row.chroma(math), blueIsFirst);
-  };
-  for (ptrdiff_t i = 0; i < pairs - 32; i += 32) step(i);
-  step(pairs - 32);
+  return overlappingSteps(
+      byteLanes() / 2, pairs, [&](ptrdiff_t i) HWY_ATTR __attribute__((always_inline)) {
+        const QuadRow row = loadRow(load, src + 2 * i * kBytes);
+        Store::bytesAt(dst, i, row.luma(math), row.chroma(math), blueIsFirst);
+      });
 }
 
 template <ptrdiff_t kBytes, class Math>
-HWY_INLINE void lumaOfQuads(const uint8_t* src, const Math& math, uint8_t* dst, ptrdiff_t pixels) {
+HWY_INLINE bool lumaOfQuads(const uint8_t* src, const Math& math, uint8_t* dst, ptrdiff_t pixels) {
   const LoadQuads<kBytes> load;
-  const auto step = [&](ptrdiff_t i) HWY_ATTR {
+  return overlappingSteps(byteLanes(), pixels, [&](ptrdiff_t i) HWY_ATTR {
     storeBytes(loadRow(load, src + i * kBytes).luma(math), dst + i);
-  };
-  for (ptrdiff_t i = 0; i < pixels - 64; i += 64) step(i);
-  step(pixels - 64);
+  });
 }
 
 }  // namespace
