@@ -8,6 +8,7 @@
 
 #include "filters/look_rules.h"
 #include "support/kernel_frame.h"
+#include "support/sweep.h"
 
 namespace qpx {
 namespace {
@@ -199,7 +200,8 @@ TEST_P(NativeLook, FollowsItsRuleInEveryRectangle) {
   for (const FormatCase& format : testing::formatCases()) {
     if (!taken(format)) continue;
     Random random(GetParam().id);
-    for (uint64_t seed = 0; seed < 40; ++seed) {
+    const auto pictures = static_cast<uint64_t>(sweepCount(40));
+    for (uint64_t seed = 0; seed < pictures; ++seed) {
       const int32_t width = random.between(1, seed % 8 == 0 ? 700 : 90);
       const int32_t height = random.between(1, seed % 8 == 0 ? 9 : 70);
       SCOPED_TRACE(std::string(format.name) + " " + std::to_string(width) + "x" +
