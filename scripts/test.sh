@@ -198,7 +198,7 @@ step_install() {
 declare -A groups=(
   [format]="lint" [headers]="build" [release]="build tool tests" [stack]="build tool tests"
   [asan]="build tool tests" [tsan]="build tests" [armhf]="build tests armhf"
-  [fuzz]="build tool tests fuzz" [tidy]="build tool lint" [install]="build tool tests"
+  [fuzz]="build tests fuzz" [tidy]="build tool lint" [install]="build tool tests"
 )
 needed=()
 for step in "${steps[@]}"; do
