@@ -26,12 +26,10 @@ bool Source::open(const Call& call, FormatSet format) {
   bilinear_ = record.bilinearY != 0;
   shiftX_ = record.srcSubX[1] - 1;
   shiftY_ = record.srcSubY[1] - 1;
-  const bool onePlane = record.srcPlane.count == 1;
-  const int32_t planes[3] = {0, onePlane ? 0 : planeOfU(record.src.klass),
-                             onePlane ? 0 : planeOfV(record.src.klass)};
   for (int32_t c = 0; c < 3; ++c) {
-    plane_[c] = call.srcPlanes[planes[c]];
-    pitch_[c] = call.srcPitch[planes[c]];
+    const int32_t plane = planeOf(record.srcPlane, c);
+    plane_[c] = call.srcPlanes[plane];
+    pitch_[c] = call.srcPitch[plane];
     offset_[c] = record.srcPlane.offset[c];
     if (plane_[c] == nullptr) return false;
   }
