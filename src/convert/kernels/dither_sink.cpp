@@ -14,7 +14,7 @@ bool DitherSink::open(const Call& call, FormatSet from, FormatSet to) {
   redFirst_ = (to & kInRedFirst) != 0;
   carries_ = {};
   const Stride stride = strideOf(call, 0, 0);
-  lane_.open(call.dstPlanes[0], stride.along, stride.across, 2, call.record->swapXY != 0);
+  lane_.open(call.dstPlanes[0], stride, 2, call.record->swapXY != 0);
   lane_.forbidTiles();
   return true;
 }

@@ -30,7 +30,7 @@ bool GroupSink::open(const Call& call, FormatSet from, const CellGrid& cells) {
   turned_ = call.record->swapXY != 0;
   const Stride luma = strideOf(call, 0, 0), group = strideOf(call, 1, 1);
   backwards_ = (turned_ ? luma.across : luma.along) < 0;
-  lane_.open(call.dstPlanes[1], group.along, group.across, 4, call.record->swapXY != 0);
+  lane_.open(call.dstPlanes[1], group, 4, call.record->swapXY != 0);
   return maker_.open(call, from);
 }
 

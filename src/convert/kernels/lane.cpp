@@ -12,7 +12,8 @@ Stride strideOf(const Call& call, int32_t component, int32_t plane) {
   return call.record->swapXY != 0 ? Stride{pitch, step} : Stride{step, pitch};
 }
 
-void Lane::open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes, bool turned) {
+void Lane::open(uint8_t* base, const Stride& stride, int32_t bytes, bool turned) {
+  const auto [along, across] = stride;
   rows_ = &simd::convertRows();
   base_ = base;
   along_ = along;

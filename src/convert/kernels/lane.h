@@ -20,9 +20,8 @@ Stride strideOf(const Call& call, int32_t component, int32_t plane);
 
 class Lane {
  public:
-  // From an element to that of the next column, and to that of the next row, are `along` and
-  // `across` bytes. Where a picture is turned, runs are no longer than kTileColumns.
-  void open(uint8_t* base, ptrdiff_t along, ptrdiff_t across, int32_t bytes, bool turned);
+  // Elements of `bytes` bytes. Where a picture is turned, runs are no longer than kTileColumns.
+  void open(uint8_t* base, const Stride& stride, int32_t bytes, bool turned);
 
   // Has rows delivered one by one even where tiles would be faster: for passes that must finish a
   // row before they begin the next.

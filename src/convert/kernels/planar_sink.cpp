@@ -10,8 +10,7 @@ bool PlanarSink::open(const Call& call, FormatSet from, FormatSet to, const Cell
   if (call.dstPlanes[0] == nullptr || !maker_.open(call, from)) return false;
   const bool turned = call.record->swapXY != 0;
   const Stride stride = strideOf(call, 0, 0);
-  luma_.open(call.dstPlanes[0] + call.record->dstPlane.offset[0], stride.along, stride.across, 1,
-             turned);
+  luma_.open(call.dstPlanes[0] + call.record->dstPlane.offset[0], stride, 1, turned);
   chroma_ = Chroma::none;
   return to == kInGrey || openChroma(call, to);
 }
@@ -26,11 +25,11 @@ bool PlanarSink::openChroma(const Call& call, FormatSet to) {
   if ((to & kInNv) != 0 && adjacent && call.dstPitch[1] == call.dstPitch[2]) {
     chroma_ = Chroma::pairs;
     vFirst_ = v < u;
-    u_.open(vFirst_ ? v : u, strideU.along, strideU.across, 2, turned);
+    u_.open(vFirst_ ? v : u, strideU, 2, turned);
   } else {
     chroma_ = Chroma::planes;
-    u_.open(u + call.record->dstPlane.offset[1], strideU.along, strideU.across, 1, turned);
-    v_.open(v + call.record->dstPlane.offset[2], strideV.along, strideV.across, 1, turned);
+    u_.open(u + call.record->dstPlane.offset[1], strideU, 1, turned);
+    v_.open(v + call.record->dstPlane.offset[2], strideV, 1, turned);
   }
   return true;
 }

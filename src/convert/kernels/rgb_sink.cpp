@@ -13,10 +13,10 @@ bool RgbSink::open(const Call& call, FormatSet from, FormatSet to) {
   redFirst_ = (to & kInRedFirst) != 0;
   const bool turned = record.swapXY != 0;
   const Stride stride = strideOf(call, 0, 0);
-  lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_, turned);
+  lane_.open(call.dstPlanes[0], stride, bytes_, turned);
   if (keepsAlpha_ && !lane_.isForward()) {
     bytes_ = 3;
-    lane_.open(call.dstPlanes[0], stride.along, stride.across, bytes_, turned);
+    lane_.open(call.dstPlanes[0], stride, bytes_, turned);
   }
   return true;
 }
